@@ -1,0 +1,45 @@
+# One arithmetic everywhere: SSE2 on 32-bit builds, no fused multiply-add, no fast-math, so that
+# every platform computes the same bits.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+add_compile_options(-ffp-contract=off -fno-strict-aliasing)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    add_compile_options(-msse2 -mfpmath=sse -mstackrealign)
+endif()
+if(WIN32)
+    add_compile_definitions(WINVER=0x0601 _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=0)
+    add_link_options(-static)
+endif()
+if(KOLINK_SANITIZE)
+    add_compile_options(-fsanitize=${KOLINK_SANITIZE} -fno-sanitize-recover=all
+                        -fno-omit-frame-pointer -g)
+    add_link_options(-fsanitize=${KOLINK_SANITIZE})
+endif()
+
+# Linked by every target of our own; never by what comes from elsewhere.
+add_library(ko_warnings INTERFACE)
+target_compile_options(ko_warnings INTERFACE -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion)
+
+# User texts are written in UTF-8 and live in Shift-JIS at run time. clang has no such option:
+# its builds (the fuzz targets) keep them in UTF-8.
+function(ko_shift_jis_texts target)
+    target_compile_options(${target} PRIVATE
+        $<$<CXX_COMPILER_ID:GNU>:-finput-charset=UTF-8> $<$<CXX_COMPILER_ID:GNU>:-fexec-charset=CP932>)
+endfunction()
+
+# ko_folder(icc SOURCES ... USES ko_frame): the static target of one source folder.
+function(ko_folder name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;USES")
+    add_library(ko_${name} STATIC ${arg_SOURCES})
+    target_include_directories(ko_${name} PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+    target_link_libraries(ko_${name} PUBLIC ${arg_USES} PRIVATE ko_warnings)
+endfunction()

@@ -1,0 +1,37 @@
+# The shared library: the folders' exports.cpp over their static targets. cmake/exports.txt is
+# the one list of names; the .def file and the version script are made from it.
+file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/exports.txt KO_EXPORTS REGEX "^j|^Value")
+set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+             ${PROJECT_SOURCE_DIR}/cmake/exports.txt)
+
+file(GLOB_RECURSE KO_EXPORT_SOURCES CONFIGURE_DEPENDS
+     frame/exports*.cpp icc/exports*.cpp tone/exports*.cpp calib/exports*.cpp cmyk/exports*.cpp
+     link/exports*.cpp front/exports*.cpp)
+add_library(kolink SHARED ${KO_EXPORT_SOURCES})
+add_library(KoLink::KoLink ALIAS kolink)
+set(KO_FOLDER_TARGETS ko_frame ko_icc ko_tone ko_calib ko_cmyk ko_link ko_front)
+list(FILTER KO_FOLDER_TARGETS INCLUDE REGEX ".*")
+foreach(target ${KO_FOLDER_TARGETS})
+    if(TARGET ${target})
+        target_link_libraries(kolink PRIVATE ${target})
+    endif()
+endforeach()
+target_link_libraries(kolink PRIVATE ko_warnings)
+target_include_directories(kolink INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
+
+if(WIN32)
+    list(JOIN KO_EXPORTS "\n    " names)
+    file(CONFIGURE OUTPUT KoLink.def CONTENT "LIBRARY KoLink.dll\nEXPORTS\n    ${names}\n")
+    target_sources(kolink PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/KoLink.def)
+    set_target_properties(kolink PROPERTIES PREFIX "" OUTPUT_NAME KoLink)
+else()
+    list(JOIN KO_EXPORTS ";\n        " names)
+    file(CONFIGURE OUTPUT kolink.map
+         CONTENT "{\n    global:\n        ${names};\n    local: *;\n};\n")
+    target_link_options(kolink PRIVATE -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/kolink.map
+                        -Wl,--no-undefined-version)
+    set_target_properties(kolink PROPERTIES OUTPUT_NAME kolink
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+        LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/kolink.map)
+endif()

@@ -1,0 +1,216 @@
+#include "frame/platform.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <new>
+
+namespace ko::platform {
+
+const char kSeparator = '/';
+const char kPluginSuffix[] = ".so";
+
+struct NamedMutex {
+    int file;
+};
+
+namespace {
+
+int openRetrying(const char* path, int flags, mode_t mode) noexcept {
+    int file;
+    do file = ::open(path, flags | O_CLOEXEC, mode);
+    while (file < 0 && errno == EINTR);
+    return file;
+}
+
+bool ownFolder(const char* path) noexcept {
+    struct stat status;
+    return ::lstat(path, &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::getuid();
+}
+
+// The user's runtime folder; without one, a file in /tmp that carries the user's number.
+std::string lockPath(const char* name) {
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime && runtime[0] == '/' && ownFolder(runtime)) return std::string(runtime) + '/' + name;
+    const std::string user = std::to_string(::getuid());
+    const std::string folder = "/run/user/" + user;
+    if (ownFolder(folder.c_str())) return folder + '/' + name;
+    return "/tmp/" + std::string(name) + '.' + user;
+}
+
+}  // namespace
+
+NamedMutex* openNamedMutex(const char* name) noexcept try {
+    // Each opening has a lock of its own, so threads of one process keep each other out too.
+    const int file = openRetrying(lockPath(name).c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    if (file < 0) return nullptr;
+    struct stat status;
+    if (::fstat(file, &status) == 0 && status.st_uid == ::getuid())
+        if (auto* mutex = new (std::nothrow) NamedMutex{file}) return mutex;
+    ::close(file);
+    return nullptr;
+} catch (...) {
+    return nullptr;
+}
+
+NamedMutex* createNamedMutex(const char* name) noexcept { return openNamedMutex(name); }
+
+void lock(NamedMutex& mutex) noexcept {
+    while (::flock(mutex.file, LOCK_EX) != 0 && errno == EINTR) {}
+}
+
+void closeNamedMutex(NamedMutex* mutex) noexcept {
+    if (!mutex) return;
+    ::close(mutex->file);
+    delete mutex;
+}
+
+void unlockAndClose(NamedMutex* mutex) noexcept {
+    // A child forked meanwhile shares the opening; unlocking does not wait for it to close.
+    ::flock(mutex->file, LOCK_UN);
+    closeNamedMutex(mutex);
+}
+
+FileHandle openForReading(const char* path, bool) noexcept {
+    const int file = openRetrying(path, O_RDONLY | O_NONBLOCK, 0);
+    if (file < 0) return kNoFile;
+    struct stat status;
+    if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode)) return file;
+    ::close(file);
+    return kNoFile;
+}
+
+FileHandle createForWriting(const char* path) noexcept {
+    const int file = openRetrying(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK, 0666);
+    return file < 0 ? kNoFile : file;
+}
+
+void close(FileHandle file) noexcept { ::close(static_cast<int>(file)); }
+
+uint64_t sizeOf(FileHandle file) noexcept {
+    struct stat status;
+    return ::fstat(static_cast<int>(file), &status) == 0 ? static_cast<uint64_t>(status.st_size) : 0;
+}
+
+size_t read(FileHandle file, void* buffer, size_t size) noexcept {
+    size_t done = 0;
+    while (done < size) {
+        const ssize_t got = ::read(static_cast<int>(file), static_cast<char*>(buffer) + done, size - done);
+        if (got > 0) done += static_cast<size_t>(got);
+        else if (got == 0 || errno != EINTR) break;
+    }
+    return done;
+}
+
+bool write(FileHandle file, const void* bytes, size_t size) noexcept {
+    size_t done = 0;
+    while (done < size) {
+        const ssize_t put =
+            ::write(static_cast<int>(file), static_cast<const char*>(bytes) + done, size - done);
+        if (put > 0) done += static_cast<size_t>(put);
+        else if (put == 0 || errno != EINTR) return false;
+    }
+    return true;
+}
+
+bool seek(FileHandle file, uint64_t position) noexcept {
+    return position <= static_cast<uint64_t>(LLONG_MAX) &&
+           ::lseek(static_cast<int>(file), static_cast<off_t>(position), SEEK_SET) >= 0;
+}
+
+bool deleteFile(const char* path) noexcept { return ::unlink(path) == 0; }
+
+bool replaceFile(const char* from, const char* to) noexcept { return ::rename(from, to) == 0; }
+
+namespace {
+
+DateTime toDateTime(time_t moment) noexcept {
+    struct tm parts {};
+    ::localtime_r(&moment, &parts);
+    return {static_cast<uint16_t>(parts.tm_year + 1900), static_cast<uint16_t>(parts.tm_mon + 1),
+            static_cast<uint16_t>(parts.tm_mday),        static_cast<uint16_t>(parts.tm_hour),
+            static_cast<uint16_t>(parts.tm_min),         static_cast<uint16_t>(parts.tm_sec)};
+}
+
+}  // namespace
+
+DateTime localTime() noexcept { return toDateTime(::time(nullptr)); }
+
+bool fileTime(const char* path, DateTime& time) noexcept {
+    struct stat status;
+    if (::stat(path, &status) != 0) return false;
+    time = toDateTime(status.st_mtime);
+    return true;
+}
+
+// Paths are bytes here; '/' never occurs inside a character of any encoding in use.
+size_t characterLength(const char*) noexcept { return 1; }
+
+bool isSeparator(char character) noexcept { return character == '/'; }
+
+bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept try {
+    // Like its Windows twin this works on the text: the file need not exist.
+    std::string whole;
+    if (path[0] != '/') {
+        char here[PATH_MAX];
+        if (!::getcwd(here, sizeof here)) return false;
+        whole = std::string(here) + '/';
+    }
+    whole += path;
+    std::string clean;
+    for (size_t at = 0; at < whole.size();) {
+        const size_t end = std::min(whole.find('/', at), whole.size());
+        const std::string part = whole.substr(at, end - at);
+        if (part == "..") clean.erase(clean.rfind('/') == std::string::npos ? 0 : clean.rfind('/'));
+        else if (!part.empty() && part != ".") clean += '/' + part;
+        at = end + 1;
+    }
+    if (clean.empty()) clean = "/";
+    if (clean.size() >= kPathSize) return false;
+    std::memcpy(absolute, clean.c_str(), clean.size() + 1);
+    return true;
+} catch (...) {
+    return false;
+}
+
+void* moduleHandle() noexcept {
+    Dl_info info;
+    return ::dladdr(reinterpret_cast<void*>(&moduleHandle), &info) ? info.dli_fbase : nullptr;
+}
+
+bool modulePath(char (&path)[kPathSize]) noexcept {
+    Dl_info info;
+    if (!::dladdr(reinterpret_cast<void*>(&moduleHandle), &info) || !info.dli_fname) return false;
+    return fullPath(info.dli_fname, path);
+}
+
+std::string userLanguage() {
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (!value || !*value) continue;
+        const std::string language(value, std::strcspn(value, "_.@"));
+        if (language == "ja") return "japanese";
+        if (language == "en") return "english";
+        if (language == "zh") return "chinese";
+        return language == "C" || language == "POSIX" ? std::string() : language;
+    }
+    return {};
+}
+
+void* loadModule(const char* path) noexcept { return ::dlopen(path, RTLD_NOW | RTLD_LOCAL); }
+void* findSymbol(void* module, const char* name) noexcept { return ::dlsym(module, name); }
+void freeModule(void* module) noexcept { ::dlclose(module); }
+
+// A library without windows has no pointer to change.
+WaitCursor::WaitCursor(Source) noexcept : previous_(nullptr) {}
+WaitCursor::~WaitCursor() = default;
+
+}  // namespace ko::platform

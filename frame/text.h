@@ -1,0 +1,67 @@
+// Shift-JIS text in fixed fields, paths, and lines of text files.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "frame/file.h"
+
+namespace ko {
+
+// Length of the longest beginning of text that has at most limit bytes and ends at a whole
+// Shift-JIS character.
+size_t wholeCharacters(std::string_view text, size_t limit) noexcept;
+
+// Copies Shift-JIS text into a field: up to the first NUL, cut at a whole character, the rest of
+// the field zeroed.
+void copyText(std::span<char> field, std::string_view text) noexcept;
+
+// The text in a field of a record that may lack its terminator.
+std::string_view textIn(std::span<const char> field) noexcept;
+
+// Copies a path whole into a field; false, the field untouched, when path is null or too long. A
+// path that were cut would name another file.
+[[nodiscard]] bool copyPath(std::span<char> field, const char* path) noexcept;
+
+// The parts of a path, read character by character in the system's code page.
+std::string_view folderOf(std::string_view path) noexcept;     // without a trailing separator
+std::string_view fileNameOf(std::string_view path) noexcept;   // with the extension
+std::string_view extensionOf(std::string_view path) noexcept;  // with the dot; empty when none
+bool hasExtension(const char* path, std::string_view extension) noexcept;  // ASCII case ignored
+std::string joinPath(std::string_view folder, std::string_view name);
+
+// Compares at most n characters without regard to ASCII case; 0 when equal.
+int jStrCmpNI(const char* a, const char* b, size_t n) noexcept;
+
+// Lines of an open file, read through a buffer of its own. LF, CR LF and CR end a line.
+class LineReader {
+public:
+    explicit LineReader(File& file) noexcept : file_(file) {}
+    // The next line without its end, cut to line.size() - 1 bytes and NUL-terminated; what is
+    // beyond is dropped up to the line end. False at the end of the file.
+    bool next(std::span<char> line) noexcept;
+
+private:
+    bool fill() noexcept;
+    File& file_;
+    size_t begin_ = 0, end_ = 0;
+    char buffer_[4096];
+};
+// The name that the file formats' descriptions use.
+inline bool jFilesGets(LineReader& lines, std::span<char> line) noexcept { return lines.next(line); }
+
+// Collects lines and writes them in one go; every line ends with CR LF.
+class LineWriter {
+public:
+    void put(std::string_view line) { text_.append(line).append("\r\n"); }
+    bool writeTo(File& file) const noexcept { return file.write(text_); }
+    const std::string& text() const noexcept { return text_; }
+
+private:
+    std::string text_;
+};
+inline void jFilesPuts(LineWriter& lines, std::string_view line) { lines.put(line); }
+
+}  // namespace ko

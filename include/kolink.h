@@ -1,0 +1,15 @@
+/* KoLink: everything that the library exports. */
+#ifndef KOLINK_H
+#define KOLINK_H
+
+#include "kolink/cmyk_profile.h"
+#include "kolink/icc_colour.h"
+#include "kolink/icc_file.h"
+#include "kolink/icc_lut.h"
+#include "kolink/icc_profile.h"
+#include "kolink/link_settings.h"
+#include "kolink/memory.h"
+#include "kolink/tone_curve.h"
+#include "kolink/tone_file.h"
+
+#endif

@@ -1,0 +1,72 @@
+/* The printer's CMYK profile: eight editable curves around a 33^4 grid. */
+#ifndef KOLINK_CMYK_PROFILE_H
+#define KOLINK_CMYK_PROFILE_H
+
+#include "kolink/link_settings.h"
+
+#define KOLINK_CMYK_GRID_POINTS 33
+#define KOLINK_CMYK_NODES 1185921 /* 33^4 */
+
+/* 4745548 bytes, one flat block. Curves 0..3 are the C, M, Y, K input curves, 4..7 the output
+ * curves; point j stands at level 4 j - j / 64 (0, 4, ... 252, 255). Grid node (c, m, y, k) is
+ * word ((c * 33 + m) * 33 + y) * 33 + k, its levels are 8 i - i / 32 (0, 8, ... 248, 255), and
+ * a word holds C << 24 | M << 16 | Y << 8 | K. */
+typedef struct CmykProfile {
+    char name[KOLINK_NAME_SIZE];       /* Shift-JIS */
+    char path[KOLINK_PATH_SIZE];       /* the file it was last loaded from or saved to */
+    char comment[KOLINK_COMMENT_SIZE]; /* Shift-JIS, may hold several lines */
+    uint8_t curveValues[8][65];
+    uint8_t curveFlags[8][65]; /* non-zero: a control point of the curve's spline */
+    uint32_t grid[KOLINK_CMYK_NODES];
+} CmykProfile;
+
+KOLINK_BEGIN
+
+/* Makes an initialised profile; null when memory is short. */
+KOLINK_API CmykProfile *jKoCmykCreateProfile(void);
+
+/* Frees a profile. Returns 0 for null, else 1. */
+KOLINK_API int32_t jKoCmykReleaseProfile(CmykProfile *profile);
+
+/* Resets everything: name "untitled" in Japanese, identity curves with control points at both
+ * ends, identity grid. Returns 1; 0 for null. */
+KOLINK_API int32_t jKoCmykInitProfile(CmykProfile *profile);
+
+/* Loads a .lut or .amt table (by extension) or an ICC profile with A2B0. Does not initialise
+ * first: what the file does not supply stays. An ICC profile that this library wrote also
+ * brings name, control points and comment. 16-bit A2B0 tables are sampled on the 0..255 scale.
+ * Texts are cut to their fields at a whole character.
+ * Returns 1; 0, touching nothing, when the file cannot be opened or has no ICC header. */
+KOLINK_API int32_t jKoCmykLoadProfile(CmykProfile *profile, const char *path);
+
+/* Load a table file: name, comment, grid; input curves become the identity, output curves stay.
+ * A table cut short by the end of the file leaves the rest of the grid 0.
+ * Return 1 when the file could be opened, else 0. */
+KOLINK_API int32_t jKoCmykLoadLutable(CmykProfile *profile, const char *path);       /* .lut */
+KOLINK_API int32_t jKoCmykLoadLutableAmatch(CmykProfile *profile, const char *path); /* .amt */
+
+/* One colour through the grid, curves not applied, in place; quadrilinear.
+ *   cmyk  int32[4]: 0..255 in (clamped), 0..4080 out (16 x the 8-bit level) */
+KOLINK_API void jKoCmykCMYKtoCMYK16(const CmykProfile *profile, int32_t *cmyk);
+
+/* Makes a profile whose grid holds the whole chain of the settings: paper tint, white, black
+ * correction, base profile, conversion, preservation of pure inks. With a source path that ends
+ * in .icc this is jKoCmykCombineIccProfile; otherwise a non-empty source is read by the plug-in
+ * "LutRead" in the product folder, and the destination is a .dcc file.
+ * Returns a new profile, which the caller releases, or null when a file does not load, the
+ * plug-in refuses, or memory is short. */
+KOLINK_API CmykProfile *jKoCmykCombineProfile(const CmsLinkSettings *settings);
+
+/* The same with a pair of ICC profiles, both CMYK, through A2Bn and B2An of the intent. With an
+ * empty source or destination path the chain runs without the conversion. A source without
+ * wtpt is taken to be relative to D50. */
+KOLINK_API CmykProfile *jKoCmykCombineIccProfile(const CmsLinkSettings *settings);
+
+/* Writes the profile as an ICC device link (A2B0 in 8 bits, 33 points; name, control points and
+ * comment in the description) and stores path in the record, also after a failure.
+ * Returns 1 when written (and when the file could not be created), else 0. */
+KOLINK_API int32_t jKoCmykSaveProfile(CmykProfile *profile, const char *path);
+
+KOLINK_END
+
+#endif

@@ -1,0 +1,36 @@
+/* Evaluating a LUT tag. Order: jIccLoadTag, jIccLutSetup, any number of colours, jIccLutClose,
+ * jIccRelease. */
+#ifndef KOLINK_ICC_LUT_H
+#define KOLINK_ICC_LUT_H
+
+#include "kolink/icc_profile.h"
+
+KOLINK_BEGIN
+
+/* Resamples the curves of a loaded LUT into its work table (8 KiB for 8-bit tables, 512 KiB
+ * for 16-bit ones). Supports 1 to 4 channels in and out and 2 or more grid points.
+ * Returns 1; 0 when lut is null, its shape is not supported, or memory is short: the work table
+ * is then null, and the colour functions leave their values as they are. */
+KOLINK_API int32_t jIccLutSetup(IccLut *lut);
+
+/* Frees the work table. Returns 1; 0 when there was none. */
+KOLINK_API int32_t jIccLutClose(IccLut *lut);
+
+/* Converts one colour on the table's own scale, in place, curves looked up directly; three
+ * inputs by tetrahedra, others by multilinear interpolation.
+ *   lut     made ready by jIccLutSetup
+ *   values  int32[max(in, out)]; 0..255 for 8-bit tables, 0..65535 for 16-bit ones; values
+ *           outside are taken as the nearest that the tables hold
+ * Returns the number of output channels; 0 when lut is not ready. Allocates nothing; several
+ * threads may use one lut. */
+KOLINK_API int32_t jIccLutColor(const IccLut *lut, int32_t *values);
+
+/* Converts one colour on the 16-bit scale, in place, linear interpolation everywhere.
+ *   values  int32[max(in, out)]; 0..65535 in and out, outside as above
+ * Returns the number of output channels; 0 when lut is not ready. Allocates nothing; several
+ * threads may use one lut. */
+KOLINK_API int32_t jIccLutColor16(const IccLut *lut, int32_t *values);
+
+KOLINK_END
+
+#endif

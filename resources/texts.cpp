@@ -1,0 +1,7 @@
+#include "resources/texts.h"
+
+namespace ko::texts {
+
+const char kUntitled[] = "無題";
+
+}  // namespace ko::texts
