@@ -4,7 +4,7 @@
 
 #include "kolink/api.h"
 
-/* 1332 bytes. Paths are empty when not used. Start from zeros with limit 200. */
+/* 1332 bytes. Paths are empty when not used. Start from jCmsInitCms. */
 typedef struct CmsLinkSettings {
     char basePath[KOLINK_PATH_SIZE];        /* base CMYK profile: ICC with A2B0, .lut or .amt */
     char sourcePath[KOLINK_PATH_SIZE];      /* source ICC profile (.icc) or foreign table */
@@ -20,5 +20,12 @@ typedef struct CmsLinkSettings {
     int32_t paperK;
     int32_t limit; /* coverage (sum of four 0..255 levels) at which the paper tint has faded out */
 } CmsLinkSettings;
+
+KOLINK_BEGIN
+
+/* Sets all paths empty, all numbers 0 and limit 200. Returns 1; 0 for null. */
+KOLINK_API int32_t jCmsInitCms(CmsLinkSettings *settings);
+
+KOLINK_END
 
 #endif
