@@ -24,6 +24,9 @@ if(KOLINK_SANITIZE)
                         -fno-omit-frame-pointer -g)
     add_link_options(-fsanitize=${KOLINK_SANITIZE})
 endif()
+if(KOLINK_FUZZ AND CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    add_compile_options(-fsanitize=fuzzer-no-link)  # so that the fuzzer sees what is reached
+endif()
 
 # Linked by every target of our own; never by what comes from elsewhere.
 add_library(ko_warnings INTERFACE)

@@ -1,17 +1,18 @@
 # The shared library: the folders' exports.cpp over their static targets. cmake/exports.txt is
 # the one list of names; the .def file and the version script are made from it.
-file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/exports.txt KO_EXPORTS REGEX "^j|^Value")
+file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/exports.txt KO_EXPORTS REGEX "^[A-Za-z]")
 set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
              ${PROJECT_SOURCE_DIR}/cmake/exports.txt)
 
-file(GLOB_RECURSE KO_EXPORT_SOURCES CONFIGURE_DEPENDS
-     frame/exports*.cpp icc/exports*.cpp tone/exports*.cpp calib/exports*.cpp cmyk/exports*.cpp
-     link/exports*.cpp front/exports*.cpp)
+set(patterns)
+foreach(folder frame icc tone calib cmyk link front)
+    list(APPEND patterns ${PROJECT_SOURCE_DIR}/${folder}/exports*.cpp)
+endforeach()
+file(GLOB KO_EXPORT_SOURCES CONFIGURE_DEPENDS ${patterns})
 add_library(kolink SHARED ${KO_EXPORT_SOURCES})
 add_library(KoLink::KoLink ALIAS kolink)
-set(KO_FOLDER_TARGETS ko_frame ko_icc ko_tone ko_calib ko_cmyk ko_link ko_front)
-list(FILTER KO_FOLDER_TARGETS INCLUDE REGEX ".*")
-foreach(target ${KO_FOLDER_TARGETS})
+set_target_properties(kolink PROPERTIES EXPORT_NAME KoLink)
+foreach(target ko_frame ko_icc ko_tone ko_calib ko_cmyk ko_link ko_front)
     if(TARGET ${target})
         target_link_libraries(kolink PRIVATE ${target})
     endif()
@@ -29,8 +30,11 @@ else()
     list(JOIN KO_EXPORTS ";\n        " names)
     file(CONFIGURE OUTPUT kolink.map
          CONTENT "{\n    global:\n        ${names};\n    local: *;\n};\n")
-    target_link_options(kolink PRIVATE -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/kolink.map
-                        -Wl,--no-undefined-version)
+    target_link_options(kolink PRIVATE -Wl,--no-undefined-version
+                        -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/kolink.map)
+    if(NOT KOLINK_SANITIZE)  # a sanitizer's runtime stays with the program
+        target_link_options(kolink PRIVATE -Wl,-z,defs -static-libstdc++ -static-libgcc)
+    endif()
     set_target_properties(kolink PROPERTIES OUTPUT_NAME kolink
         VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
         LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/kolink.map)

@@ -1,0 +1,25 @@
+/* Takes the address of every exported function through its declaration in the headers, so that
+ * it compiles only when each is declared and links only when each is exported. */
+#include <stdio.h>
+
+#include "kolink.h"
+
+typedef void (*Function)(void);
+
+int main(void) {
+#define FUNCTION(name) {#name, (Function)name},
+    static const struct {
+        const char *name;
+        Function address;
+    } functions[] = {
+#include "functions.inc"
+    };
+    size_t at, missing = 0;
+    for (at = 0; at < sizeof functions / sizeof functions[0]; ++at)
+        if (!functions[at].address) {
+            printf("not ok - %s has no address\n", functions[at].name);
+            ++missing;
+        }
+    if (missing == 0) printf("ok - all %lu functions are declared and linked\n", (unsigned long)at);
+    return missing != 0;
+}
