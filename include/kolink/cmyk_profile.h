@@ -16,7 +16,7 @@ typedef struct CmykProfile {
     char path[KOLINK_PATH_SIZE];       /* the file it was last loaded from or saved to */
     char comment[KOLINK_COMMENT_SIZE]; /* Shift-JIS, may hold several lines */
     uint8_t curveValues[8][65];
-    uint8_t curveFlags[8][65]; /* non-zero: a control point of the curve's spline */
+    uint8_t curveFlags[8][65]; /* 1: a control point of the curve's spline, else 0 */
     uint32_t grid[KOLINK_CMYK_NODES];
 } CmykProfile;
 
@@ -34,9 +34,13 @@ KOLINK_API int32_t jKoCmykInitProfile(CmykProfile *profile);
 
 /* Loads a .lut or .amt table (by extension) or an ICC profile with A2B0. Does not initialise
  * first: what the file does not supply stays. An ICC profile that this library wrote also
- * brings name, control points and comment. 16-bit A2B0 tables are sampled on the 0..255 scale.
+ * brings name, control points and comment; the comment runs to the end of the description.
+ * 16-bit A2B0 tables are sampled on the 0..255 scale. A curve whose table the LUT lacks stays;
+ * an 8-bit 33-point grid is copied byte for byte as far as it goes, zeros behind it.
  * Texts are cut to their fields at a whole character.
- * Returns 1; 0, touching nothing, when the file cannot be opened or has no ICC header. */
+ *   path  at most 259 bytes
+ * Returns 1; 0, touching nothing, when the path is too long, or the file cannot be opened or has
+ * no ICC header. */
 KOLINK_API int32_t jKoCmykLoadProfile(CmykProfile *profile, const char *path);
 
 /* Load a table file: name, comment, grid; input curves become the identity, output curves stay.
@@ -63,7 +67,8 @@ KOLINK_API CmykProfile *jKoCmykCombineProfile(const CmsLinkSettings *settings);
 KOLINK_API CmykProfile *jKoCmykCombineIccProfile(const CmsLinkSettings *settings);
 
 /* Writes the profile as an ICC device link (A2B0 in 8 bits, 33 points; name, control points and
- * comment in the description) and stores path in the record, also after a failure.
+ * comment in the description) and stores path in the record, also after a failure. A path of
+ * more than 259 bytes is refused: nothing is written or stored.
  * Returns 1 when written (and when the file could not be created), else 0. */
 KOLINK_API int32_t jKoCmykSaveProfile(CmykProfile *profile, const char *path);
 

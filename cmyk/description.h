@@ -1,0 +1,18 @@
+// The editing data in the description of a profile that this library wrote.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "kolink/cmyk_profile.h"
+
+namespace ko::cmyk {
+
+// Marker, name, control points of the eight curves and comment, one line each.
+std::string buildDescription(const CmykProfile& profile);
+
+// Takes name, control points and comment from a description that begins with a known marker;
+// any other description changes nothing.
+void applyDescription(CmykProfile& profile, std::string_view text) noexcept;
+
+}  // namespace ko::cmyk

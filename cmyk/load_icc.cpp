@@ -1,0 +1,134 @@
+// Loading a CMYK profile from an ICC profile: editing data from its description, curves and grid
+// from A2B0.
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "cmyk/description.h"
+#include "cmyk/load.h"
+#include "frame/bytes.h"
+#include "frame/text.h"
+#include "icc/icc.h"
+#include "icc/lut.h"
+
+namespace ko::cmyk {
+namespace {
+
+using Slots = std::array<uint16_t, 256>;  // one channel's curve on the 0..255 scale
+constexpr uint16_t kEmpty = 65535;        // no entry's high byte is that
+
+// Spreads the first count entries of a channel's input table over the slots, then fills each gap
+// on the straight line between the slots around it that hold entries. Integers; division
+// truncates toward zero. Both counts are at least 1.
+Slots spreadOverSlots(const IccLut& lut, int32_t channel, int32_t count) noexcept {
+    const auto entry = [&](int32_t index) {
+        const size_t start = static_cast<size_t>(lut.inputEntries) * static_cast<size_t>(channel);
+        return icc::lutEntry(lut.inputTables, start + static_cast<size_t>(index), 2);
+    };
+    Slots slots;
+    slots.fill(kEmpty);
+    for (int32_t e = 0; e < count; ++e) {
+        // A single entry has no place of its own: the curve is that value everywhere. Entries
+        // beyond the table repeat its last.
+        const size_t slot = count == 1 ? 0 : static_cast<size_t>(int64_t{e} * 255 / (count - 1));
+        slots[slot] = static_cast<uint16_t>(entry(std::min(e, lut.inputEntries - 1)) >> 8);
+    }
+    int32_t low = 0;
+    for (int32_t high = 1; high < 256; ++high) {
+        if (slots[high] == kEmpty) continue;
+        const int32_t from = slots[low], to = slots[high];
+        for (int32_t slot = low + 1; slot < high; ++slot)
+            slots[slot] = static_cast<uint16_t>(from + (to - from) * (slot - low) / (high - low));
+        low = high;
+    }
+    std::fill(slots.begin() + low + 1, slots.end(), slots[low]);
+    return slots;
+}
+
+void takeSlots(CmykProfile& profile, int32_t curve, const Slots& slots) noexcept {
+    for (int32_t point = 0; point < kCurvePoints; ++point)
+        profile.curveValues[curve][point] = static_cast<uint8_t>(slots[curveLevel(point)]);
+}
+
+void takeCurves8(CmykProfile& profile, int32_t curve, const uint8_t* table) noexcept {
+    for (int32_t point = 0; point < kCurvePoints; ++point)
+        profile.curveValues[curve][point] = table[curveLevel(point)];
+}
+
+// Node bytes in grid order, four a node, whatever the channel counts say; as far as the LUT's
+// own grid goes, zero behind it.
+void copyGrid(CmykProfile& profile, const IccLut& lut) noexcept {
+    const uint64_t held = icc::sizesOf(icc::shapeOf(lut)).clut;
+    const auto size = static_cast<size_t>(std::min<uint64_t>(held, sizeof profile.grid));
+    std::memcpy(profile.grid, lut.clut, size);
+    std::memset(reinterpret_cast<uint8_t*>(profile.grid) + size, 0, sizeof profile.grid - size);
+    for (uint32_t& node : profile.grid) node = reverse32(node);
+}
+
+// One call of the evaluator a node. 16-bit tables see levels of 256 steps and give them back.
+void evaluateGrid(CmykProfile& profile, const IccLut& lut) noexcept {
+    const int32_t scale = lut.precision == 2 ? 256 : 1;
+    uint32_t* node = profile.grid;
+    for (int32_t c = 0; c < kGridPoints; ++c)
+        for (int32_t m = 0; m < kGridPoints; ++m)
+            for (int32_t y = 0; y < kGridPoints; ++y)
+                for (int32_t k = 0; k < kGridPoints; ++k) {
+                    int32_t values[4] = {nodeValue(c) * scale, nodeValue(m) * scale,
+                                         nodeValue(y) * scale, nodeValue(k) * scale};
+                    icc::lutColor(lut, values);
+                    *node++ = packCmyk(values[0] / scale, values[1] / scale, values[2] / scale,
+                                       values[3] / scale);
+                }
+}
+
+}  // namespace
+
+void takeCurves(CmykProfile& profile, const IccLut& lut) noexcept {
+    for (int32_t channel = 0; channel < 4; ++channel) {
+        if (lut.precision == 1) {
+            if (channel < lut.inputChannels && lut.inputEntries == 256)
+                takeCurves8(profile, channel,
+                            static_cast<const uint8_t*>(lut.inputTables) + 256 * channel);
+            if (channel < lut.outputChannels && lut.outputEntries == 256)
+                takeCurves8(profile, 4 + channel,
+                            static_cast<const uint8_t*>(lut.outputTables) + 256 * channel);
+        } else if (lut.precision == 2 && channel < lut.inputChannels && lut.inputEntries > 0) {
+            takeSlots(profile, channel, spreadOverSlots(lut, channel, lut.inputEntries));
+            // The output curve has the output table's entry count, but its entries come from
+            // the input table: profiles in the field were loaded so.
+            if (lut.outputEntries > 0)
+                takeSlots(profile, 4 + channel, spreadOverSlots(lut, channel, lut.outputEntries));
+        }
+    }
+}
+
+void takeGrid(CmykProfile& profile, IccLut& lut) {
+    if (lut.precision == 1 && lut.gridPoints == kGridPoints) return copyGrid(profile, lut);
+    // A shape that cannot be evaluated leaves every node its own levels.
+    (void)icc::lutSetup(&lut);
+    evaluateGrid(profile, lut);
+    icc::lutClose(&lut);
+}
+
+int32_t loadIccProfile(CmykProfile& profile, const char* path) {
+    const icc::ProfilePtr source = icc::loadHeader(path);
+    if (!source) return 0;
+    icc::loadAllTags(*source);
+    const platform::WaitCursor cursor(platform::WaitCursor::Source::library);
+
+    const auto firstLoaded = [&](uint32_t signature) -> void* {
+        for (const IccTagEntry& tag : icc::tagsOf(*source))
+            if (tag.signature == signature && tag.data) return tag.data;
+        return nullptr;
+    };
+    if (const void* text = firstLoaded(fourcc("desc")))
+        applyDescription(profile, static_cast<const char*>(text));
+    if (void* data = firstLoaded(fourcc("A2B0"))) {
+        auto& lut = *static_cast<IccLut*>(data);
+        takeCurves(profile, lut);
+        takeGrid(profile, lut);
+    }
+    return copyPath(profile.path, path) ? 1 : 0;
+}
+
+}  // namespace ko::cmyk

@@ -1,0 +1,15 @@
+// The steps of saveProfile, apart from each other for tests.
+#pragma once
+
+#include "cmyk/cmyk.h"
+#include "icc/icc.h"
+
+namespace ko::cmyk {
+
+// The A2B0 table of the link; null when memory is short.
+[[nodiscard]] Block<IccLut> makeLinkLut(const CmykProfile& profile) noexcept;
+
+// Fills a new link and writes it. 1 when all went well, and also without a link.
+int32_t saveInto(icc::ProfilePtr link, const CmykProfile& profile, const char* path);
+
+}  // namespace ko::cmyk
