@@ -7,6 +7,7 @@
 #include "kolink/icc_file.h"
 #include "kolink/icc_lut.h"
 #include "kolink/icc_profile.h"
+#include "kolink/link.h"
 #include "kolink/link_settings.h"
 #include "kolink/memory.h"
 #include "kolink/tone_curve.h"

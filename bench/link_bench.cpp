@@ -1,0 +1,96 @@
+// Links: one colour, rows, beside lcms2 on a table of the same size.
+#include <benchmark/benchmark.h>
+#include <lcms2.h>
+
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "kolink/link.h"
+
+namespace {
+
+struct LinkRelease {
+    void operator()(LinkProfile* link) const { jKoLinkReleaseProfile(link); }
+};
+
+std::unique_ptr<LinkProfile, LinkRelease> randomLink(int32_t channels) {
+    std::unique_ptr<LinkProfile, LinkRelease> link(jKoLinkCreateProfile(channels, 17));
+    std::mt19937 random(1);
+    const size_t entries = channels == 3 ? 17 * 17 * 17 * 4 : 17 * 17 * 17 * 17 * 4;
+    for (size_t i = 0; i < entries; ++i) link->grid[i] = static_cast<uint16_t>(random() % 4096);
+    return link;
+}
+
+std::vector<uint8_t> randomPixels(int32_t channels) {  // a million
+    std::mt19937 random(2);
+    std::vector<uint8_t> pixels(static_cast<size_t>(channels) << 20);
+    for (uint8_t& level : pixels) level = static_cast<uint8_t>(random());
+    return pixels;
+}
+
+void LinkColour(benchmark::State& state) {
+    const auto channels = static_cast<int32_t>(state.range(0));
+    const auto link = randomLink(channels);
+    const auto pixels = randomPixels(channels);
+    for (auto _ : state)
+        for (size_t at = 0; at < pixels.size(); at += static_cast<size_t>(channels)) {
+            int32_t values[4] = {pixels[at], pixels[at + 1], pixels[at + 2], channels == 4 ? pixels[at + 3] : 0};
+            jKoLinkCOLtoCMYK16(link.get(), values);
+            benchmark::DoNotOptimize(values);
+        }
+    state.SetItemsProcessed(state.iterations() << 20);
+}
+BENCHMARK(LinkColour)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+
+void LinkRow(benchmark::State& state) {
+    const auto channels = static_cast<int32_t>(state.range(0));
+    const auto link = randomLink(channels);
+    const auto pixels = randomPixels(channels);
+    std::vector<uint16_t> output(size_t{4} << 20);
+    for (auto _ : state) {
+        jKoLinkCOLtoCMYK16Row(link.get(), pixels.data(), 1 << 20, output.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() << 20);
+}
+BENCHMARK(LinkRow)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+
+// The same conversion in lcms2: 8 bits, no cache, a device link of 17 points.
+void LittleCmsTransform(benchmark::State& state) {
+    const auto channels = static_cast<cmsUInt32Number>(state.range(0));
+    cmsPipeline* pipeline = cmsPipelineAlloc(nullptr, channels, 4);
+    cmsStage* clut = cmsStageAllocCLut16bit(nullptr, 17, channels, 4, nullptr);
+    std::mt19937 random(1);
+    cmsStageSampleCLut16bit(
+        clut,
+        [](const cmsUInt16Number*, cmsUInt16Number* out, void* cargo) {
+            for (int k = 0; k < 4; ++k) out[k] = static_cast<cmsUInt16Number>((*static_cast<std::mt19937*>(cargo))());
+            return 1;
+        },
+        &random, 0);
+    cmsPipelineInsertStage(pipeline, cmsAT_BEGIN, clut);
+    cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);
+    cmsSetProfileVersion(profile, 2.1);
+    cmsSetDeviceClass(profile, cmsSigLinkClass);
+    cmsSetColorSpace(profile, channels == 3 ? cmsSigRgbData : cmsSigCmykData);
+    cmsSetPCS(profile, cmsSigCmykData);
+    cmsWriteTag(profile, cmsSigAToB0Tag, pipeline);
+    cmsHTRANSFORM transform = cmsCreateTransform(profile, channels == 3 ? TYPE_RGB_8 : TYPE_CMYK_8, nullptr,
+                                                 TYPE_CMYK_8, 0, cmsFLAGS_NOCACHE);
+    const auto pixels = randomPixels(static_cast<int32_t>(channels));
+    std::vector<uint8_t> output(size_t{4} << 20);
+    if (!transform) state.SkipWithError("no transform");
+    else
+        for (auto _ : state) {
+            cmsDoTransform(transform, pixels.data(), output.data(), 1 << 20);
+            benchmark::ClobberMemory();
+        }
+    state.SetItemsProcessed(state.iterations() << 20);
+    if (transform) cmsDeleteTransform(transform);
+    cmsPipelineFree(pipeline);
+    cmsCloseProfile(profile);
+}
+BENCHMARK(LittleCmsTransform)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+
+}  // namespace

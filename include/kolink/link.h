@@ -1,0 +1,56 @@
+/* Device links: a small grid that converts RGB or CMYK to CMYK or RGB. */
+#ifndef KOLINK_LINK_H
+#define KOLINK_LINK_H
+
+#include "kolink/link_settings.h"
+
+/* 1876 bytes with 32-bit pointers, 1880 with 64-bit ones. The grid holds
+ * gridPoints^inputChannels nodes of four values on the scale 0..4095 (16 bits / 16), the first
+ * input channel slowest: node (i0, i1, i2) begins at grid[((i0 * N + i1) * N + i2) * 4]. The
+ * values are C, M, Y, K, or R, G, B, 0. Node i of an axis stands for level i * 255 / (N - 1).
+ * The library reads neither name, path and comment nor the curves: they are the host's. */
+typedef struct LinkProfile {
+    char name[KOLINK_NAME_SIZE];       /* Shift-JIS */
+    char path[KOLINK_PATH_SIZE];
+    int32_t inputChannels;             /* 3 R, G, B; 4 C, M, Y, K */
+    int32_t gridPoints;                /* of each axis; 17 in every link that a builder makes */
+    char comment[KOLINK_COMMENT_SIZE]; /* Shift-JIS */
+    uint8_t curveValues[8][65];        /* point i of an identity: 4 i - i / 64 */
+    uint8_t curveFlags[8][65];         /* non-zero: a fixed point of the curve */
+    uint16_t *grid;                    /* owned by the record */
+} LinkProfile;
+
+KOLINK_BEGIN
+
+/* Makes a link with an untitled name, empty path and comment, identity curves with both ends
+ * fixed, and a grid of zeros.
+ *   inputChannels  3 or 4
+ *   gridPoints     2 to 256
+ * Returns null for other arguments, for a grid over 256 MiB, and when memory is short. The caller
+ * releases it with jKoLinkReleaseProfile. */
+KOLINK_API LinkProfile *jKoLinkCreateProfile(int32_t inputChannels, int32_t gridPoints);
+
+/* Frees grid and record. Returns 0 for null, else 1. */
+KOLINK_API int32_t jKoLinkReleaseProfile(LinkProfile *link);
+
+/* Converts one colour, in place: tetrahedra for 3 input channels, a blend of all 16 corners of
+ * the cell for any other number, which is read as 4.
+ *   values  int32[4]: 0..255 in (clamped), the fourth not read with 3 channels; 0..4080 out
+ * A record without a grid or with gridPoints outside 2..256 gives zeros. Allocates nothing;
+ * several threads may use one link. */
+KOLINK_API void jKoLinkCOLtoCMYK16(const LinkProfile *link, int32_t *values);
+
+/* The same for a link that is known to have 3 input channels. */
+KOLINK_API void jKoLinkCOLtoCMYK16_3(const LinkProfile *link, int32_t *values);
+
+/* Converts a row of pixels; every result is the one of jKoLinkCOLtoCMYK16.
+ *   input   inputChannels bytes a pixel, 3 or 4 (any other number is read as 4)
+ *   pixels  below 1: nothing happens
+ *   output  4 values a pixel, 0..4080; does not overlap input
+ * Allocates nothing; several threads may use one link. */
+KOLINK_API void jKoLinkCOLtoCMYK16Row(const LinkProfile *link, const uint8_t *input, int32_t pixels,
+                                      uint16_t *output);
+
+KOLINK_END
+
+#endif

@@ -1,0 +1,26 @@
+#include "link/link.h"
+
+static_assert(sizeof(LinkProfile) == (sizeof(void*) == 4 ? 1876 : 1880));
+
+extern "C" LinkProfile* jKoLinkCreateProfile(int32_t inputChannels, int32_t gridPoints) {
+    return ko::link::createProfile(inputChannels, gridPoints).release();
+}
+
+extern "C" int32_t jKoLinkReleaseProfile(LinkProfile* link) {
+    if (!link) return 0;
+    ko::link::LinkDeleter()(link);
+    return 1;
+}
+
+extern "C" void jKoLinkCOLtoCMYK16(const LinkProfile* link, int32_t* values) {
+    ko::link::convert(*link, values);
+}
+
+extern "C" void jKoLinkCOLtoCMYK16_3(const LinkProfile* link, int32_t* values) {
+    ko::link::convert3(*link, values);
+}
+
+extern "C" void jKoLinkCOLtoCMYK16Row(const LinkProfile* link, const uint8_t* input,
+                                      int32_t pixels, uint16_t* output) {
+    ko::link::convertRow(*link, input, pixels, output);
+}

@@ -1,0 +1,35 @@
+// Device links: the record, its lookups and its builders.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "frame/block.h"
+#include "kolink/link.h"
+
+namespace ko::link {
+
+constexpr int32_t kGridPoints = 17;  // of every link that a builder makes
+
+struct LinkDeleter {
+    void operator()(LinkProfile* link) const noexcept;
+};
+using Link = std::unique_ptr<LinkProfile, LinkDeleter>;
+
+// Null for other than 3 or 4 channels and 2 to 256 points, a grid over 256 MiB, short memory.
+[[nodiscard]] Link createProfile(int32_t inputChannels, int32_t gridPoints) noexcept;
+
+// The number of nodes; 0 when the record cannot be looked up (no grid, odd gridPoints).
+uint64_t nodeCount(const LinkProfile& link) noexcept;
+
+// One colour in place, 8-bit levels in (clamped), 0..4080 out. The plain kernels: every step as
+// it is defined. The rows below equal them bit for bit.
+void convert(const LinkProfile& link, int32_t* values) noexcept;
+void convert3(const LinkProfile& link, int32_t* values) noexcept;
+void convert4(const LinkProfile& link, int32_t* values) noexcept;
+
+// Rows of interleaved pixels: 3 or 4 bytes in, 4 values out.
+void convertRow(const LinkProfile& link, const uint8_t* input, int32_t pixels,
+                uint16_t* output) noexcept;
+
+}  // namespace ko::link
