@@ -1,0 +1,168 @@
+// Reads .bkc, .tnc and .dcc files. No line is an error: what is not understood is skipped, and a
+// number that is none is 0.
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "frame/arithmetic.h"
+#include "frame/text.h"
+#include "tone/fields.h"
+#include "tone/tone.h"
+
+namespace ko::tone {
+namespace {
+
+constexpr size_t kLineSize = 256;
+constexpr std::string_view kListSeparators = "= ,";  // of lists of numbers, and of titles
+constexpr std::string_view kValueSeparators = "= ";  // of settings
+
+// What is left of a line while it is taken apart.
+class Scanner {
+public:
+    explicit Scanner(const char* text) noexcept : rest_(text) {}
+
+    std::string_view rest() const noexcept { return rest_; }
+    void skip(std::string_view characters) noexcept {
+        rest_.remove_prefix(std::min(rest_.find_first_not_of(characters), rest_.size()));
+    }
+    void advanceTo(std::string_view characters) noexcept {
+        rest_.remove_prefix(std::min(rest_.find_first_of(characters), rest_.size()));
+    }
+    bool takePlus() noexcept {
+        if (rest_.empty() || rest_.front() != '+') return false;
+        rest_.remove_prefix(1);
+        return true;
+    }
+    // The number at the front, which stays there: blanks, a sign, digits. 0 when there is none;
+    // one that passes 32 bits is the nearest that fits.
+    int32_t number() const noexcept {
+        std::string_view text = rest_;
+        text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+        const bool negative = !text.empty() && text.front() == '-';
+        if (!text.empty() && (negative || text.front() == '+')) text.remove_prefix(1);
+        int64_t value = 0;
+        for (const char character : text) {
+            if (character < '0' || character > '9') break;
+            value = std::min<int64_t>(value * 10 + (character - '0'), int64_t{1} << 31);
+        }
+        if (negative) value = -value;
+        return static_cast<int32_t>(std::min<int64_t>(value, std::numeric_limits<int32_t>::max()));
+    }
+
+private:
+    std::string_view rest_;
+};
+
+// What follows a key of the given size.
+Scanner valueAfter(const char* line, size_t keySize, std::string_view separators) noexcept {
+    Scanner scanner(line + keySize);
+    scanner.skip(separators);
+    return scanner;
+}
+
+bool hasKey(const char* line, std::string_view key) noexcept {
+    return jStrCmpNI(line, key.data(), key.size()) == 0;
+}
+
+void cutAtSemicolon(char* line) noexcept {
+    if (char* semicolon = std::strchr(line, ';')) *semicolon = '\0';
+}
+
+int16_t toneValue(int32_t number, int32_t scale) noexcept {
+    const int64_t value = int64_t{number} * scale;
+    return static_cast<int16_t>(std::clamp<int64_t>(value, std::numeric_limits<int16_t>::min(),
+                                                    std::numeric_limits<int16_t>::max()));
+}
+
+// The fields of a curve line, in grid order. A line that ends early still fills every grid
+// position: a missing field is a control point of value 0.
+void readCurveFields(Scanner fields, ToneCurve& curve, int32_t channel, int32_t scale) noexcept {
+    for (size_t field = 0; field < kGridFields; ++field) {
+        fields.skip(kListSeparators);
+        const bool computed = fields.takePlus();
+        flagsOf(curve, channel)[gridLevel(field)] = computed ? 0 : 1;
+        valuesOf(curve, channel)[gridLevel(field)] = toneValue(fields.number(), scale);
+        fields.advanceTo(",");
+    }
+}
+
+void readCurveLine(const char* line, ToneCurve& curve, size_t curves, int32_t scale) noexcept {
+    for (const CurveKey& key : std::span(kCurveKeys).first(curves))
+        if (hasKey(line, {key.prefix, kCurveKeySize}))
+            readCurveFields(valueAfter(line, kCurveKeySize, kListSeparators), curve, key.channel,
+                            scale);
+}
+
+void readBkcLine(char* line, ToneCurve& curve) noexcept {
+    cutAtSemicolon(line);
+    if (hasKey(line, "TITLE ")) {
+        copyText(curve.title, valueAfter(line, 6, kListSeparators).rest());
+    } else if (hasKey(line, "TONE  ")) {
+        Scanner numbers = valueAfter(line, 6, kListSeparators);
+        const int32_t x = numbers.number();
+        numbers.advanceTo(kListSeparators);
+        numbers.skip(kListSeparators);
+        if (x < 0 || x >= kLevels) return;
+        flagsOf(curve, 0)[static_cast<size_t>(x)] = 1;
+        valuesOf(curve, 0)[static_cast<size_t>(x)] = toneValue(numbers.number(), 1);
+    }
+}
+
+void readDccLine(char* line, DccSettings& settings) noexcept {
+    cutAtSemicolon(line);
+    const Scanner value = valueAfter(line, std::min<size_t>(5, std::strlen(line)), kValueSeparators);
+    if (hasKey(line, "DEV  ")) copyText(settings.curves->title, value.rest());
+    if (hasKey(line, "DPI  ")) settings.DPIX = settings.DPIY = value.number();
+    if (hasKey(line, "DPIX ")) settings.DPIX = value.number();
+    if (hasKey(line, "DPIY ")) settings.DPIY = value.number();
+    if (hasKey(line, "WINK ")) settings.WINK = value.number();
+    if (hasKey(line, "LCLM ")) settings.LCLM = value.number();
+    readCurveLine(line, *settings.curves, kDccCurves, 1);
+}
+
+// What all loaders share: the curve is reset before the file is opened, and stays so when it
+// cannot be; each line goes to readLine; the table is made at the end.
+template <class ReadLine>
+bool load(ToneCurve& curve, const char* path, int32_t maxValue, ReadLine&& readLine) {
+    char kept[KOLINK_PATH_SIZE];  // the path given may be the curve's own, which the reset empties
+    const bool pathFits = copyPath(kept, path);
+    initToneCurve(curve);
+    if (!pathFits) return false;
+    const FileGuard guard;
+    File file = File::openForReading(kept, Sharing::reading);
+    if (!file) return false;
+    LineReader lines(file);
+    for (char line[kLineSize]; jFilesGets(lines, line);) readLine(line);
+    std::copy(std::begin(kept), std::end(kept), curve.path);
+    encode(curve, Interpolation::spline, maxValue);
+    return true;
+}
+
+}  // namespace
+
+bool loadBkcCurve(ToneCurve& curve, const char* path) {
+    if (curve.channelCount < 1 || !curve.table) return false;
+    return load(curve, path, 255, [&](char* line) { readBkcLine(line, curve); });
+}
+
+bool loadCmykToneCurve(ToneCurve& curve, const char* path) {
+    if (curve.channelCount != 4 || !curve.table) return false;
+    return load(curve, path, 255,
+                [&](const char* line) { readCurveLine(line, curve, kCmykCurves, 1); });
+}
+
+bool loadDccCurve(ToneCurve& curve, const char* path) {
+    if (curve.channelCount < 6 || !curve.table) return false;
+    return load(curve, path, 255 * 16,
+                [&](const char* line) { readCurveLine(line, curve, kDccCurves, 16); });
+}
+
+bool loadDcc(DccSettings& settings, const char* path) {
+    if (!settings.curves || settings.curves->channelCount < 6 || !settings.curves->table) return false;
+    return load(*settings.curves, path, 255, [&](char* line) { readDccLine(line, settings); });
+}
+
+}  // namespace ko::tone

@@ -1,0 +1,91 @@
+// Writes .bkc, .tnc and .dcc files.
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <string>
+
+#include "frame/text.h"
+#include "tone/fields.h"
+#include "tone/tone.h"
+
+namespace ko::tone {
+namespace {
+
+// Integers only, so that the host's locale has no say.
+template <class... Numbers>
+std::string formatted(const char* format, Numbers... numbers) {
+    char text[64];
+    const int length = std::snprintf(text, sizeof text, format, numbers...);
+    return {text, static_cast<size_t>(length)};
+}
+
+// A forced sign marks a computed value, not a control point.
+void putCurve(LineWriter& lines, const ToneCurve& curve, const CurveKey& key) {
+    const auto flags = flagsOf(curve, key.channel);
+    const auto values = valuesOf(curve, key.channel);
+    std::string line = key.prefix;
+    for (size_t field = 0; field < kGridFields; ++field) {
+        const size_t x = gridLevel(field);
+        line += flags[x] != 0 ? formatted("%4d", values[x]) : formatted("%+4d", values[x]);
+        line += field + 1 < kGridFields ? ',' : ';';
+    }
+    jFilesPuts(lines, line);
+}
+
+void putCurves(LineWriter& lines, const ToneCurve& curve, size_t curves) {
+    for (const CurveKey& key : std::span(kCurveKeys).first(curves)) putCurve(lines, curve, key);
+}
+
+// What all savers share. A file that was created counts as saved.
+bool save(ToneCurve& curve, const char* path, const LineWriter& lines) {
+    char checked[KOLINK_PATH_SIZE];
+    if (!copyPath(checked, path)) return false;
+    const FileGuard guard;
+    File file = File::create(checked);
+    if (!file) return false;
+    std::copy(std::begin(checked), std::end(checked), curve.path);
+    (void)lines.writeTo(file);
+    return true;
+}
+
+}  // namespace
+
+bool saveBkcCurve(ToneCurve& curve, const char* path) {
+    if (curve.channelCount < 1 || !curve.table) return false;
+    const std::string rule(48, '-');
+    LineWriter lines;
+    jFilesPuts(lines, rule);
+    jFilesPuts(lines, "  TONE CURVE file ver2.0");
+    jFilesPuts(lines, rule);
+    jFilesPuts(lines, std::string("TITLE  = ").append(textIn(curve.title)));
+    for (size_t x = 0; x < kLevels; ++x)
+        if (flagsOf(curve, 0)[x] != 0)
+            jFilesPuts(lines, formatted("TONE   = %3d,%3d", static_cast<int>(x), valuesOf(curve, 0)[x]));
+    return save(curve, path, lines);
+}
+
+bool saveCmykToneCurve(ToneCurve& curve, const char* path) {
+    if (curve.channelCount < 4 || !curve.table) return false;
+    LineWriter lines;
+    putCurves(lines, curve, kCmykCurves);
+    return save(curve, path, lines);
+}
+
+bool saveDcc(DccSettings& settings, const char* path) {
+    if (!settings.curves || settings.curves->channelCount < 6 || !settings.curves->table) return false;
+    ToneCurve& curves = *settings.curves;
+    LineWriter lines;
+    jFilesPuts(lines, std::string("DEV    = ").append(textIn(curves.title)) + ';');
+    if (settings.DPIX == settings.DPIY) {
+        jFilesPuts(lines, formatted("DPI    = %d;", settings.DPIX));
+    } else {
+        jFilesPuts(lines, formatted("DPIX   = %d;", settings.DPIX));
+        jFilesPuts(lines, formatted("DPIY   = %d;", settings.DPIY));
+    }
+    jFilesPuts(lines, formatted("WINK   = %d;", settings.WINK));
+    jFilesPuts(lines, formatted("LCLM   = %d;", settings.LCLM));
+    putCurves(lines, curves, kDccCurves);
+    return save(curves, path, lines);
+}
+
+}  // namespace ko::tone
