@@ -1,0 +1,19 @@
+// The exported functions of LUT evaluation.
+#include "frame/boundary.h"
+#include "icc/lut.h"
+
+static_assert(sizeof(IccLut) == (sizeof(void*) == 8 ? 90 : 74));
+
+extern "C" int32_t jIccLutSetup(IccLut* lut) {
+    return ko::atBoundary<int32_t>(0, [&] { return ko::icc::lutSetup(lut); });
+}
+
+extern "C" int32_t jIccLutClose(IccLut* lut) { return ko::icc::lutClose(lut); }
+
+extern "C" int32_t jIccLutColor(const IccLut* lut, int32_t* values) {
+    return lut && values ? ko::icc::lutColor(*lut, values) : 0;
+}
+
+extern "C" int32_t jIccLutColor16(const IccLut* lut, int32_t* values) {
+    return lut && values ? ko::icc::lutColor16(*lut, values) : 0;
+}
