@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -38,6 +39,9 @@ public:
     static File create(const char* path) noexcept {
         return File(path ? platform::createForWriting(path) : platform::kNoFile);
     }
+    static File createNew(const char* path) noexcept {
+        return File(path ? platform::createNew(path) : platform::kNoFile);
+    }
     File(File&& other) noexcept : handle_(std::exchange(other.handle_, platform::kNoFile)) {}
     File& operator=(File&& other) noexcept {
         std::swap(handle_, other.handle_);
@@ -60,11 +64,16 @@ public:
     bool write(std::string_view text) noexcept {
         return platform::write(handle_, text.data(), text.size());
     }
+    bool flush() noexcept { return platform::flush(handle_); }
 
 private:
     explicit File(platform::FileHandle handle) noexcept : handle_(handle) {}
     platform::FileHandle handle_;
 };
+
+// Writes the bytes beside a file and then puts them in its place, so that a reader finds the old
+// file or the new one, whole. After a failure the old file is there as it was.
+[[nodiscard]] bool replaceWhole(const std::string& path, std::string_view bytes);
 
 // What a file claims to hold may pass its end by this much and is then read as zeros; beyond it
 // the claim is a lie and is refused before memory is taken.

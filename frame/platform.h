@@ -27,6 +27,8 @@ using FileHandle = intptr_t;
 constexpr FileHandle kNoFile = -1;
 FileHandle openForReading(const char* path, bool shareReading) noexcept;
 FileHandle createForWriting(const char* path) noexcept;  // truncates what is there
+FileHandle createNew(const char* path) noexcept;         // fails when the name is taken
+bool flush(FileHandle file) noexcept;                    // to the disk
 void close(FileHandle file) noexcept;
 uint64_t sizeOf(FileHandle file) noexcept;                             // 0 when unknown
 size_t read(FileHandle file, void* buffer, size_t size) noexcept;      // less at the end of file
@@ -42,17 +44,20 @@ DateTime localTime() noexcept;
 bool fileTime(const char* path, DateTime& time) noexcept;  // last change, local time
 
 // Paths are in the system's code page, where a second byte may look like a separator.
-size_t characterLength(const char* text) noexcept;  // bytes of the character at text, 1 or more
+size_t characterLength(std::string_view text) noexcept;  // bytes of the first character, 1 or 2
 bool isSeparator(char character) noexcept;
+bool isDriveMark(char character) noexcept;  // the colon of C:
 extern const char kSeparator;
+void adoptSeparators(std::string& path);  // a relative path as the other platform writes it
 bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept;
 
 // This library (or the program that it is built into).
 void* moduleHandle() noexcept;
-bool modulePath(char (&path)[kPathSize]) noexcept;
+bool modulePath(char (&path)[kPathSize]) noexcept;  // false when it does not fit
 std::span<const char> textResource(const char* name) noexcept;  // empty: there is none
 
-// "japanese", "english", "chinese", another lower-case name, or empty when unknown.
+// The language of the user's desktop: "japanese", "english", "chinese" (simplified), another
+// lower-case name, or empty when unknown.
 std::string userLanguage();
 
 // Plug-ins.

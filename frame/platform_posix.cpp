@@ -1,17 +1,22 @@
+// The POSIX side of the seam.
 #include "frame/platform.h"
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <link.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <new>
+
+#include "resources/texts.h"
 
 namespace ko::platform {
 
@@ -36,20 +41,27 @@ bool ownFolder(const char* path) noexcept {
     return ::lstat(path, &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::getuid();
 }
 
-// The user's runtime folder; without one, a file in /tmp that carries the user's number.
+// The user's runtime folder; without one, a file in /tmp that carries the user's number. Every
+// process of the user must arrive at the same file, so the usual place goes before what the
+// environment of this one process says.
 std::string lockPath(const char* name) {
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    if (runtime && runtime[0] == '/' && ownFolder(runtime)) return std::string(runtime) + '/' + name;
     const std::string user = std::to_string(::getuid());
     const std::string folder = "/run/user/" + user;
     if (ownFolder(folder.c_str())) return folder + '/' + name;
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime && runtime[0] == '/' && ownFolder(runtime)) return std::string(runtime) + '/' + name;
     return "/tmp/" + std::string(name) + '.' + user;
 }
+
+// As on Windows, a thread that holds the mutex gets it again at once. There is one mutex.
+thread_local int depthOfThisThread = 0;
 
 }  // namespace
 
 NamedMutex* openNamedMutex(const char* name) noexcept try {
     // Each opening has a lock of its own, so threads of one process keep each other out too.
+    // The file stays when it is closed: removing it would part those who have it open from
+    // those who come later.
     const int file = openRetrying(lockPath(name).c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
     if (file < 0) return nullptr;
     struct stat status;
@@ -64,6 +76,7 @@ NamedMutex* openNamedMutex(const char* name) noexcept try {
 NamedMutex* createNamedMutex(const char* name) noexcept { return openNamedMutex(name); }
 
 void lock(NamedMutex& mutex) noexcept {
+    if (depthOfThisThread++ > 0) return;
     while (::flock(mutex.file, LOCK_EX) != 0 && errno == EINTR) {}
 }
 
@@ -74,8 +87,9 @@ void closeNamedMutex(NamedMutex* mutex) noexcept {
 }
 
 void unlockAndClose(NamedMutex* mutex) noexcept {
+    if (!mutex) return;
     // A child forked meanwhile shares the opening; unlocking does not wait for it to close.
-    ::flock(mutex->file, LOCK_UN);
+    if (--depthOfThisThread == 0) ::flock(mutex->file, LOCK_UN);
     closeNamedMutex(mutex);
 }
 
@@ -92,6 +106,13 @@ FileHandle createForWriting(const char* path) noexcept {
     const int file = openRetrying(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK, 0666);
     return file < 0 ? kNoFile : file;
 }
+
+FileHandle createNew(const char* path) noexcept {
+    const int file = openRetrying(path, O_WRONLY | O_CREAT | O_EXCL, 0666);
+    return file < 0 ? kNoFile : file;
+}
+
+bool flush(FileHandle file) noexcept { return ::fsync(static_cast<int>(file)) == 0; }
 
 void close(FileHandle file) noexcept { ::close(static_cast<int>(file)); }
 
@@ -128,7 +149,11 @@ bool seek(FileHandle file, uint64_t position) noexcept {
 
 bool deleteFile(const char* path) noexcept { return ::unlink(path) == 0; }
 
-bool replaceFile(const char* from, const char* to) noexcept { return ::rename(from, to) == 0; }
+bool replaceFile(const char* from, const char* to) noexcept {
+    struct stat status;  // a device is written to, never replaced
+    if (::stat(to, &status) == 0 && !S_ISREG(status.st_mode)) return false;
+    return ::rename(from, to) == 0;
+}
 
 namespace {
 
@@ -152,9 +177,18 @@ bool fileTime(const char* path, DateTime& time) noexcept {
 }
 
 // Paths are bytes here; '/' never occurs inside a character of any encoding in use.
-size_t characterLength(const char*) noexcept { return 1; }
+size_t characterLength(std::string_view) noexcept { return 1; }
 
 bool isSeparator(char character) noexcept { return character == '/'; }
+
+bool isDriveMark(char) noexcept { return false; }
+
+// "..\\data" in a settings file that came from Windows can only be meant as a relative folder.
+void adoptSeparators(std::string& path) {
+    const size_t dots = path.find_first_not_of('.');
+    if (dots == 1 || dots == 2)
+        if (path[dots] == '\\') std::replace(path.begin(), path.end(), '\\', '/');
+}
 
 bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept try {
     // Like its Windows twin this works on the text: the file need not exist.
@@ -173,7 +207,7 @@ bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept try {
         else if (!part.empty() && part != ".") clean += '/' + part;
         at = end + 1;
     }
-    if (clean.empty()) clean = "/";
+    if (clean.empty()) clean.push_back('/');
     if (clean.size() >= kPathSize) return false;
     std::memcpy(absolute, clean.c_str(), clean.size() + 1);
     return true;
@@ -188,9 +222,20 @@ void* moduleHandle() noexcept {
 
 bool modulePath(char (&path)[kPathSize]) noexcept {
     Dl_info info;
-    if (!::dladdr(reinterpret_cast<void*>(&moduleHandle), &info) || !info.dli_fname) return false;
-    return fullPath(info.dli_fname, path);
+    void* found = nullptr;
+    if (!::dladdr1(reinterpret_cast<void*>(&moduleHandle), &info, &found, RTLD_DL_LINKMAP))
+        return false;
+    const char* name = found ? static_cast<const link_map*>(found)->l_name : nullptr;
+    if (name && *name) return fullPath(name, path);
+    // Part of the program itself, whose entry has no name.
+    char program[kPathSize + 1];
+    const ssize_t length = ::readlink("/proc/self/exe", program, kPathSize);
+    if (length <= 0 || static_cast<size_t>(length) >= kPathSize) return false;
+    program[length] = '\0';
+    return fullPath(program, path);
 }
+
+std::span<const char> textResource(const char* name) noexcept { return texts::table(name); }
 
 std::string userLanguage() {
     for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
@@ -199,7 +244,13 @@ std::string userLanguage() {
         const std::string language(value, std::strcspn(value, "_.@"));
         if (language == "ja") return "japanese";
         if (language == "en") return "english";
-        if (language == "zh") return "chinese";
+        if (language == "zh") {
+            // The Chinese table is in the simplified code page.
+            const std::string_view locale(value);
+            for (const char* traditional : {"_TW", "_HK", "_MO"})
+                if (locale.find(traditional) != locale.npos) return "chinese-traditional";
+            return "chinese";
+        }
         return language == "C" || language == "POSIX" ? std::string() : language;
     }
     return {};

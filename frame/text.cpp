@@ -14,27 +14,57 @@ constexpr char lower(char character) noexcept {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
 }
 
-// Where the file name begins: behind the last separator, or a drive's colon.
-size_t nameStart(std::string_view path) noexcept {
-    const std::string text(path);  // characterLength needs the terminator
-    size_t start = 0;
-    for (size_t at = 0; at < text.size();) {
-        const size_t length = platform::characterLength(text.c_str() + at);
-        const bool drive = at == 1 && text[at] == ':' && platform::isSeparator('\\');
-        if (length == 1 && (platform::isSeparator(text[at]) || drive)) start = at + 1;
+// The part may lie in the field itself.
+void copyPart(std::span<char> field, std::string_view part) noexcept {
+    std::memmove(field.data(), part.data(), part.size());
+    std::fill(field.begin() + static_cast<std::ptrdiff_t>(part.size()), field.end(), '\0');
+}
+
+// Where the folder part ends and where the file name begins, the separators between them.
+struct PathSplit {
+    size_t folderEnd = 0;
+    size_t nameStart = 0;
+};
+
+PathSplit splitPath(std::string_view path) noexcept {
+    PathSplit split;
+    size_t root = 0;  // what a folder never loses: "C:\", "/", the two of "\\server"
+    for (size_t at = 0; at < path.size();) {
+        const size_t length = platform::characterLength(path.substr(at));
+        if (length == 1 && platform::isSeparator(path[at])) {
+            if (at == root) root = at + 1;
+            if (at != split.nameStart || split.nameStart == 0) split.folderEnd = at;
+            split.nameStart = at + 1;
+        } else if (length == 1 && at == 1 && platform::isDriveMark(path[at])) {
+            root = split.folderEnd = split.nameStart = at + 1;
+        }
         at += length;
     }
-    return std::min(start, path.size());
+    split.folderEnd = std::max(split.folderEnd, root);
+    return split;
+}
+
+// Where a text that was cut must end so that no half of a character is left.
+size_t endOfWholeCharacters(std::string_view text) noexcept {
+    size_t at = 0;
+    while (at < text.size()) {
+        const size_t length = isShiftJisLead(static_cast<uint8_t>(text[at])) ? 2 : 1;
+        if (at + length > text.size()) break;
+        at += length;
+    }
+    return at;
 }
 
 }  // namespace
 
+size_t shiftJisLength(std::string_view text) noexcept {
+    return text.size() > 1 && isShiftJisLead(static_cast<uint8_t>(text[0])) ? 2 : 1;
+}
+
 size_t wholeCharacters(std::string_view text, size_t limit) noexcept {
     size_t at = 0;
     while (at < text.size()) {
-        const bool pair =
-            isShiftJisLead(static_cast<uint8_t>(text[at])) && at + 1 < text.size();
-        const size_t length = pair ? 2 : 1;
+        const size_t length = shiftJisLength(text.substr(at));
         if (at + length > limit) break;
         at += length;
     }
@@ -45,9 +75,7 @@ void copyText(std::span<char> field, std::string_view text) noexcept {
     if (field.empty()) return;
     text = text.substr(0, text.find('\0'));
     text = text.substr(0, wholeCharacters(text, field.size() - 1));
-    // The text may lie in the field itself.
-    std::memmove(field.data(), text.data(), text.size());
-    std::fill(field.begin() + static_cast<std::ptrdiff_t>(text.size()), field.end(), '\0');
+    copyPart(field, text);
 }
 
 std::string_view textIn(std::span<const char> field) noexcept {
@@ -65,28 +93,23 @@ bool copyPath(std::span<char> field, const char* path) noexcept {
 }
 
 std::string_view folderOf(std::string_view path) noexcept {
-    size_t end = nameStart(path);
-    // The separator goes, but a root keeps its own, and a drive its colon.
-    const bool separated = end > 0 && platform::isSeparator(path[end - 1]);
-    const bool root = end == 1 || (end == 3 && path[1] == ':');
-    if (separated && !root) --end;
-    return path.substr(0, end);
+    return path.substr(0, splitPath(path).folderEnd);
 }
 
 std::string_view fileNameOf(std::string_view path) noexcept {
-    return path.substr(nameStart(path));
+    return path.substr(splitPath(path).nameStart);
 }
 
 std::string_view extensionOf(std::string_view path) noexcept {
-    const std::string name(fileNameOf(path));
-    size_t dot = std::string::npos;
-    for (size_t at = 0; at < name.size(); at += platform::characterLength(name.c_str() + at))
+    const std::string_view name = fileNameOf(path);
+    size_t dot = name.npos;
+    for (size_t at = 0; at < name.size(); at += platform::characterLength(name.substr(at)))
         if (name[at] == '.') dot = at;
-    if (dot == std::string::npos) return {};
-    return path.substr(path.size() - (name.size() - dot));
+    return dot == name.npos ? std::string_view() : name.substr(dot);
 }
 
 bool hasExtension(const char* path, std::string_view extension) noexcept {
+    if (!path) return false;
     const std::string_view found = extensionOf(path);
     return std::equal(found.begin(), found.end(), extension.begin(), extension.end(),
                       [](char a, char b) { return lower(a) == lower(b); });
@@ -96,6 +119,32 @@ std::string joinPath(std::string_view folder, std::string_view name) {
     std::string path(folder);
     if (!path.empty() && fileNameOf(path).size() != 0) path += platform::kSeparator;
     return path.append(name);
+}
+
+void jFilesSplitPath(std::string_view path, std::span<char> folder,
+                     std::span<char> name) noexcept {
+    const auto give = [](std::span<char> field, std::string_view part) {
+        if (field.empty()) return;
+        // A part of a path that were cut would name another file.
+        copyPart(field, part.size() < field.size() ? part : std::string_view());
+    };
+    give(folder, folderOf(path));
+    give(name, fileNameOf(path));
+}
+
+bool jFilesGetFileTime(const char* path, platform::DateTime& time) noexcept {
+    return path && platform::fileTime(path, time);
+}
+
+void jStrCorrect(std::span<char> text) noexcept {
+    if (text.empty()) return;
+    std::string_view kept = textIn(text);
+    if (kept.size() == text.size()) kept.remove_suffix(1);  // room for the terminator
+    kept = kept.substr(0, endOfWholeCharacters(kept));
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (!kept.empty() && isBlank(kept.front())) kept.remove_prefix(1);
+    while (!kept.empty() && isBlank(kept.back())) kept.remove_suffix(1);
+    copyPart(text, kept);
 }
 
 int jStrCmpNI(const char* a, const char* b, size_t n) noexcept {
@@ -116,7 +165,7 @@ bool LineReader::fill() noexcept {
 
 bool LineReader::next(std::span<char> line) noexcept {
     size_t length = 0;
-    bool any = false;
+    bool any = false, cut = false;
     while (begin_ < end_ || fill()) {
         any = true;
         const char character = buffer_[begin_++];
@@ -126,7 +175,9 @@ bool LineReader::next(std::span<char> line) noexcept {
             break;
         }
         if (length + 1 < line.size()) line[length++] = character;
+        else cut = true;
     }
+    if (cut) length = endOfWholeCharacters({line.data(), length});
     if (!line.empty()) line[length] = '\0';
     return any;
 }

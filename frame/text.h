@@ -7,8 +7,12 @@
 #include <string_view>
 
 #include "frame/file.h"
+#include "frame/platform.h"
 
 namespace ko {
+
+// Bytes of the first Shift-JIS character of a text that is not empty: 1 or 2.
+size_t shiftJisLength(std::string_view text) noexcept;
 
 // Length of the longest beginning of text that has at most limit bytes and ends at a whole
 // Shift-JIS character.
@@ -31,6 +35,16 @@ std::string_view fileNameOf(std::string_view path) noexcept;   // with the exten
 std::string_view extensionOf(std::string_view path) noexcept;  // with the dot; empty when none
 bool hasExtension(const char* path, std::string_view extension) noexcept;  // ASCII case ignored
 std::string joinPath(std::string_view folder, std::string_view name);
+
+// The same under the names that the dialogs' descriptions use. An output that is not wanted is
+// empty; one that the part does not fit into becomes the empty text.
+void jFilesSplitPath(std::string_view path, std::span<char> folder, std::span<char> name) noexcept;
+// The file's last change in local time; false, the time untouched, when there is no such file.
+[[nodiscard]] bool jFilesGetFileTime(const char* path, platform::DateTime& time) noexcept;
+
+// Corrects what was typed into a dialog's field: blanks at both ends go, and half a Shift-JIS
+// character that the field's size left at its end.
+void jStrCorrect(std::span<char> text) noexcept;
 
 // Compares at most n characters without regard to ASCII case; 0 when equal.
 int jStrCmpNI(const char* a, const char* b, size_t n) noexcept;

@@ -1,0 +1,89 @@
+#include "frame/state.h"
+
+#include <algorithm>
+
+#include "frame/settings.h"
+#include "frame/text.h"
+
+namespace ko {
+namespace {
+
+constinit ProcessState state;  // of plain members, so that no destructor runs before detach
+constinit bool attached = false;
+
+std::string_view withoutBlanks(std::string_view text) noexcept {
+    constexpr std::string_view kBlanks = " \t";
+    const size_t first = text.find_first_not_of(kBlanks);
+    if (first == text.npos) return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+}
+
+std::string_view viewOf(std::span<const char> bytes) noexcept {
+    return {bytes.data(), bytes.size()};
+}
+
+// "." and "@" begin a folder that is relative to the library's own; anything else stands as it is.
+// A value that is empty or does not fit names no folder, and the default stays.
+void readProductFolder() {
+    const std::string ini = joinPath(joinPath(state.moduleFolder, "ini"), "KoLink.ini");
+    RegsHandle file = jRegsOpen(ini.c_str());
+    if (!file) return;
+    jRegsOpenDirectory(file, "\\INI");
+    char buffer[2 * platform::kPathSize] = {};
+    if (!jRegsGetKey(file, "KO_FOLDER", buffer)) return;
+    std::string value(withoutBlanks(buffer));
+    const bool relative = value.starts_with('.') || value.starts_with('@');
+    if (value.starts_with('@')) value.erase(0, 1);
+    if (relative) {
+        platform::adoptSeparators(value);
+        char whole[platform::kPathSize];
+        if (platform::fullPath(joinPath(state.moduleFolder, value).c_str(), whole)) value = whole;
+    }
+    if (!value.empty()) (void)copyPath(state.productFolder, value.c_str());
+}
+
+void loadLanguageTable(const std::string& language) {
+    if (language.empty() || language == "japanese") return;
+    const auto source = platform::textResource("TEXT_JAPANESE");
+    const auto destination =
+        platform::textResource(language == "chinese" ? "TEXT_CHINESE" : "TEXT_ENGLISH");
+    state.languageTable = jRegsLangLoad(viewOf(source), viewOf(destination)).release();
+}
+
+// Runs one step of attaching; what fails in it leaves the defaults.
+template <class Step>
+void attempt(Step&& step) noexcept {
+    try {
+        step();
+    } catch (...) {
+    }
+}
+
+}  // namespace
+
+const ProcessState& processState() noexcept { return state; }
+
+void attach(const AttachSettings& settings) noexcept {
+    if (attached) return;
+    attached = true;
+    state.moduleHandle = platform::moduleHandle();
+    const bool located = settings.modulePath
+                             ? copyPath(state.modulePath, settings.modulePath->c_str())
+                             : platform::modulePath(state.modulePath);
+    if (located) {
+        jFilesSplitPath(state.modulePath, state.moduleFolder, {});
+        (void)copyPath(state.productFolder, state.moduleFolder);
+        attempt(readProductFolder);
+    }
+    attempt([&] { loadLanguageTable(settings.language ? *settings.language : jOemText(1)); });
+    state.fileMutex = platform::createNamedMutex("_KOLINK_MUTEX");
+}
+
+void detach() noexcept {
+    platform::closeNamedMutex(state.fileMutex);
+    jRegsLangRelease(state.languageTable);
+    state = {};
+    attached = false;
+}
+
+}  // namespace ko
