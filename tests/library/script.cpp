@@ -1,0 +1,438 @@
+// One deterministic script of calls, the same on every platform, whose results are files in the
+// current folder. They are compared byte for byte between the platforms.
+//   library_script LOCALE        with printer.icc and source.icc in the current folder
+#include <array>
+#include <charconv>
+#include <clocale>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kolink.h"
+
+namespace {
+
+void require(bool condition, const std::string& what) {
+    if (condition) return;
+    std::fprintf(stderr, "library_script: %s\n", what.c_str());
+    std::exit(1);
+}
+
+// The distributions of the standard library differ between its makers; the generator does not.
+class Random {
+public:
+    explicit Random(uint32_t seed) : engine_(seed) {}
+    int32_t between(int32_t low, int32_t high) {
+        return low + static_cast<int32_t>(engine_() % static_cast<uint32_t>(high - low + 1));
+    }
+    double fraction() { return static_cast<double>(engine_()) / 4294967296.0; }
+
+private:
+    std::mt19937 engine_;
+};
+
+// Lines of numbers that no locale and no rounding touches: integers, and doubles by their bits.
+class Results {
+public:
+    explicit Results(const char* path) : out_(path, std::ios::binary) {}
+    ~Results() {
+        out_.flush();
+        require(out_.good(), "results cannot be written");
+    }
+    Results& text(std::string_view value) {
+        out_ << value;
+        return *this;
+    }
+    Results& number(int64_t value) {
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+        out_.write(digits, end - digits).put(' ');
+        return *this;
+    }
+    Results& bits(double value) {
+        uint64_t word;
+        std::memcpy(&word, &value, sizeof word);
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof digits, word, 16).ptr;
+        out_.write(digits, end - digits).put(' ');
+        return *this;
+    }
+    void endLine() { out_.put('\n'); }
+    void raw(const int32_t* values, size_t count) {
+        out_.write(reinterpret_cast<const char*>(values),
+                   static_cast<std::streamsize>(count * sizeof *values));
+    }
+
+private:
+    std::ofstream out_;
+};
+
+std::string readFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+void writeFile(const std::string& path, std::string_view content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+struct Shape {
+    int32_t inputs, outputs, gridPoints, inputEntries, outputEntries;
+    uint8_t precision;
+};
+
+size_t power(int32_t base, int32_t exponent) {
+    size_t result = 1;
+    while (exponent-- > 0) result *= static_cast<size_t>(base);
+    return result;
+}
+
+// A table as the library itself lays it out: record, curves, grid, curves in one block. Curves
+// rise with some noise, grid values are anything.
+IccLut* makeLut(const Shape& shape, uint32_t seed) {
+    const size_t inputSize = static_cast<size_t>(shape.inputs * shape.inputEntries);
+    const size_t gridSize = power(shape.gridPoints, shape.inputs) * static_cast<size_t>(shape.outputs);
+    const size_t outputSize = static_cast<size_t>(shape.outputs * shape.outputEntries);
+    const size_t entries = inputSize + gridSize + outputSize;
+    auto* lut = static_cast<IccLut*>(
+        jMemAlloc(static_cast<uint32_t>(sizeof(IccLut) + entries * shape.precision)));
+    require(lut, "no memory for a LUT");
+
+    Random random(seed);
+    IccLut record{};
+    record.inputChannels = shape.inputs;
+    record.outputChannels = shape.outputs;
+    record.gridPoints = shape.gridPoints;
+    for (int32_t at = 0; at < 9; ++at) record.matrix[at] = at % 4 == 0 ? 1.0f : 0.0f;
+    record.precision = shape.precision;
+    record.inputEntries = shape.inputEntries;
+    record.outputEntries = shape.outputEntries;
+    auto* tables = reinterpret_cast<uint8_t*>(lut) + sizeof(IccLut);
+    record.inputTables = tables;
+    record.clut = tables + inputSize * shape.precision;
+    record.outputTables = tables + (inputSize + gridSize) * shape.precision;
+    std::memcpy(lut, &record, sizeof record);
+
+    const int32_t top = shape.precision == 1 ? 255 : 65535;
+    size_t at = 0;
+    const auto put = [&](int32_t value) {
+        value = value < 0 ? 0 : value > top ? top : value;
+        tables[at * shape.precision] = static_cast<uint8_t>(value);
+        if (shape.precision == 2) tables[at * 2 + 1] = static_cast<uint8_t>(value >> 8);
+        ++at;
+    };
+    const auto putCurves = [&](int32_t channels, int32_t count) {
+        for (int32_t channel = 0; channel < channels; ++channel)
+            for (int32_t entry = 0; entry < count; ++entry)
+                put(static_cast<int32_t>(int64_t{entry} * top / (count - 1)) +
+                    random.between(-top / 40, top / 40));
+    };
+    putCurves(shape.inputs, shape.inputEntries);
+    for (size_t node = 0; node < gridSize; ++node) put(random.between(0, top));
+    putCurves(shape.outputs, shape.outputEntries);
+    return lut;
+}
+
+void evaluateLuts() {
+    constexpr Shape kShapes[] = {
+        {4, 4, 9, 256, 256, 1},  {4, 4, 9, 256, 4096, 2}, {3, 3, 17, 256, 256, 1},
+        {3, 3, 17, 1000, 2, 2},  {4, 3, 9, 256, 256, 1},  {3, 4, 33, 256, 256, 1},
+        {3, 4, 17, 4096, 256, 2}, {1, 1, 2, 256, 256, 1}, {2, 3, 5, 3, 300, 2},
+        {4, 1, 2, 256, 256, 1},
+    };
+    Results out("lut.bin");
+    uint32_t seed = 1;
+    for (const Shape& shape : kShapes) {
+        IccLut* lut = makeLut(shape, seed);
+        if (shape.inputs == 3 && shape.outputs == 4)  // one matrix that mixes
+            for (float& element : lut->matrix) element = 0.25f + 0.0625f * static_cast<float>(seed);
+        require(jIccLutSetup(lut) == 1, "a LUT was refused");
+        const int32_t top = shape.precision == 1 ? 255 : 65535;
+        Random random(1000 + seed++);
+        for (int32_t colour = 0; colour < 100000; ++colour) {
+            int32_t own[4], wide[4];
+            for (int32_t& value : own) value = random.between(-2, top + 2);
+            for (int32_t& value : wide) value = random.between(-2, 65537);
+            const int32_t ownChannels = jIccLutColor(lut, own);
+            const int32_t wideChannels = jIccLutColor16(lut, wide);
+            require(ownChannels == shape.outputs && wideChannels == shape.outputs,
+                    "a LUT gave another number of channels");
+            out.raw(own, 4);
+            out.raw(wide, 4);
+        }
+        jIccLutClose(lut);
+        jMemFree(lut);
+    }
+}
+
+void convertColours() {
+    Results out("colour.txt");
+    Random random(2);
+    const auto put = [&](const double* colour) {
+        for (int channel = 0; channel < 3; ++channel) out.bits(colour[channel]);
+    };
+    for (int32_t colour = 0; colour < 20000; ++colour) {
+        const double white[3] = {96.42 + random.fraction(), 100.0, 82.49 - random.fraction()};
+        double xyz[3], lab[3] = {random.fraction() * 100, random.fraction() * 256 - 128,
+                                 random.fraction() * 256 - 128};
+        for (double& value : xyz) value = random.fraction() * (colour % 5 == 0 ? 1.5 : 110.0);
+        jIccXYZtoLab(xyz, white);
+        put(xyz);
+        jIccLabtoXYZ(lab, white);
+        put(lab);
+        for (int32_t bits : {8, 16}) {
+            double value[3] = {random.fraction() * 110 - 5, random.fraction() * 280 - 140,
+                               random.fraction() * 280 - 140};
+            jIccLabEncode(value, bits);
+            put(value);
+            jIccLabDecode(value, bits);
+            put(value);
+            for (double& channel : value) channel = random.fraction() * 2.2 - 0.1;
+            jIccXYZEncode(value, bits);
+            put(value);
+            jIccXYZDecode(value, bits);
+            put(value);
+        }
+        out.endLine();
+    }
+    for (uint32_t count : {0u, 1u, 2u, 17u, 256u, 4096u}) {
+        auto* curve = static_cast<IccCurve*>(
+            jMemAlloc(static_cast<uint32_t>(sizeof(IccCurve) + count * sizeof(uint16_t))));
+        require(curve, "no memory for a curve");
+        curve->count = count;
+        for (uint32_t at = 0; at < count; ++at)
+            curve->entries[at] = static_cast<uint16_t>(random.between(0, 65535));
+        for (int32_t level = -1; level <= 256; ++level) {
+            int32_t value = level;
+            jIccTrcColor(curve, &value);
+            out.number(value);
+        }
+        out.endLine();
+        jMemFree(curve);
+    }
+}
+
+void drawCurves() {
+    Results out("tone.txt");
+    Random random(3);
+    for (int32_t set = 0; set < 300; ++set) {
+        std::vector<TonePoint> points;
+        for (int32_t x = random.between(0, 20); x < 256; x += random.between(1, 1 + set / 4))
+            points.push_back({x, random.between(-50, 300)});
+        const auto count = static_cast<int32_t>(points.size());
+        for (int32_t x = -1; x <= 256; ++x)
+            out.number(jKoToneGetSplineTone(points.data(), count, x))
+                .number(jKoToneGetLinerTone(points.data(), count, x));
+        out.endLine();
+    }
+}
+
+void putTable(Results& out, const ToneCurve& curve) {
+    for (int32_t at = 0; at < curve.channelCount * 512; ++at) out.number(curve.table[at]);
+    out.endLine();
+}
+
+ToneCurve* makeToneCurve(int32_t channels, uint32_t seed) {
+    ToneCurve* curve = jKoToneCreateToneCurve(channels);
+    require(curve, "no tone curve");
+    std::strcpy(curve->title, "script 1.5, 1,5");
+    Random random(seed);
+    for (int32_t channel = 0; channel < channels; ++channel)
+        for (int32_t x = 16; x < 256; x += 16 * random.between(1, 4)) {
+            curve->table[channel * 512 + x] = 1;
+            curve->table[channel * 512 + 256 + x] = static_cast<int16_t>(random.between(0, 255));
+        }
+    require(jKoToneEncodeToneCurve(curve, static_cast<int32_t>(seed % 2), 255) == 1, "no encoding");
+    return curve;
+}
+
+// Numbers as people write them: fractions with a point and with a comma, blanks, signs.
+std::string damaged(std::string text, uint32_t seed) {
+    Random random(seed);
+    constexpr std::string_view kInsertions[] = {".5", ",5", " ", "-", "+", "e1", ";", "\r\n", "9"};
+    for (int32_t change = 0; change < 12; ++change)
+        text.insert(static_cast<size_t>(random.between(0, static_cast<int32_t>(text.size()))),
+                    kInsertions[random.between(0, 8)]);
+    return text;
+}
+
+void saveAndLoadTones() {
+    Results out("tone_files.txt");
+    for (uint32_t seed = 10; seed < 30; ++seed) {
+        const std::string number = std::to_string(seed);
+        ToneCurve* one = makeToneCurve(1, seed);
+        ToneCurve* four = makeToneCurve(4, seed);
+        ToneCurve* six = makeToneCurve(6, seed);
+        DccSettings dcc{600, static_cast<int32_t>(600 * (seed % 3)), 240, 33, six};
+        const std::string bkc = number + ".bkc", tnc = number + ".tnc", settings = number + ".dcc";
+        require(jKoToneSaveBkcCurve(one, bkc.c_str()) == 1 &&
+                jKoToneSaveCmykToneCurve(four, tnc.c_str()) == 1 &&
+                jKoToneSaveDcc(&dcc, settings.c_str()) == 1, "a curve was not saved");
+
+        for (const uint32_t damage : {0u, 1u, 2u}) {
+            const auto given = [&](const std::string& path) {
+                const std::string copy = "d" + std::to_string(damage) + path;
+                writeFile(copy, damage == 0 ? readFile(path) : damaged(readFile(path), damage * seed));
+                return copy;
+            };
+            jKoToneLoadBkcCurve(one, given(bkc).c_str());
+            jKoToneLoadCmykToneCurve(four, given(tnc).c_str());
+            const std::string copy = given(settings);
+            jKoToneLoadDcc(&dcc, copy.c_str());
+            for (const int32_t value : {dcc.DPIX, dcc.DPIY, dcc.WINK, dcc.LCLM}) out.number(value);
+            for (const ToneCurve* curve : {one, four, six}) {
+                out.text(curve->title).endLine();
+                putTable(out, *curve);
+            }
+            jKoToneLoadDccCurve(six, copy.c_str());
+            Random random(seed);
+            for (int32_t colour = 0; colour < 500; ++colour) {
+                int32_t cmyk[4];
+                jKoToneRGBtoCMYK16(six, static_cast<uint8_t>(random.between(0, 255)),
+                                   static_cast<uint8_t>(random.between(0, 255)),
+                                   static_cast<uint8_t>(random.between(0, 255)), cmyk);
+                for (int32_t& ink : cmyk) {
+                    out.number(ink);
+                    ink = random.between(-1, 256);
+                }
+                jKoToneCMYKtoCMYK(four, cmyk);
+                for (const int32_t ink : cmyk) out.number(ink);
+            }
+            out.endLine();
+        }
+        jKoToneReleaseToneCurve(one);
+        jKoToneReleaseToneCurve(four);
+        jKoToneReleaseToneCurve(six);
+    }
+}
+
+constexpr uint32_t signature(const char (&text)[5]) {
+    uint32_t value = 0;
+    for (int at = 0; at < 4; ++at) value = value << 8 | static_cast<uint8_t>(text[at]);
+    return value;
+}
+
+// A CMYK profile with made-up tables in both directions, relative to a white that is not D50.
+void makeProfile(const char* path, const char (&space)[5], uint8_t precision) {
+    IccProfile* profile = jIccCreate(4);
+    require(profile, "no profile");
+    profile->header.connectionSpace = signature(space);
+    uint32_t seed = 100;
+    for (const char* tag : {"A2B0", "A2B1", "A2B2", "B2A0", "B2A1", "B2A2"}) {
+        const bool toDevice = tag[0] == 'B';
+        const char name[5] = {tag[0], tag[1], tag[2], tag[3], 0};
+        const Shape shape{toDevice ? 3 : 4, toDevice ? 4 : 3, toDevice ? 11 : 5, 256, 256, precision};
+        require(jIccBindTag(profile, signature(name), makeLut(shape, seed++)) == 1, "no tag");
+    }
+    auto* white = static_cast<float*>(jMemAlloc(3 * sizeof(float)));
+    require(white, "no memory for a white point");
+    const float kWhite[3] = {0.9f, 0.95f, 0.7f};
+    std::memcpy(white, kWhite, sizeof kWhite);
+    require(jIccBindTag(profile, signature("wtpt"), white) == 1, "no white point");
+    require(jIccSaveProfile(profile, path) == 1 && jIccRelease(profile) == 1, "no profile file");
+}
+
+uint64_t hashOf(const void* bytes, size_t size) {  // FNV-1a
+    uint64_t hash = 14695981039346656037u;
+    for (size_t at = 0; at < size; ++at)
+        hash = (hash ^ static_cast<const uint8_t*>(bytes)[at]) * 1099511628211u;
+    return hash;
+}
+
+struct Job {
+    const char *name, *base, *source, *destination, *black;
+    int32_t intent, preservation, whiteMode;
+};
+
+void combine() {
+    makeProfile("lab8.icc", "Lab ", 1);
+    makeProfile("lab16.icc", "Lab ", 2);
+    makeProfile("xyz8.icc", "XYZ ", 1);
+    makeProfile("xyz16.icc", "XYZ ", 2);
+    {
+        std::string table(972, '\0');
+        Random random(7);
+        for (int32_t at = 0; at < KOLINK_CMYK_NODES * 4; ++at)
+            table.push_back(static_cast<char>(random.between(0, 255)));
+        writeFile("table.lut", table);
+        writeFile("table.amt", table.substr(972 - 256));
+    }
+    constexpr Job kJobs[] = {
+        {"real", "", "source.icc", "printer.icc", "", 1, 0, 0},
+        {"whole", "printer.icc", "printer.icc", "printer.icc", "10.bkc", 0, 2, 2},
+        {"base", "table.lut", "", "", "11.bkc", 0, 1, 1},
+        {"amatch", "table.amt", "", "", "", 0, 0, 2},
+        {"lab8_xyz8", "", "lab8.icc", "xyz8.icc", "", 0, 0, 0},
+        {"lab8_xyz16", "", "lab8.icc", "xyz16.icc", "", 1, 0, 0},
+        {"lab16_xyz8", "", "lab16.icc", "xyz8.icc", "", 2, 0, 0},
+        {"lab16_lab8", "", "lab16.icc", "lab8.icc", "", 0, 0, 1},
+        {"xyz8_lab16", "", "xyz8.icc", "lab16.icc", "", 0, 0, 0},
+        {"xyz16_lab8", "", "xyz16.icc", "lab8.icc", "", 1, 0, 0},
+        {"xyz16_lab16", "", "xyz16.icc", "lab16.icc", "", 2, 0, 0},
+    };
+    Results out("combine.txt");
+    for (const Job& job : kJobs) {
+        CmsLinkSettings settings{};
+        std::strcpy(settings.basePath, job.base);
+        std::strcpy(settings.sourcePath, job.source);
+        std::strcpy(settings.destinationPath, job.destination);
+        std::strcpy(settings.blackPath, job.black);
+        settings.intent = job.intent;
+        settings.preservation = job.preservation;
+        settings.whiteMode = job.whiteMode;
+        settings.paperC = 3;
+        settings.paperM = 5;
+        settings.paperY = 17;
+        settings.paperK = 1;
+        settings.limit = 211;
+        CmykProfile* profile = jKoCmykCombineProfile(&settings);
+        require(profile, job.name + std::string(" was not combined"));
+        out.text(job.name).text(" ");
+        out.number(static_cast<int64_t>(hashOf(profile->grid, sizeof profile->grid))).endLine();
+
+        Random random(8);
+        for (int32_t colour = 0; colour < 10000; ++colour) {
+            int32_t cmyk[4];
+            for (int32_t& ink : cmyk) ink = random.between(-1, 256);
+            jKoCmykCMYKtoCMYK16(profile, cmyk);
+            for (const int32_t ink : cmyk) out.number(ink);
+        }
+        out.endLine();
+
+        if (&job - kJobs < 2) {  // whole files, and what comes back from them
+            std::strcpy(profile->name, job.name);
+            for (int32_t curve = 0; curve < 8; ++curve)
+                for (int32_t point = 8; point < 64; point += 8 + curve) {
+                    profile->curveFlags[curve][point] = 1;
+                    profile->curveValues[curve][point] = static_cast<uint8_t>(random.between(0, 255));
+                }
+            const std::string path = job.name + std::string("_link.icc");
+            require(jKoCmykSaveProfile(profile, path.c_str()) == 1, "a link was not saved");
+            require(jKoCmykLoadProfile(profile, path.c_str()) == 1, "a link was not loaded");
+            out.number(static_cast<int64_t>(hashOf(profile, sizeof *profile))).endLine();
+        }
+        jKoCmykReleaseProfile(profile);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    require(argc == 2, "usage: library_script LOCALE");
+    require(std::setlocale(LC_ALL, argv[1]), std::string("there is no locale ") + argv[1]);
+    const bool comma = std::localeconv()->decimal_point == std::string_view(",");
+    require(comma == (std::string_view(argv[1]) != "C"), "the decimal sign is not the expected one");
+    evaluateLuts();
+    convertColours();
+    drawCurves();
+    saveAndLoadTones();
+    combine();
+    std::puts("done");
+}
