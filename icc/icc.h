@@ -1,0 +1,121 @@
+// ICC version 2 profiles: the object and its tags, files, colour arithmetic, LUT evaluation.
+// The exported functions of the same names are thin shells over these; include/kolink says what
+// each one takes and returns.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "frame/block.h"
+#include "frame/bytes.h"
+#include "icc/lut.h"
+#include "kolink/icc_colour.h"
+#include "kolink/icc_file.h"
+#include "kolink/icc_lut.h"
+#include "kolink/icc_profile.h"
+
+namespace ko::icc {
+
+// The profile object. A profile owns its directory and the data of its tags.
+int32_t release(IccProfile* profile) noexcept;
+struct ProfileReleaser {
+    void operator()(IccProfile* profile) const noexcept { release(profile); }
+};
+using ProfilePtr = std::unique_ptr<IccProfile, ProfileReleaser>;
+
+constexpr uint32_t kCreateLink = 1;     // what create makes anyway
+constexpr uint32_t kCreatePrinter = 2;  // class 'prtr', PCS 'Lab '
+constexpr uint32_t kCreateOtherMaker = 16;
+
+[[nodiscard]] ProfilePtr create(uint32_t flags) noexcept;
+int32_t bindTag(IccProfile* profile, uint32_t signature, void* data) noexcept;
+int32_t unbindTag(IccProfile* profile, uint32_t signature) noexcept;
+std::span<IccTagEntry> tagsOf(const IccProfile& profile) noexcept;
+IccTagEntry* findTag(const IccProfile& profile, uint32_t signature) noexcept;  // the first one
+
+// Gives a block to the profile; false, the block freed, when memory is short.
+template <class T>
+[[nodiscard]] bool bindBlock(IccProfile& profile, uint32_t signature, Block<T> block) noexcept {
+    if (!block || bindTag(&profile, signature, block.get()) != 1) return false;
+    (void)block.release();  // the profile's now
+    return true;
+}
+
+// Files.
+[[nodiscard]] ProfilePtr loadHeader(const char* path);
+void* loadTag(IccProfile& profile, uint32_t signature);
+// Loads what one loadTag after the other for every directory entry would load, reading each tag
+// once however often the directory repeats it.
+void loadAllTags(IccProfile& profile);
+uint32_t saveProfile(IccProfile* profile, const char* path);
+uint32_t saveDeviceProfile(IccProfile* profile, const char* path);
+uint32_t saveLinkProfile(IccProfile* profile, const char* path);
+
+// The same readers over bytes in memory. The decoded data is not bound.
+[[nodiscard]] ProfilePtr parseHeader(std::span<const uint8_t> bytes) noexcept;
+[[nodiscard]] Block<void> decodeTag(const IccProfile& profile, std::span<const uint8_t> bytes,
+                                    uint32_t signature) noexcept;
+
+// LUT blocks.
+struct LutShape {
+    int32_t inputChannels;
+    int32_t outputChannels;
+    int32_t gridPoints;
+    int32_t precision;  // bytes per entry
+    int32_t inputEntries = 256;
+    int32_t outputEntries = 256;
+};
+// Bytes of the three parts, formed in 64 bits; UINT64_MAX where they pass that. A count below 0
+// stands for 0.
+struct LutSizes {
+    uint64_t inputTables, clut, outputTables;
+    uint64_t tables() const noexcept;  // of all three
+};
+LutShape shapeOf(const IccLut& lut) noexcept;
+LutSizes sizesOf(const LutShape& shape) noexcept;
+// A record of that shape with its tables in one block: identity matrix, tables zero, no work
+// table. Null when memory is short or a count is negative.
+[[nodiscard]] Block<IccLut> makeLut(const LutShape& shape) noexcept;
+
+// Colour arithmetic.
+void xyzToLab(double* colour, const double* white) noexcept;
+void labToXyz(double* colour, const double* white) noexcept;
+void labEncode(double* colour, int32_t bits) noexcept;
+void labDecode(double* colour, int32_t bits) noexcept;
+void xyzEncode(double* colour, int32_t bits) noexcept;
+void xyzDecode(double* colour, int32_t bits) noexcept;
+void trcColor(const IccCurve* curve, int32_t* value) noexcept;
+
+// Byte order and fixed point.
+constexpr uint32_t revLong(uint32_t value) noexcept { return reverse32(value); }
+constexpr uint16_t revShort(uint16_t value) noexcept { return reverse16(value); }
+
+// Copies count elements of elementSize bytes, the bytes of each in reverse order; dst may equal
+// src. Returns elementSize * count, or 0 when there is nothing to do.
+uint64_t IccReverseBytes(void* dst, const void* src, uint32_t elementSize,
+                         uint64_t count) noexcept;
+
+// base^exponent, wrapping in 32 bits; 1 when exponent is below 1. For sizes take IccIntPow64.
+constexpr uint32_t IccIntPow(uint32_t base, int32_t exponent) noexcept {
+    uint32_t result = 1;
+    // A power of two that has wrapped to 0 stays there, as 0 and 1 stay what they are.
+    for (int32_t at = 0; at < exponent && result != 0 && base != 1; ++at) result *= base;
+    return result;
+}
+static_assert(IccIntPow(33, 4) == 1185921 && IccIntPow(17, 0) == 1);
+
+// The same in 64 bits, stopping at UINT64_MAX instead of wrapping.
+constexpr uint64_t IccIntPow64(uint64_t base, int32_t exponent) noexcept {
+    uint64_t result = 1;
+    for (int32_t at = 0; at < exponent && result != 0 && base != 1; ++at) {
+        if (base != 0 && result > UINT64_MAX / base) return UINT64_MAX;
+        result *= base;
+    }
+    return result;
+}
+
+float IccFixedToFloat(int32_t value) noexcept;  // s15Fixed16
+int32_t IccFloatToFixed(float value) noexcept;  // half away from zero; saturates, NaN gives 0
+
+}  // namespace ko::icc

@@ -1,0 +1,91 @@
+// Writing profile files. A file is put together in memory and written in one go: nothing of the
+// old file is touched before the new one is complete.
+#include "frame/text.h"
+#include "icc/header_order.h"
+#include "icc/tag_codecs.h"
+
+namespace ko::icc {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+constexpr size_t kDirectoryAt = sizeof(IccHeader) + 4;
+constexpr size_t kSlotSize = 12;
+
+void putBigEndian(Bytes& bytes, size_t at, uint32_t value) {
+    value = reverse32(value);
+    std::memcpy(&bytes[at], &value, sizeof value);
+}
+
+uint32_t aliasesOf(const IccTagEntry& tag, Writers writer) noexcept {
+    const TagCodec* const codec = findCodec(tag.signature);
+    return codec && writer == kDeviceWriter ? codec->deviceAliases : 0;
+}
+
+// Bound tags that the writer skips count as well; their slots stay empty, at the end.
+uint64_t countSlots(const IccProfile& profile, Writers writer) noexcept {
+    uint64_t count = 0;
+    for (const IccTagEntry& tag : tagsOf(profile))
+        if (tag.data) count += 1 + aliasesOf(tag, writer);
+    return count;
+}
+
+// The whole file; empty when a tag cannot be written or the file would pass 4 GiB.
+Bytes assemble(const IccProfile& profile, Writers writer, uint64_t slots) {
+    Bytes bytes(sizeof(IccHeader));
+    IccHeader header = profile.header;
+    const bool bigEndian = profile.swapBytes == 1;
+    if (bigEndian) reverseHeader(header);
+    std::memcpy(bytes.data(), &header, sizeof header);
+    ByteWriter out(bytes);
+    out.u32(static_cast<uint32_t>(slots));
+    out.zeros(static_cast<size_t>(slots * kSlotSize));
+
+    size_t slot = kDirectoryAt;
+    for (const IccTagEntry& tag : tagsOf(profile)) {
+        const TagCodec* const codec = findCodec(tag.signature);
+        if (!tag.data || !codec || !(codec->writers & writer)) continue;
+        const size_t start = bytes.size();  // a multiple of 4, as everything before it is
+        const auto length = codec->encode(tag.data, bigEndian, bytes);
+        if (!length) return {};
+        out.alignTo4();
+        if (bytes.size() > UINT32_MAX) return {};
+        for (uint32_t alias = 0; alias <= aliasesOf(tag, writer); ++alias, slot += kSlotSize) {
+            putBigEndian(bytes, slot, tag.signature + alias);
+            putBigEndian(bytes, slot + 4, static_cast<uint32_t>(start));
+            putBigEndian(bytes, slot + 8, static_cast<uint32_t>(*length));
+        }
+    }
+    putBigEndian(bytes, 0, static_cast<uint32_t>(bytes.size()));
+    return bytes;
+}
+
+uint32_t save(IccProfile* profile, const char* path, Writers writer) {
+    if (!profile || !copyPath(profile->path, path)) return 0;
+    const uint64_t slots = countSlots(*profile, writer);
+    if (slots == 0 || slots * kSlotSize > UINT32_MAX) return 0;
+    const Bytes bytes = assemble(*profile, writer, slots);
+    if (bytes.empty()) return 0;
+
+    const FileGuard guard;
+    File file = File::create(profile->path);
+    // A file that cannot be created counts as written: hosts have never seen a 0 for it.
+    if (file) (void)file.write(bytes);
+    return 1;
+}
+
+}  // namespace
+
+uint32_t saveProfile(IccProfile* profile, const char* path) {
+    return save(profile, path, kProfileWriter);
+}
+
+uint32_t saveDeviceProfile(IccProfile* profile, const char* path) {
+    return save(profile, path, kDeviceWriter);
+}
+
+uint32_t saveLinkProfile(IccProfile* profile, const char* path) {
+    return save(profile, path, kLinkWriter);
+}
+
+}  // namespace ko::icc
