@@ -1,0 +1,28 @@
+// The exported functions of CMYK conversion and combination.
+#include <algorithm>
+
+#include "cmyk/combine.h"
+#include "cmyk/convert.h"
+#include "frame/boundary.h"
+
+static_assert(sizeof(CmsLinkSettings) == 1332);
+
+extern "C" void jKoCmykCMYKtoCMYK16(const CmykProfile* profile, int32_t* cmyk) {
+    if (!profile || !cmyk) return;
+    ko::cmyk::Cmyk values;
+    std::copy_n(cmyk, 4, values.begin());
+    ko::cmyk::cmykToCmyk16(*profile, values);
+    std::copy_n(values.begin(), 4, cmyk);
+}
+
+extern "C" CmykProfile* jKoCmykCombineProfile(const CmsLinkSettings* settings) {
+    if (!settings) return nullptr;
+    return ko::atBoundary<CmykProfile*>(
+        nullptr, [&] { return ko::cmyk::combineProfile(*settings).release(); });
+}
+
+extern "C" CmykProfile* jKoCmykCombineIccProfile(const CmsLinkSettings* settings) {
+    if (!settings) return nullptr;
+    return ko::atBoundary<CmykProfile*>(
+        nullptr, [&] { return ko::cmyk::combineIccProfile(*settings).release(); });
+}
