@@ -16,7 +16,7 @@ constexpr char lower(char character) noexcept {
 
 // The part may lie in the field itself.
 void copyPart(std::span<char> field, std::string_view part) noexcept {
-    std::memmove(field.data(), part.data(), part.size());
+    if (!part.empty()) std::memmove(field.data(), part.data(), part.size());  // null is not copied
     std::fill(field.begin() + static_cast<std::ptrdiff_t>(part.size()), field.end(), '\0');
 }
 

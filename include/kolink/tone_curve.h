@@ -45,7 +45,7 @@ KOLINK_API int32_t jKoToneGetLinerTone(const TonePoint *points, int32_t count, i
 
 /* Rebuilds the 256 values of every channel from its control points.
  *   mode      1 spline, otherwise straight lines
- *   maxValue  values are clamped to 0..maxValue
+ *   maxValue  values are clamped to 0..maxValue (255, or 4080 for conversion; at most 32767)
  * Levels outside the outermost control points get 0. Returns 1 always. */
 KOLINK_API int32_t jKoToneEncodeToneCurve(ToneCurve *curve, int32_t mode, int32_t maxValue);
 
@@ -57,6 +57,7 @@ KOLINK_API int32_t jKoToneCMYKtoCMYK(const ToneCurve *curve, int32_t *cmyk);
 /* Converts an 8-bit RGB colour through DCC curves: grey-component replacement by channel 4,
  * under-colour removal by channel 5, then the ink curves.
  *   cmyk  int32[4] out, on the scale of the table (0..4080 after jKoToneLoadDccCurve)
+ * Levels that GCR or UCR drive out of 0..255 stop there.
  * Returns 1; 0, changing nothing, unless the curve has at least 6 channels. */
 KOLINK_API int32_t jKoToneRGBtoCMYK16(const ToneCurve *curve, uint8_t r, uint8_t g, uint8_t b,
                                       int32_t *cmyk);
