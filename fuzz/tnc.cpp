@@ -1,0 +1,10 @@
+// CMYK tone curve files.
+#include "fuzz/temp_file.h"
+#include "tone/tone.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static TempFile file;
+    const auto curve = ko::tone::createToneCurve(4);
+    if (curve) (void)ko::tone::loadCmykToneCurve(*curve, file.with(data, size));
+    return 0;
+}
