@@ -114,3 +114,8 @@ FIELD(CmsLinkSettings, paperM, 1316, 1316);
 FIELD(CmsLinkSettings, paperY, 1320, 1320);
 FIELD(CmsLinkSettings, paperK, 1324, 1324);
 FIELD(CmsLinkSettings, limit, 1328, 1328);
+
+SIZE(CmykLut, 334084, 334084);
+FIELD(CmykLut, nodes, 0, 0);
+SIZE(RgbLut, 19652, 19652);
+FIELD(RgbLut, nodes, 0, 0);
