@@ -1,4 +1,14 @@
+#include "frame/boundary.h"
 #include "link/link.h"
+
+namespace {
+
+LinkProfile* built(ko::link::Link (*builder)(const CmsLinkSettings&), const CmsLinkSettings* settings) {
+    if (!settings) return nullptr;
+    return ko::atBoundary<LinkProfile*>(nullptr, [&] { return builder(*settings).release(); });
+}
+
+}  // namespace
 
 static_assert(sizeof(LinkProfile) == (sizeof(void*) == 4 ? 1876 : 1880));
 
@@ -23,4 +33,20 @@ extern "C" void jKoLinkCOLtoCMYK16_3(const LinkProfile* link, int32_t* values) {
 extern "C" void jKoLinkCOLtoCMYK16Row(const LinkProfile* link, const uint8_t* input,
                                       int32_t pixels, uint16_t* output) {
     ko::link::convertRow(*link, input, pixels, output);
+}
+
+extern "C" LinkProfile* jKoLinkCombineCmykProfile(const CmsLinkSettings* settings) {
+    return built(ko::link::combineCmykProfile, settings);
+}
+
+extern "C" LinkProfile* jKoLinkCombineRgbProfile(const CmsLinkSettings* settings) {
+    return built(ko::link::combineRgbProfile, settings);
+}
+
+extern "C" LinkProfile* jKoLinkCombineIcmRgbProfile(const CmsLinkSettings* settings) {
+    return built(ko::link::combineIcmRgbProfile, settings);
+}
+
+extern "C" LinkProfile* jKoLinkCombineIcmCmykProfile(const CmsLinkSettings* settings) {
+    return built(ko::link::combineIcmCmykProfile, settings);
 }

@@ -32,4 +32,13 @@ void convert4(const LinkProfile& link, int32_t* values) noexcept;
 void convertRow(const LinkProfile& link, const uint8_t* input, int32_t pixels,
                 uint16_t* output) noexcept;
 
+// The builders: source and destination profile and intent of the settings, 17 points. Null when
+// a file does not load, a profile does not fit, the intent is not supported, or memory is short.
+// Through the library's own evaluator, to CMYK:
+[[nodiscard]] Link combineCmykProfile(const CmsLinkSettings& settings);
+[[nodiscard]] Link combineRgbProfile(const CmsLinkSettings& settings);
+// Through the system's colour management, to CMYK or RGB:
+[[nodiscard]] Link combineIcmRgbProfile(const CmsLinkSettings& settings);
+[[nodiscard]] Link combineIcmCmykProfile(const CmsLinkSettings& settings);
+
 }  // namespace ko::link

@@ -51,6 +51,31 @@ KOLINK_API void jKoLinkCOLtoCMYK16_3(const LinkProfile *link, int32_t *values);
 KOLINK_API void jKoLinkCOLtoCMYK16Row(const LinkProfile *link, const uint8_t *input, int32_t pixels,
                                       uint16_t *output);
 
+/* The builders make a 17-point link from the source and destination profile of the settings; all
+ * other paths are not read. They return null when a file does not load, a profile does not fit,
+ * the intent is not supported, or memory is short. The caller releases the link. */
+
+/* With the library's own evaluator, CMYK or RGB to CMYK: A2Bn of the source, B2An of the
+ * destination; an RGB source without A2Bn may have rTRC, gTRC, bTRC and rXYZ, gXYZ, bXYZ.
+ *   intent        0, 1, 2: n of the tables; others are refused
+ *   whiteMode     1: white (no ink; full light) becomes no ink at all; others: as converted
+ *   preservation  1: pure C, M, Y (or one light below full) keep one ink; 2: two-ink mixes keep
+ *                 their two inks as well
+ * Source: connection space Lab or XYZ; the destination's is not looked at, and what differs from
+ * the source's is taken to be the other one. Between Lab and XYZ a CMYK source is relative to its
+ * media white (wtpt; D50 when it has none), an RGB source to the illuminant of its header.
+ * Refused as well: a table whose channels do not fit, an RGB source that lacks a colorant. */
+KOLINK_API LinkProfile *jKoLinkCombineCmykProfile(const CmsLinkSettings *settings);
+KOLINK_API LinkProfile *jKoLinkCombineRgbProfile(const CmsLinkSettings *settings);
+
+/* Through the system's colour management (mscms on Windows, lcms2 elsewhere), RGB or CMYK to RGB
+ * or CMYK, as the destination's header says. White mode and preservation are not read.
+ *   intent  0 perceptual, 1 relative colorimetric, 2 saturation, 3 absolute colorimetric; others
+ *           are refused
+ * Refused as well: a source of the other colour space, a destination that is neither. */
+KOLINK_API LinkProfile *jKoLinkCombineIcmRgbProfile(const CmsLinkSettings *settings);
+KOLINK_API LinkProfile *jKoLinkCombineIcmCmykProfile(const CmsLinkSettings *settings);
+
 KOLINK_END
 
 #endif

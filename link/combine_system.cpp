@@ -1,0 +1,82 @@
+// Building a link through the system's colour management.
+#include <optional>
+
+#include "frame/file.h"
+#include "frame/platform.h"
+#include "frame/text.h"
+#include "icc/icc.h"
+#include "link/link.h"
+#include "link/system_cms.h"
+
+namespace ko::link {
+namespace {
+
+// Null when the file is not a valid profile.
+system::ProfileHandle OpenSystemProfile(const char* path) {
+    const FileGuard guard;
+    system::ProfileHandle profile(system::openProfile(path));
+    if (profile && !system::isValid(*profile)) profile.reset();
+    return profile;
+}
+
+// The colours of a profile by its header; empty for other spaces, which a grid cannot hold. An
+// unreadable header counts as CMYK: opening the profile then fails on its own.
+std::optional<system::Colours> coloursOf(const char* path) {
+    const icc::ProfilePtr profile = icc::loadHeader(path);
+    if (!profile || profile->header.colourSpace == fourcc("CMYK")) return system::Colours::cmyk;
+    if (profile->header.colourSpace == fourcc("RGB ")) return system::Colours::rgb;
+    return std::nullopt;
+}
+
+bool terminated(std::span<const char> path) noexcept {
+    const size_t length = textIn(path).size();
+    return length > 0 && length < path.size();
+}
+
+// Levels 0, 4080, ... 65280 on every axis, in storage order, one colour a call.
+void fillGrid(LinkProfile& link, system::Transform& transform, system::Colours inputs,
+              system::Colours outputs) {
+    const platform::WaitCursor cursor(platform::WaitCursor::Source::system);
+    const uint64_t nodes = nodeCount(link);
+    uint16_t input[4] = {};
+    for (uint64_t node = 0; node < nodes; ++node) {
+        uint64_t rest = node;
+        for (int32_t axis = link.inputChannels - 1; axis >= 0; --axis) {
+            input[axis] = static_cast<uint16_t>(rest % kGridPoints * 4080);
+            rest /= kGridPoints;
+        }
+        uint16_t output[4] = {};
+        system::translate(transform, input, inputs, output, outputs);
+        if (outputs == system::Colours::rgb) output[3] = 0;
+        for (size_t k = 0; k < 4; ++k) link.grid[node * 4 + k] = output[k] >> 4;
+    }
+}
+
+Link combine(const CmsLinkSettings& settings, system::Colours inputs) {
+    if (!terminated(settings.sourcePath) || !terminated(settings.destinationPath)) return nullptr;
+    if (settings.intent < 0 || settings.intent > 3) return nullptr;
+    const std::optional<system::Colours> outputs = coloursOf(settings.destinationPath);
+    if (!outputs || coloursOf(settings.sourcePath) != inputs) return nullptr;
+    const system::ProfileHandle source = OpenSystemProfile(settings.sourcePath);
+    if (!source) return nullptr;
+    const system::ProfileHandle destination = OpenSystemProfile(settings.destinationPath);
+    if (!destination) return nullptr;
+    const system::TransformHandle transform(
+        system::createTransform(*source, *destination, static_cast<uint32_t>(settings.intent)));
+    if (!transform) return nullptr;
+    Link link = createProfile(inputs == system::Colours::rgb ? 3 : 4, kGridPoints);
+    if (link) fillGrid(*link, *transform, inputs, *outputs);
+    return link;
+}
+
+}  // namespace
+
+Link combineIcmRgbProfile(const CmsLinkSettings& settings) {
+    return combine(settings, system::Colours::rgb);
+}
+
+Link combineIcmCmykProfile(const CmsLinkSettings& settings) {
+    return combine(settings, system::Colours::cmyk);
+}
+
+}  // namespace ko::link
