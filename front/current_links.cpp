@@ -1,0 +1,43 @@
+// The process-wide pair of links.
+#include "front/current_links.h"
+
+#include <cstring>
+
+#include "frame/text.h"
+#include "front/front.h"
+
+namespace ko::front {
+namespace {
+
+link::Link rgbToCmykCurrent, cmykToRgbCurrent;
+
+bool fill(CmsLinkSettings& settings, const char* source, const char* destination, int32_t intent) noexcept {
+    initSettings(settings);
+    settings.intent = intent;
+    settings.whiteMode = 1;
+    return copyPath(settings.sourcePath, source) && copyPath(settings.destinationPath, destination);
+}
+
+}  // namespace
+
+const LinkProfile* rgbToCmykLink() noexcept { return rgbToCmykCurrent.get(); }
+const LinkProfile* cmykToRgbLink() noexcept { return cmykToRgbCurrent.get(); }
+
+void endProfile() noexcept {
+    rgbToCmykCurrent.reset();
+    cmykToRgbCurrent.reset();
+}
+
+bool setupProfile(const char* rgbPath, const char* cmykPath, int32_t intent) {
+    endProfile();
+    CmsLinkSettings settings;
+    if (fill(settings, cmykPath, rgbPath, intent))
+        cmykToRgbCurrent = link::combineIcmCmykProfile(settings);
+    if (fill(settings, rgbPath, cmykPath, intent))
+        rgbToCmykCurrent = link::combineIcmRgbProfile(settings);
+    if (cmykToRgbCurrent && rgbToCmykCurrent) return true;
+    endProfile();
+    return false;
+}
+
+}  // namespace ko::front

@@ -1,0 +1,48 @@
+#include "front/display.h"
+#include "front/front.h"
+#include "frame/boundary.h"
+
+static_assert(sizeof(CmsLinkSettings) == 1332);
+
+extern "C" int32_t jCmsInitCms(CmsLinkSettings* settings) {
+    if (!settings) return 0;
+    ko::front::initSettings(*settings);
+    return 1;
+}
+
+extern "C" int32_t jColorSetupProfile(const char* rgbProfilePath, const char* cmykProfilePath, int32_t intent) {
+    return ko::atBoundary<int32_t>(
+        0, [&] { return ko::front::setupProfile(rgbProfilePath, cmykProfilePath, intent) ? 1 : 0; });
+}
+
+extern "C" void jColorEndProfile(void) { ko::front::endProfile(); }
+
+extern "C" uint32_t jColorRGBtoCMYK(int32_t r, int32_t g, int32_t b) {
+    const ko::front::Cmyk inks = ko::front::rgbToCmyk(r, g, b);
+    return uint32_t{inks.c} << 24 | uint32_t{inks.m} << 16 | uint32_t{inks.y} << 8 | inks.k;
+}
+
+extern "C" uint32_t jColorCMYKtoRGB(int32_t c, int32_t m, int32_t y, int32_t k) {
+    const ko::front::Rgb light = ko::front::cmykToRgb(c, m, y, k);
+    return light.r | uint32_t{light.g} << 8 | uint32_t{light.b} << 16;
+}
+
+extern "C" int32_t jColorRGBtoGRAY(int32_t r, int32_t g, int32_t b) {
+    return ko::front::rgbToGray(r, g, b);
+}
+
+extern "C" int32_t jColorCMYKtoGRAY(int32_t c, int32_t m, int32_t y, int32_t k) {
+    const ko::front::Rgb light = ko::front::cmykToRgb(c, m, y, k);
+    return ko::front::rgbToGray(light.r, light.g, light.b);
+}
+
+extern "C" void jColorRGBtoCMYKRow(const uint8_t* rgb, int32_t pixels, uint8_t* cmyk) {
+    ko::front::rgbToCmykRow(rgb, pixels, cmyk);
+}
+
+extern "C" void jColorCMYKtoRGBRow(const uint8_t* cmyk, int32_t pixels, uint8_t* rgb) {
+    ko::front::cmykToRgbRow(cmyk, pixels, rgb);
+}
+
+extern "C" int32_t Value255to100(int32_t v) { return ko::front::value255to100(v); }
+extern "C" int32_t Value100to255(int32_t v) { return ko::front::value100to255(v); }
