@@ -10,6 +10,7 @@
 
 #include "frame/block.h"
 #include "kolink/cmyk_profile.h"
+#include "kolink/cmyk_table.h"
 #include "kolink/tone_curve.h"
 
 namespace ko::cmyk {
@@ -49,5 +50,41 @@ int32_t loadProfile(CmykProfile& profile, const char* path);
 int32_t loadLutable(CmykProfile& profile, const char* path) noexcept;
 int32_t loadLutableAmatch(CmykProfile& profile, const char* path) noexcept;
 int32_t saveProfile(CmykProfile& profile, const char* path);
+
+// Pixels of 4 bytes through the profile's grid alone, 4 words each; bit for bit like one by one.
+void cmykToCmyk16Row(const CmykProfile& profile, const uint8_t* input, int32_t pixels,
+                     uint16_t* output) noexcept;
+
+// The small tables.
+constexpr int32_t kTableGridPoints = 17;
+
+// The level of a table's grid index: 16 apart, the last cell is 15 wide.
+constexpr int32_t tableLevel(int32_t index) noexcept { return 16 * index - index / 16; }
+static_assert(tableLevel(15) == 240 && tableLevel(16) == 255);
+
+constexpr uint32_t packRgb(uint32_t r, uint32_t g, uint32_t b) noexcept {
+    return (r & 255) | (g & 255) << 8 | (b & 255) << 16;
+}
+
+void initCmykLut(CmykLut& table) noexcept;
+void initRgbLut(RgbLut& table) noexcept;
+[[nodiscard]] Block<CmykLut> createCmykLut() noexcept;
+[[nodiscard]] Block<RgbLut> createRgbLut() noexcept;
+
+// 1 or 0 like the exported functions of these names.
+int32_t loadCmykLut(CmykLut& table, const char* path);
+int32_t loadRgbLut(RgbLut& table, const char* path);
+int32_t saveCmykLut(const CmykLut& table, const char* path);
+int32_t saveRgbLut(const RgbLut& table, const char* path);
+
+// One colour in place: 0..255 in (clamped), 0..4080 out. These plain kernels define every result.
+void lutCmykToCmyk16(const CmykLut& table, int32_t* cmyk) noexcept;
+void rgbToRgb16(const RgbLut& table, int32_t* rgb) noexcept;
+
+// The same for rows of pixels.
+void lutCmykToCmyk16Row(const CmykLut& table, const uint8_t* input, int32_t pixels,
+                        uint16_t* output) noexcept;
+void rgbToRgb16Row(const RgbLut& table, const uint8_t* input, int32_t pixels,
+                   uint16_t* output) noexcept;
 
 }  // namespace ko::cmyk

@@ -14,7 +14,8 @@ struct IccPair {
     const IccLut* source = nullptr;  // both set up, or both null: no conversion
     const IccLut* destination = nullptr;
     Connection connection = Connection::same;
-    double white[3] = {96.42, 100.0, 82.49};  // of the source, Y 100; D50 unless it says
+    // Of the source, Y 100; D50, in the digits of a profile that says so, when it has none.
+    double white[3] = {63190 / 65536.0 * 100, 100, 54061 / 65536.0 * 100};
 };
 
 // From the source LUT's results to the destination LUT's inputs, within its scale. The fourth

@@ -34,12 +34,13 @@ void readProductFolder() {
     std::string value(withoutBlanks(buffer));
     const bool relative = value.starts_with('.') || value.starts_with('@');
     if (value.starts_with('@')) value.erase(0, 1);
+    if (value.empty()) return;
     if (relative) {
         platform::adoptSeparators(value);
         char whole[platform::kPathSize];
         if (platform::fullPath(joinPath(state.moduleFolder, value).c_str(), whole)) value = whole;
     }
-    if (!value.empty()) (void)copyPath(state.productFolder, value.c_str());
+    (void)copyPath(state.productFolder, value.c_str());
 }
 
 void loadLanguageTable(const std::string& language) {

@@ -3,6 +3,7 @@
 #define KOLINK_H
 
 #include "kolink/cmyk_profile.h"
+#include "kolink/cmyk_table.h"
 #include "kolink/colour.h"
 #include "kolink/device_profile.h"
 #include "kolink/icc_colour.h"

@@ -53,6 +53,13 @@ KOLINK_API int32_t jKoCmykLoadLutableAmatch(CmykProfile *profile, const char *pa
  *   cmyk  int32[4]: 0..255 in (clamped), 0..4080 out (16 x the 8-bit level) */
 KOLINK_API void jKoCmykCMYKtoCMYK16(const CmykProfile *profile, int32_t *cmyk);
 
+/* The same for a row of pixels, bit for bit.
+ *   input   4 bytes a pixel: C, M, Y, K
+ *   output  4 words a pixel, 0..4080; does not overlap input
+ * pixels below 1 does nothing. Several threads may use one profile. */
+KOLINK_API void jKoCmykCMYKtoCMYK16Row(const CmykProfile *profile, const uint8_t *input,
+                                       int32_t pixels, uint16_t *output);
+
 /* Makes a profile whose grid holds the whole chain of the settings: paper tint, white, black
  * correction, base profile, conversion, preservation of pure inks. With a source path that ends
  * in .icc this is jKoCmykCombineIccProfile; otherwise a non-empty source is read by the plug-in

@@ -115,6 +115,10 @@ FIELD(CmsLinkSettings, paperY, 1320, 1320);
 FIELD(CmsLinkSettings, paperK, 1324, 1324);
 FIELD(CmsLinkSettings, limit, 1328, 1328);
 
+SIZE(CmykLut, 334084, 334084);
+FIELD(CmykLut, nodes, 0, 0);
+SIZE(RgbLut, 19652, 19652);
+FIELD(RgbLut, nodes, 0, 0);
 SIZE(LinkProfile, 1876, 1880);
 FIELD(LinkProfile, name, 0, 0);
 FIELD(LinkProfile, path, 64, 64);

@@ -36,8 +36,9 @@ struct LutElement {
     uint8_t inputs = 3, outputs = 3, gridPoints = 2;
     bool wide = false;                               // "mft2"
     uint16_t inputEntries = 256, outputEntries = 256;  // "mft1" does not store them
-    std::optional<uint32_t> seed;  // entries from a seeded sequence instead of ramps and a grid
-                                   // that carries each channel's level through
+    // Entries from a seeded sequence instead of ramps and a grid that carries each channel's level
+    // through.
+    std::optional<uint32_t> seed = {};
 
     Bytes bytes() const;
 };

@@ -1,0 +1,33 @@
+// What ends a command: one line on standard error, and the exit status.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "cli/text.h"
+
+namespace ko::cli {
+
+enum ExitStatus { kDone = 0, kFailed = 1, kWrongUsage = 2, kInterrupted = 130 };
+
+// Something is wrong with a file or the machine: exit status 1.
+struct Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Something is wrong with the arguments: exit status 2.
+struct UsageFailure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// The user pressed Ctrl-C: exit status 130.
+struct Interrupted : std::runtime_error {
+    Interrupted() : std::runtime_error("interrupted, nothing was written") {}
+};
+
+[[noreturn]] inline void failOn(std::string_view path, const std::string& what) {
+    throw Failure(printable(path) + ": " + what);
+}
+
+}  // namespace ko::cli

@@ -1,0 +1,14 @@
+// One picture for each kind of file; plot_command.cpp chooses.
+#pragma once
+
+#include <string>
+
+#include "cli/files.h"
+
+namespace ko::cli {
+
+std::string plotIcc(const InputFile& file);    // links, device profiles, tone curve profiles
+std::string plotTable(const InputFile& file);  // .lut, .amt
+std::string plotTone(const InputFile& file);   // .bkc, .tnc, .dcc
+
+}  // namespace ko::cli

@@ -1,0 +1,57 @@
+// kolink plot: curves and ramps of a file as a picture.
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <memory>
+
+#include "cli/command.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/plot.h"
+
+namespace ko::cli {
+namespace {
+
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  kolink plot proof.icc -o proof.svg\n"
+    "  kolink plot press.bkc -o - > press.svg\n"
+    "\n"
+    "The picture opens in any browser. For a link it shows the eight curves and what becomes\n"
+    "of ramps of C, M, Y, K, C+M, C+Y, M+Y and grey: whether black stays black is seen at once.\n";
+
+std::string picture(const std::string& path) {
+    const InputFile file = openInput(path);
+    switch (file.kind) {
+        case FileKind::icc: return plotIcc(file);
+        case FileKind::cmykTable:
+        case FileKind::amatchTable: return plotTable(file);
+        case FileKind::blackCurve:
+        case FileKind::cmykToneCurve:
+        case FileKind::dcc: return plotTone(file);
+        case FileKind::foreign: break;
+    }
+    failOn(path, "is no ICC file, and its extension is none of .lut, .amt, .bkc, .tnc, .dcc");
+}
+
+}  // namespace
+
+void addPlotCommand(CLI::App& app) {
+    struct Options {
+        std::string file, output;
+    };
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("plot", "Draw a file's curves and ramps as an SVG picture");
+    command->footer(kExamples);
+    command->add_option("file", options->file, "An ICC profile, .lut, .amt, .bkc, .tnc or .dcc file")
+        ->type_name("FILE")->required();
+    command->add_option("-o,--output", options->output, "The picture to write, - for standard output")
+        ->type_name("FILE")->required();
+    command->callback([options] {
+        const std::string inputs[] = {options->file};
+        writeText(options->output, picture(options->file), inputs);
+    });
+}
+
+}  // namespace ko::cli

@@ -1,0 +1,81 @@
+#include "cli/swatch.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "kolink.h"
+
+namespace ko::cli {
+namespace {
+
+// Overprint colours in sRGB; bit 0 is C, 1 M, 2 Y, 3 K.
+constexpr uint8_t kOverprints[16][3] = {
+    {255, 255, 255}, {0, 158, 224}, {226, 0, 122}, {49, 39, 130},
+    {255, 236, 0},   {0, 151, 64},  {227, 6, 19},  {60, 50, 48},
+    {34, 32, 30},    {18, 26, 32},  {32, 16, 22},  {14, 13, 22},
+    {34, 32, 14},    {14, 24, 16},  {32, 14, 12},  {8, 7, 7},
+};
+
+double fifthRoot(double value) {  // by Newton's steps, for 0..1
+    if (value <= 0) return 0;
+    double root = 1;
+    for (int step = 0; step < 60; ++step) {
+        const double fourth = root * root * root * root;
+        root = (4 * root + value / fourth) / 5;
+    }
+    return root;
+}
+
+// Linear light of each 8-bit sRGB level.
+std::array<double, 256> lightTable() {
+    std::array<double, 256> light{};
+    for (size_t level = 0; level < 256; ++level) {
+        const double value = static_cast<double>(level) / 255;
+        const double base = (value + 0.055) / 1.055;
+        light[level] = value <= 0.04045 ? value / 12.92 : base * base * fifthRoot(base * base);  // ^2.4
+    }
+    return light;
+}
+
+double displayLevel(double light) {  // the nearest 8-bit level, 0..1
+    static const std::array<double, 256> kLight = lightTable();
+    const auto above = std::lower_bound(kLight.begin(), kLight.end(), light);
+    if (above == kLight.end()) return 1;
+    auto level = above - kLight.begin();
+    if (level > 0 && light - kLight[static_cast<size_t>(level - 1)] < *above - light) --level;
+    return static_cast<double>(level) / 255;
+}
+
+}  // namespace
+
+Rgb inkColour(const Cmyk& inks) {
+    Rgb colour{};
+    for (unsigned overprint = 0; overprint < 16; ++overprint) {
+        double area = 1;
+        for (unsigned ink = 0; ink < 4; ++ink) area *= overprint >> ink & 1 ? inks[ink] : 1 - inks[ink];
+        for (size_t i = 0; i < 3; ++i) colour[i] += area * kOverprints[overprint][i] / 255;
+    }
+    return colour;
+}
+
+Rgb labColour(double lightness, double a, double b) {
+    static constexpr double kWhite[3] = {0.9642, 1, 0.8249};
+    double colour[3] = {lightness, a, b};
+    jIccLabtoXYZ(colour, kWhite);
+    const auto [x, y, z] = colour;  // relative to D50; the matrix is sRGB's, adapted to D50
+    return {displayLevel(3.1338561 * x - 1.6168667 * y - 0.4906146 * z),
+            displayLevel(-0.9787684 * x + 1.9161415 * y + 0.0334540 * z),
+            displayLevel(0.0719453 * x - 0.2289914 * y + 1.4052427 * z)};
+}
+
+std::string hexColour(const Rgb& colour) {
+    std::string text = "#";
+    for (const double part : colour) {
+        const auto level = static_cast<unsigned>(std::clamp(part, 0.0, 1.0) * 255 + 0.5);
+        text += "0123456789abcdef"[level >> 4];
+        text += "0123456789abcdef"[level & 15];
+    }
+    return text;
+}
+
+}  // namespace ko::cli

@@ -1,0 +1,117 @@
+#include "frame/language.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "frame/platform.h"
+
+namespace ko {
+namespace {
+
+std::string_view resource(const char* name) {
+    const auto bytes = platform::textResource(name);
+    return {bytes.data(), bytes.size()};
+}
+
+// Shift-JIS and GB2312 by their bytes: no compiler's character set is between test and table.
+constexpr char kSaturation[] = "\x8d\xca\x93\x78";
+constexpr char kNotSet[] = "\x96\xa2\x90\xdd\x92\xe8";
+constexpr char kPerceptual[] = "\x8e\x8b\x8a\x6f\x93\x49";
+constexpr char kRelative[] = "\x91\x8a\x91\xce\x93\x49\x90\x46\x8d\xca";
+constexpr char kAbsolute[] = "\x90\xe2\x91\xce\x93\x49\x90\x46\x8d\xca";
+constexpr char kChannel[] = "\x83\x60\x83\x83\x83\x93\x83\x6c\x83\x8b %d";
+constexpr char kAllChannels[] = "\x91\x53\x83\x60\x83\x83\x83\x93\x83\x6c\x83\x8b";
+constexpr char kChannels[] = "%d \x83\x60\x83\x83\x83\x93\x83\x6c\x83\x8b";
+constexpr char kEdit[] = "%s\x95\xd2\x8f\x57 - [%s]";
+constexpr char kInitialise[] =
+    "\x8f\x89\x8a\xfa\x89\xbb\x82\xb5\x82\xdc\x82\xb7\x81\x42\x82\xa2\x82\xa2\x82\xc5\x82\xb7"
+    "\x82\xa9\x81\x48";
+
+struct Entry {
+    const char *japanese, *english, *chinese;
+};
+constexpr Entry kEntries[] = {
+    {"KOSELECTDLG", "KOSELECTDLG_ENG", "KOSELECTDLG_CHN"},
+    {kNotSet, "None", "\xce\xde"},
+    {kPerceptual, "Perceptual", "Perceptual"},
+    {kRelative, "Relative", "Relative"},
+    {kSaturation, "Saturation", "Saturation"},
+    {kAbsolute, "Absolute", "Absolute"},
+    {kChannel, "Channel %d", "\xcd\xa8\xb5\xc0 %d"},
+    {"CALIBDLG", "CALIBDLG_ENG", "CALIBDLG_CHN"},
+    {kAllChannels, "All Channel", "\xc8\xab\xcd\xa8\xb5\xc0"},
+    {kChannels, "%d Channel", "%d \xcd\xa8\xb5\xc0"},
+    {kEdit, "Edit %s - [%s]", "\xb1\xe0\xbc\xad %s - [%s]"},
+    {kInitialise, "Initialize. Sure?",
+     "\xd2\xaa\xbd\xf8\xd0\xd0\xb3\xf5\xc6\xda\xbb\xaf\xc2\xf0\xa3\xbf"},
+};
+
+TEST(Language, TablesAreCarriedByTheModule) {
+    EXPECT_TRUE(resource("TEXT_JAPANESE").starts_with("<japanese>"));
+    EXPECT_TRUE(resource("TEXT_ENGLISH").starts_with("<english>"));
+    EXPECT_TRUE(resource("TEXT_CHINESE").starts_with("<chinese>"));
+    EXPECT_TRUE(resource("TEXT_KLINGON").empty());
+}
+
+TEST(Language, EveryTextIsTranslatedIntoEnglish) {
+    const auto table = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
+    for (const auto& entry : kEntries)
+        EXPECT_STREQ(jRegsLangConv(table.get(), entry.japanese), entry.english);
+}
+
+TEST(Language, EveryTextIsTranslatedIntoChinese) {
+    const auto table = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_CHINESE"));
+    for (const auto& entry : kEntries)
+        EXPECT_STREQ(jRegsLangConv(table.get(), entry.japanese), entry.chinese);
+}
+
+TEST(Language, NamesTheDestination) {
+    const auto english = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
+    EXPECT_STREQ(jRegsLangGetDstLanguage(english.get()), "english");
+    const auto chinese = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_CHINESE"));
+    EXPECT_STREQ(jRegsLangGetDstLanguage(chinese.get()), "chinese");
+    EXPECT_STREQ(jRegsLangGetDstLanguage(nullptr), "");
+}
+
+TEST(Language, UnknownTextIsShownAsItIs) {
+    const auto table = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
+    const char text[] = "CALIBDLG ";
+    EXPECT_EQ(jRegsLangConv(table.get(), text), text);
+    EXPECT_EQ(jRegsLangConv(table.get(), nullptr), nullptr);
+}
+
+TEST(Language, NothingIsTranslatedWithoutATable) {
+    EXPECT_EQ(jRegsLangConv(nullptr, kSaturation), kSaturation);
+    jRegsLangRelease(nullptr);
+}
+
+TEST(Language, MissingTextsTranslateNothing) {
+    for (const auto& [from, to] : {std::pair<const char*, const char*>{"", "<english>\na = b\n"},
+                                  {"<japanese>\na = b\n", ""}, {"", ""}}) {
+        const auto table = jRegsLangLoad(from, to);
+        ASSERT_NE(table, nullptr);
+        EXPECT_STREQ(jRegsLangConv(table.get(), "b"), "b");
+    }
+}
+
+TEST(Language, KeyWithoutATranslationLeavesTheText) {
+    const auto table = jRegsLangLoad("<japanese>\nx(0001) = one\nx(0002) = two\n</japanese>",
+                                     "<english>\nx(0002) = 2\n</english>");
+    EXPECT_STREQ(jRegsLangConv(table.get(), "one"), "one");
+    EXPECT_STREQ(jRegsLangConv(table.get(), "two"), "2");
+}
+
+TEST(Language, FirstKeyServesForATextThatStandsTwice) {
+    const auto table = jRegsLangLoad("<japanese>\nx(0001) = one\nx(0002) = one\n</japanese>",
+                                     "<english>\nx(0001) = first\nx(0002) = second\n</english>");
+    EXPECT_STREQ(jRegsLangConv(table.get(), "one"), "first");
+}
+
+TEST(Language, OfTheUserIsAskedForByNumberOne) {
+    EXPECT_EQ(jOemText(1), platform::userLanguage());
+    EXPECT_EQ(jOemText(0), "");
+}
+
+}  // namespace
+}  // namespace ko

@@ -1,0 +1,108 @@
+// The shared library as a host finds it: where it is loaded from decides its product folder.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+
+#include "frame/text.h"
+#include "kolink/link_settings.h"
+#include "tests/frame/code_page.h"
+#include "tests/support/files.h"
+
+namespace ko {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TempFolder;
+
+// A product laid out in a folder: app/bin with the library, app/data with the plug-in.
+class Product {
+public:
+    explicit Product(const fs::path& folder) : bin_(folder / "app" / "bin") {
+        fs::create_directories(bin_ / "ini");
+        fs::create_directories(folder / "app" / "data");
+        fs::copy_file(KO_TEST_LIBRARY, bin_ / fs::path(KO_TEST_LIBRARY).filename());
+        putPlugin(folder / "app" / "data");
+    }
+
+    void putPlugin(const fs::path& folder) const {
+        fs::copy_file(KO_TEST_PLUGIN, folder / (std::string("LutRead") + platform::kPluginSuffix));
+    }
+    void setFolder(const std::string& value) const {
+        std::ofstream(bin_ / "ini" / "KoLink.ini", std::ios::binary)
+            << "<INI>\n    KO_FOLDER = " << value << "\n</INI>\n";
+    }
+    const fs::path& bin() const { return bin_; }
+
+    // Whether the library, loaded from its path as bytes, finds the plug-in.
+    bool findsPlugin(std::string folder) const {
+        const std::string library =
+            joinPath(folder, fs::path(KO_TEST_LIBRARY).filename().string());
+        void* const module = platform::loadModule(library.c_str());
+        EXPECT_NE(module, nullptr) << library;
+        if (!module) return false;
+        using Init = int32_t (*)(CmsLinkSettings*);
+        using Combine = void* (*)(const CmsLinkSettings*);
+        const auto init = reinterpret_cast<Init>(platform::findSymbol(module, "jCmsInitCms"));
+        const auto combine =
+            reinterpret_cast<Combine>(platform::findSymbol(module, "jKoCmykCombineProfile"));
+        const TempFolder marks;
+        CmsLinkSettings settings;
+        init(&settings);
+        EXPECT_TRUE(copyPath(settings.sourcePath, marks.path("mark.nqp").c_str()));
+        EXPECT_EQ(combine(&settings), nullptr);
+        platform::freeModule(module);
+        return test::exists(marks.path("mark.nqp"));
+    }
+    bool findsPlugin() const { return findsPlugin(bin_.string()); }
+
+private:
+    fs::path bin_;
+};
+
+TEST(Library, LooksForItsPluginInTheFolderOfItsSettings) {
+    const TempFolder folder;
+    const Product product(folder.folder());
+    product.setFolder("..\\data");
+    EXPECT_TRUE(product.findsPlugin());
+}
+
+TEST(Library, TakesAFolderBehindAnAtSign) {
+    const TempFolder folder;
+    const Product product(folder.folder());
+    product.setFolder("@..\\data");
+    EXPECT_TRUE(product.findsPlugin());
+}
+
+TEST(Library, TakesAnAbsoluteFolder) {
+    const TempFolder folder;
+    const Product product(folder.folder());
+    product.setFolder((folder.folder() / "app" / "data").string());
+    EXPECT_TRUE(product.findsPlugin());
+}
+
+TEST(Library, LooksBesideItselfWithoutSettings) {
+    const TempFolder folder;
+    const Product product(folder.folder());
+    EXPECT_FALSE(product.findsPlugin());
+    product.putPlugin(product.bin());
+    EXPECT_TRUE(product.findsPlugin());
+}
+
+TEST(Library, LivesInAFolderWhoseNameHasABackslashByte) {
+    if (test::onWindows() && !test::onCodePage932())
+        GTEST_SKIP() << "this code page has no such names";
+    for (const auto& awkward : test::kAwkward) {
+        const TempFolder folder;
+        const std::u8string name(awkward.name);
+        const Product product(folder.folder() / fs::path(name));
+        product.setFolder("..\\data");
+        const std::string bytes = test::onWindows() ? std::string(awkward.shiftJis)
+                                                    : std::string(name.begin(), name.end());
+        EXPECT_TRUE(product.findsPlugin(
+            joinPath(joinPath(joinPath(folder.folder().string(), bytes), "app"), "bin")));
+    }
+}
+
+}  // namespace
+}  // namespace ko

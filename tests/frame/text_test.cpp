@@ -1,0 +1,203 @@
+#include "frame/text.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "tests/frame/code_page.h"
+#include "tests/support/files.h"
+
+namespace ko {
+namespace {
+
+using test::native;
+using test::onCodePage932;
+using test::onWindows;
+
+// "ab" and the two bytes of a Shift-JIS character.
+constexpr char kMixed[] = "ab\x95\x5c";
+
+TEST(Text, IsCutAtAWholeCharacter) {
+    EXPECT_EQ(wholeCharacters(kMixed, 4), 4u);
+    EXPECT_EQ(wholeCharacters(kMixed, 3), 2u);
+    EXPECT_EQ(wholeCharacters(kMixed, 2), 2u);
+}
+
+TEST(Text, HalfWidthKatakanaIsOneByte) {
+    EXPECT_EQ(wholeCharacters("\xb1\xb2\xb3", 2), 2u);
+}
+
+TEST(Text, FieldEndsAtAWholeCharacterAndIsZeroedBehindIt) {
+    char field[4];
+    std::memset(field, 'x', sizeof field);
+    copyText(field, "ab\x95\x5c");
+    EXPECT_EQ(std::string(field, 4), std::string("ab\0\0", 4));
+}
+
+TEST(Text, FieldTakesTextUpToItsFirstNul) {
+    char field[8];
+    copyText(field, std::string_view("ab\0cd", 5));
+    EXPECT_EQ(std::string(field, 8), std::string("ab\0\0\0\0\0\0", 8));
+}
+
+TEST(Text, FieldMayBeGivenItsOwnText) {
+    char field[8] = "abcdef";
+    copyText(field, std::string_view(field + 2, 4));
+    EXPECT_STREQ(field, "cdef");
+}
+
+TEST(Text, FieldWithoutTerminatorIsReadToItsEnd) {
+    const char field[3] = {'a', 'b', 'c'};
+    EXPECT_EQ(textIn(field), "abc");
+}
+
+TEST(Text, ComparesOnlyTheCharactersAskedFor) {
+    EXPECT_EQ(jStrCmpNI("CHANNEL 4", "channel 1", 8), 0);
+    EXPECT_NE(jStrCmpNI("CHANNEL 4", "channel 1", 9), 0);
+}
+
+TEST(Text, ComparesUpToTheEndOfTheShorter) {
+    EXPECT_LT(jStrCmpNI("abc", "abcd", 8), 0);
+    EXPECT_GT(jStrCmpNI("abcd", "abc", 8), 0);
+    EXPECT_EQ(jStrCmpNI("abc", "ABC", 100), 0);
+}
+
+TEST(Text, CorrectionTrimsBlanks) {
+    char text[260] = "  C:\\some folder\\a.icc \t";
+    jStrCorrect(text);
+    EXPECT_STREQ(text, "C:\\some folder\\a.icc");
+}
+
+TEST(Text, CorrectionDropsHalfACharacterAtTheEnd) {
+    char text[5] = {'a', 'b', 'c', '\x95', '\0'};
+    jStrCorrect(text);
+    EXPECT_STREQ(text, "abc");
+}
+
+TEST(Text, CorrectionTerminatesAFullField) {
+    char text[4] = {'a', 'b', 'c', 'd'};
+    jStrCorrect(text);
+    EXPECT_STREQ(text, "abc");
+}
+
+TEST(Text, CorrectionLeavesLineEndsInside) {
+    char text[32] = "one\r\ntwo\r\n";
+    jStrCorrect(text);
+    EXPECT_STREQ(text, "one\r\ntwo");
+}
+
+TEST(Text, CorrectionOfBlanksAloneIsEmpty) {
+    char text[8] = "   ";
+    jStrCorrect(text);
+    EXPECT_STREQ(text, "");
+}
+
+TEST(Path, IsSplitAtItsLastSeparator) {
+    const std::string path = native("/app/bin/a.icc");
+    EXPECT_EQ(folderOf(path), native("/app/bin"));
+    EXPECT_EQ(fileNameOf(path), "a.icc");
+    EXPECT_EQ(extensionOf(path), ".icc");
+}
+
+TEST(Path, FolderHasNoTrailingSeparator) {
+    EXPECT_EQ(folderOf(native("/app//a.icc")), native("/app"));
+    EXPECT_EQ(folderOf(native("app/bin/")), native("app/bin"));
+    EXPECT_EQ(fileNameOf(native("app/bin/")), "");
+}
+
+TEST(Path, RootKeepsItsSeparator) {
+    EXPECT_EQ(folderOf(native("/a.icc")), native("/"));
+    EXPECT_EQ(joinPath(native("/"), "a.icc"), native("/a.icc"));
+}
+
+TEST(Path, DriveKeepsItsColonAndItsRoot) {
+    if (!onWindows()) GTEST_SKIP() << "no drives here";
+    EXPECT_EQ(folderOf("C:\\a.icc"), "C:\\");
+    EXPECT_EQ(folderOf("C:a.icc"), "C:");
+    EXPECT_EQ(fileNameOf("C:a.icc"), "a.icc");
+    EXPECT_EQ(joinPath("C:", "a.icc"), "C:a.icc");
+}
+
+TEST(Path, BothSeparatorsCountOnWindows) {
+    if (!onWindows()) GTEST_SKIP() << "a backslash is a character of a name here";
+    EXPECT_EQ(folderOf("C:/app\\bin/a.icc"), "C:/app\\bin");
+    EXPECT_EQ(fileNameOf("C:/app\\bin/a.icc"), "a.icc");
+}
+
+TEST(Path, BareNameHasNoFolder) {
+    EXPECT_EQ(folderOf("a.icc"), "");
+    EXPECT_EQ(fileNameOf("a.icc"), "a.icc");
+    EXPECT_EQ(joinPath("", "a.icc"), "a.icc");
+}
+
+TEST(Path, DotOfAFolderIsNoExtension) {
+    EXPECT_EQ(extensionOf(native("app.d/bin")), "");
+    EXPECT_EQ(extensionOf(native("app.d/a.b.icc")), ".icc");
+}
+
+TEST(Path, ExtensionIsComparedWithoutCase) {
+    EXPECT_TRUE(hasExtension("a.IcC", ".icc"));
+    EXPECT_FALSE(hasExtension("a.icc2", ".icc"));
+    EXPECT_FALSE(hasExtension("icc", ".icc"));
+    EXPECT_FALSE(hasExtension(nullptr, ".icc"));
+}
+
+TEST(Path, SplitOutputsAreOptionalAndNeverCut) {
+    char folder[10], name[4] = "zzz";
+    jFilesSplitPath(native("/app/bin/abcd.icc"), folder, {});
+    EXPECT_EQ(std::string(folder), native("/app/bin"));
+    jFilesSplitPath(native("/app/bin/abcd.icc"), {}, name);
+    EXPECT_STREQ(name, "");
+}
+
+TEST(Path, MayBeSplitIntoItself) {
+    char path[16];
+    ASSERT_TRUE(copyPath(path, native("/app/a.icc").c_str()));
+    jFilesSplitPath(path, path, {});
+    EXPECT_EQ(std::string(path), native("/app"));
+}
+
+TEST(Path, ThatIsTooLongForAFieldIsRefused) {
+    char field[4] = "old";
+    EXPECT_FALSE(copyPath(field, "abcd"));
+    EXPECT_STREQ(field, "old");
+    EXPECT_FALSE(copyPath(field, nullptr));
+    EXPECT_TRUE(copyPath(field, "abc"));
+    EXPECT_STREQ(field, "abc");
+}
+
+// The code page decides whether the second byte of such a character is a separator.
+TEST(CodePage, SecondByteIsNoSeparatorOn932) {
+    for (const auto& awkward : test::kAwkward) {
+        const std::string character = awkward.shiftJis;
+        const std::string path = native("/app/") + character + ".icc";
+        if (onWindows() && !onCodePage932()) {
+            EXPECT_EQ(folderOf(path), "\\app\\" + character.substr(0, 1));
+            EXPECT_EQ(fileNameOf(path), ".icc");
+        } else {
+            EXPECT_EQ(folderOf(path), native("/app"));
+            EXPECT_EQ(fileNameOf(path), character + ".icc");
+            EXPECT_EQ(folderOf(native("/app/") + character + native("/a.icc")),
+                      native("/app/") + character);
+        }
+    }
+}
+
+TEST(CodePage, NothingIsAddedToAFolderThatEndsInABackslashByte) {
+    for (const auto& awkward : test::kAwkward) {
+        if (onWindows() && !onCodePage932()) continue;
+        const std::string folder = native("/app/") + awkward.shiftJis;
+        EXPECT_EQ(joinPath(folder, "a.icc"), folder + native("/") + "a.icc");
+    }
+}
+
+// The suite runs on a Japanese code page too, and says so; that run cannot pass without one.
+TEST(CodePage, IsJapaneseWhereTheUserIs) {
+    const char* locale = std::getenv("LC_ALL");
+    if (!onWindows() || !locale) GTEST_SKIP() << "nothing is said";
+    EXPECT_EQ(onCodePage932(), std::string_view(locale).starts_with("ja_JP"));
+}
+
+}  // namespace
+}  // namespace ko
