@@ -79,8 +79,9 @@ private:
 // the claim is a lie and is refused before memory is taken.
 constexpr uint64_t kClaimTolerance = uint64_t{64} << 20;
 
-constexpr bool isBelievableClaim(uint64_t offset, uint64_t size, uint64_t fileSize) noexcept {
-    return offset + size <= fileSize + kClaimTolerance && size <= uint64_t{1} << 32;
+constexpr bool isBelievableClaim(uint64_t offset, uint64_t size, uint64_t fileSize,
+                                 uint64_t tolerance = kClaimTolerance) noexcept {
+    return offset + size <= fileSize + tolerance && size <= uint64_t{1} << 32;
 }
 
 }  // namespace ko

@@ -15,6 +15,9 @@ public:
     virtual ~ByteSource() = default;
 
     uint64_t size() const noexcept { return size_; }
+    bool mayHold(uint64_t position, uint64_t size) const noexcept {
+        return isBelievableClaim(position, size, size_, claimTolerance_);
+    }
 
     // Fills the buffer with the bytes from position on; zeros where there are none.
     void read(uint64_t position, std::span<uint8_t> buffer) noexcept {
@@ -24,11 +27,13 @@ public:
     }
 
 protected:
-    explicit ByteSource(uint64_t size) noexcept : size_(size) {}
+    explicit ByteSource(uint64_t size, uint64_t claimTolerance = kClaimTolerance) noexcept
+        : size_(size), claimTolerance_(claimTolerance) {}
     virtual size_t readSome(uint64_t position, std::span<uint8_t> buffer) noexcept = 0;
 
 private:
     uint64_t size_;
+    uint64_t claimTolerance_;
 };
 
 class FileSource final : public ByteSource {
@@ -44,8 +49,8 @@ private:
 
 class MemorySource final : public ByteSource {
 public:
-    explicit MemorySource(std::span<const uint8_t> bytes) noexcept
-        : ByteSource(bytes.size()), bytes_(bytes) {}
+    MemorySource(std::span<const uint8_t> bytes, uint64_t claimTolerance) noexcept
+        : ByteSource(bytes.size(), claimTolerance), bytes_(bytes) {}
 
 private:
     size_t readSome(uint64_t position, std::span<uint8_t> buffer) noexcept override {

@@ -32,7 +32,7 @@ bool readDirectory(ByteSource& source, IccProfile& profile) noexcept {
     const int32_t count = ByteReader({bytes, 4}, order).s32();
     if (count == 0) return true;
     uint64_t position = sizeof(IccHeader) + 4;
-    if (count < 0 || !isBelievableClaim(position, count * kEntrySize, source.size())) return false;
+    if (count < 0 || !source.mayHold(position, count * kEntrySize)) return false;
 
     Block<IccTagEntry> tags = allocateBlock<IccTagEntry>(count * uint64_t{sizeof(IccTagEntry)});
     if (!tags) return false;
@@ -123,16 +123,16 @@ void loadAllTags(IccProfile& profile) {
     }
 }
 
-ProfilePtr parseHeader(std::span<const uint8_t> bytes) noexcept {
-    MemorySource source(bytes);
+ProfilePtr parseHeader(std::span<const uint8_t> bytes, uint64_t claimTolerance) noexcept {
+    MemorySource source(bytes, claimTolerance);
     return readProfile(source);
 }
 
 Block<void> decodeTag(const IccProfile& profile, std::span<const uint8_t> bytes,
-                      uint32_t signature) noexcept {
+                      uint32_t signature, uint64_t claimTolerance) noexcept {
     const IccTagEntry* const tag = findTag(profile, signature);
     if (!tag) return nullptr;
-    MemorySource source(bytes);
+    MemorySource source(bytes, claimTolerance);
     return readTag(source, profile, *tag);
 }
 

@@ -30,7 +30,7 @@ public:
         source_.read(offset_ + at, buffer);
     }
     bool mayHold(uint64_t at, uint64_t size) const noexcept {
-        return isBelievableClaim(offset_ + at, size, source_.size());
+        return source_.mayHold(offset_ + at, size);
     }
 
 private:

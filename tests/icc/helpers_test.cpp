@@ -281,25 +281,24 @@ uint32_t sumOf(const void* bytes, uint64_t size) {  // reads every byte
     return sum;
 }
 
-uint32_t readAll(const Bytes& bytes) {
-    const ProfilePtr profile = parseHeader(bytes);
+uint32_t readAll(const Bytes& bytes, uint64_t claimTolerance) {
+    const ProfilePtr profile = parseHeader(bytes, claimTolerance);
     if (!profile) return 0;
     uint32_t sum = sumOf(&profile->header, sizeof(IccHeader));
     for (const IccTagEntry& tag : tagsOf(*profile)) sum += tag.offset + tag.size;
     for (const TagCodec& codec : tagCodecs()) {
-        const auto data = decodeTag(*profile, bytes, codec.signature);
+        const auto data = decodeTag(*profile, bytes, codec.signature, claimTolerance);
         if (!data) continue;
         if (codec.encode && codec.writers == kFullWriters && codec.signature != fourcc("wtpt") &&
             codec.signature != fourcc("bkpt")) {
             const auto& lut = *static_cast<const IccLut*>(data.get());
-            const uint64_t size = sizesOf(shapeOf(lut)).tables();
-            // Large claims are almost wholly zeros that this library wrote itself.
-            sum += sumOf(lut.inputTables, std::min<uint64_t>(size, 100000));
-            sum += size == 0 ? 0 : static_cast<const uint8_t*>(lut.inputTables)[size - 1];
+            sum += sumOf(lut.inputTables, sizesOf(shapeOf(lut)).tables());
         }
     }
     return sum;
 }
+
+constexpr uint64_t kSmallTolerance = 1 << 16;
 
 Bytes oneOfEverything() {
     return test::profileBytes(
@@ -314,16 +313,20 @@ Bytes oneOfEverything() {
 
 TEST(IccDamage, EveryTruncationStaysInsideItsMemory) {
     const Bytes good = oneOfEverything();
-    EXPECT_NE(readAll(good), 0u);
-    test::forEachTruncation(good, good.size(), [](const Bytes& bytes) { readAll(bytes); });
+    EXPECT_NE(readAll(good, kClaimTolerance), 0u);
+    test::forEachTruncation(good, good.size(),
+                            [](const Bytes& bytes) { readAll(bytes, kClaimTolerance); });
 }
 
 TEST(IccDamage, ThousandsOfVariantsStayInsideTheirMemory) {
     const Bytes good = oneOfEverything();
+    const uint32_t sum = readAll(good, kSmallTolerance);
     uint32_t different = 0;
-    for (uint32_t seed = 0; seed < 10000; ++seed)
-        different += readAll(test::mutated(good, seed)) != readAll(good);
-    EXPECT_GT(different, 5000u);
+    for (uint32_t seed = 0; seed < 20000; ++seed)
+        different += readAll(test::mutated(good, seed), kSmallTolerance) != sum;
+    EXPECT_GT(different, 10000u);
+    for (uint32_t seed = 0; seed < 200; ++seed)
+        readAll(test::mutated(good, seed), kClaimTolerance);
 }
 
 // The bytes that matter most are few: counts, offsets, types, channel numbers.
@@ -339,7 +342,7 @@ TEST(IccDamage, ExtremeValuesInEveryFieldStayInsideTheirMemory) {
             Bytes bytes = good;
             bytes.resize(bytes.size() + 4);
             test::put32(bytes, field, value);
-            readAll(bytes);
+            readAll(bytes, kSmallTolerance);
         }
 }
 
