@@ -1,0 +1,10 @@
+// Raw 33-point tables, .lut.
+#include "cmyk/cmyk.h"
+#include "fuzz/temp_file.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static TempFile file;
+    static const auto profile = ko::cmyk::createProfile();
+    if (profile) (void)ko::cmyk::loadLutable(*profile, file.with(data, size));
+    return 0;
+}
