@@ -77,7 +77,7 @@ public:
     WaitCursor& operator=(const WaitCursor&) = delete;
 
 private:
-    void* previous_;
+    [[maybe_unused]] void* previous_;
 };
 
 }  // namespace ko::platform

@@ -14,6 +14,8 @@ constexpr uint8_t lower(char character) noexcept {
 
 constexpr bool isBlank(char character) noexcept { return character == ' ' || character == '\t'; }
 
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+
 std::string_view trimmed(std::string_view text) noexcept {
     while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
     while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
@@ -41,6 +43,7 @@ bool isDirectoryName(std::string_view name) noexcept {
 
 bool isKeyName(std::string_view name) noexcept {
     return !name.empty() && name == trimmed(name) && name.front() != '<' &&
+           !name.starts_with(kByteOrderMark) &&
            name.find_first_of(std::string_view("=\r\n\0", 4)) == name.npos;
 }
 
@@ -123,7 +126,7 @@ bool SettingsTree::put(Directory& directory, std::string_view name, std::string_
 SettingsTree SettingsTree::parse(std::string_view text) {
     SettingsTree tree;
     // Editors that save in UTF-8 may put their mark in front.
-    if (text.starts_with("\xef\xbb\xbf")) text.remove_prefix(3);
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     std::vector<Directory*> open{&tree.root_};
     size_t tooDeep = 0;  // directories left out; their keys must not fall into the one around them
     while (!text.empty()) {

@@ -201,7 +201,7 @@ TEST(SettingsWriter, LineEndsInAValueBecomeBlanks) {
 
 TEST(SettingsWriter, RefusesNamesThatCannotBeReadBack) {
     SettingsTree tree;
-    for (const char* key : {"", " K", "K ", "a=b", "<K", "a\nb"})
+    for (const char* key : {"", " K", "K ", "a=b", "<K", "a\nb", "\xef\xbb\xbfK"})
         EXPECT_FALSE(tree.set("\\A", key, "v")) << key;
     for (const char* path : {"\\<A", "\\A>", "\\/A", "\\ A", "\\a\nb"})
         EXPECT_FALSE(tree.set(path, "K", "v")) << path;
