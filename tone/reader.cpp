@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/arithmetic.h"
+#include "frame/scan.h"
 #include "frame/text.h"
 #include "tone/fields.h"
 #include "tone/tone.h"
@@ -18,43 +18,6 @@ namespace {
 constexpr size_t kLineSize = 256;
 constexpr std::string_view kListSeparators = "= ,";  // of lists of numbers, and of titles
 constexpr std::string_view kValueSeparators = "= ";  // of settings
-
-// What is left of a line while it is taken apart.
-class Scanner {
-public:
-    explicit Scanner(const char* text) noexcept : rest_(text) {}
-
-    std::string_view rest() const noexcept { return rest_; }
-    void skip(std::string_view characters) noexcept {
-        rest_.remove_prefix(std::min(rest_.find_first_not_of(characters), rest_.size()));
-    }
-    void advanceTo(std::string_view characters) noexcept {
-        rest_.remove_prefix(std::min(rest_.find_first_of(characters), rest_.size()));
-    }
-    bool takePlus() noexcept {
-        if (rest_.empty() || rest_.front() != '+') return false;
-        rest_.remove_prefix(1);
-        return true;
-    }
-    // The number at the front, which stays there: blanks, a sign, digits. 0 when there is none;
-    // one that passes 32 bits is the nearest that fits.
-    int32_t number() const noexcept {
-        std::string_view text = rest_;
-        text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
-        const bool negative = !text.empty() && text.front() == '-';
-        if (!text.empty() && (negative || text.front() == '+')) text.remove_prefix(1);
-        int64_t value = 0;
-        for (const char character : text) {
-            if (character < '0' || character > '9') break;
-            value = std::min<int64_t>(value * 10 + (character - '0'), int64_t{1} << 31);
-        }
-        if (negative) value = -value;
-        return static_cast<int32_t>(std::min<int64_t>(value, std::numeric_limits<int32_t>::max()));
-    }
-
-private:
-    std::string_view rest_;
-};
 
 // What follows a key of the given size.
 Scanner valueAfter(const char* line, size_t keySize, std::string_view separators) noexcept {
@@ -82,9 +45,9 @@ int16_t toneValue(int32_t number, int32_t scale) noexcept {
 void readCurveFields(Scanner fields, ToneCurve& curve, int32_t channel, int32_t scale) noexcept {
     for (size_t field = 0; field < kGridFields; ++field) {
         fields.skip(kListSeparators);
-        const bool computed = fields.takePlus();
+        const bool computed = fields.take('+');
         flagsOf(curve, channel)[gridLevel(field)] = computed ? 0 : 1;
-        valuesOf(curve, channel)[gridLevel(field)] = toneValue(fields.number(), scale);
+        valuesOf(curve, channel)[gridLevel(field)] = toneValue(fields.integer(), scale);
         fields.advanceTo(",");
     }
 }
@@ -102,12 +65,12 @@ void readBkcLine(char* line, ToneCurve& curve) noexcept {
         copyText(curve.title, valueAfter(line, 6, kListSeparators).rest());
     } else if (hasKey(line, "TONE  ")) {
         Scanner numbers = valueAfter(line, 6, kListSeparators);
-        const int32_t x = numbers.number();
+        const int32_t x = numbers.integer();
         numbers.advanceTo(kListSeparators);
         numbers.skip(kListSeparators);
         if (x < 0 || x >= kLevels) return;
         flagsOf(curve, 0)[static_cast<size_t>(x)] = 1;
-        valuesOf(curve, 0)[static_cast<size_t>(x)] = toneValue(numbers.number(), 1);
+        valuesOf(curve, 0)[static_cast<size_t>(x)] = toneValue(numbers.integer(), 1);
     }
 }
 
@@ -115,11 +78,11 @@ void readDccLine(char* line, DccSettings& settings) noexcept {
     cutAtSemicolon(line);
     const Scanner value = valueAfter(line, std::min<size_t>(5, std::strlen(line)), kValueSeparators);
     if (hasKey(line, "DEV  ")) copyText(settings.curves->title, value.rest());
-    if (hasKey(line, "DPI  ")) settings.DPIX = settings.DPIY = value.number();
-    if (hasKey(line, "DPIX ")) settings.DPIX = value.number();
-    if (hasKey(line, "DPIY ")) settings.DPIY = value.number();
-    if (hasKey(line, "WINK ")) settings.WINK = value.number();
-    if (hasKey(line, "LCLM ")) settings.LCLM = value.number();
+    if (hasKey(line, "DPI  ")) settings.DPIX = settings.DPIY = value.integer();
+    if (hasKey(line, "DPIX ")) settings.DPIX = value.integer();
+    if (hasKey(line, "DPIY ")) settings.DPIY = value.integer();
+    if (hasKey(line, "WINK ")) settings.WINK = value.integer();
+    if (hasKey(line, "LCLM ")) settings.LCLM = value.integer();
     readCurveLine(line, *settings.curves, kDccCurves, 1);
 }
 

@@ -76,5 +76,5 @@ TEST(DamagedToneFile, LoadsWhereverItIsCut) {
         });
 }
 
-TEST(DamagedToneFile, LoadsWhenABlackCorrectionIsDamaged) { mutate(goodBkc(), 2500); }
-TEST(DamagedToneFile, LoadsWhenCurveLinesAreDamaged) { mutate(goodDcc(), 2500); }
+TEST(DamagedToneFile, LoadsWhenABlackCorrectionIsDamaged) { mutate(goodBkc(), 2000); }
+TEST(DamagedToneFile, LoadsWhenCurveLinesAreDamaged) { mutate(goodDcc(), 2000); }
