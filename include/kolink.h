@@ -2,6 +2,7 @@
 #ifndef KOLINK_H
 #define KOLINK_H
 
+#include "kolink/calibration.h"
 #include "kolink/cmyk_profile.h"
 #include "kolink/cmyk_table.h"
 #include "kolink/colour.h"

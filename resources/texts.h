@@ -7,7 +7,8 @@
 
 namespace ko::texts {
 
-extern const char kUntitled[];  // the title of a new curve, profile or link
+extern const char kUntitled[];       // the title of a new curve, profile or link
+extern const char kChannelNumber[];  // the name of a calibration channel, with "%d"
 
 // A language table by the name of its resource, such as "TEXT_ENGLISH"; empty when there is none.
 // Windows modules carry them as resources instead.
