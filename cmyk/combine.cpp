@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cmyk/combine_chain.h"
+#include "cmyk/combine_fast.h"
 #include "cmyk/combine_icc.h"
 #include "cmyk/plugin.h"
 #include "frame/bytes.h"
@@ -129,7 +130,7 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings) {
             for (int32_t& value : cmyk) value = fromScale16(value);
         }, *result);
     } else {
-        combineNodes(chain, [](Cmyk&) {}, *result);
+        combineNodesFast(chain, {}, *result);
     }
     return result;
 }
@@ -151,7 +152,7 @@ Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings) {
     const platform::WaitCursor cursor(platform::WaitCursor::Source::system);
     const NodeChain chain(settings, *base, black.values());
     if (!loaded) {
-        combineNodes(chain, [](Cmyk&) {}, *result);
+        combineNodesFast(chain, {}, *result);
         return result;
     }
     const ReadyLut sourceLut(loaded->sourceLut);
@@ -161,7 +162,7 @@ Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings) {
     IccPair pair = loaded->pair;
     pair.source = sourceLut.get();
     pair.destination = destinationLut.get();
-    combineNodes(chain, [&pair](Cmyk& cmyk) { convertThroughIcc(pair, cmyk); }, *result);
+    combineNodesFast(chain, pair, *result);
     return result;
 }
 

@@ -154,28 +154,32 @@ void blendTetrahedron(const IccLut& lut, int32_t* values) noexcept {
 
 int32_t lutColor(const IccLut& lut, int32_t* values) noexcept {
     if (!lut.workTable) return 0;
-    if (lut.inputChannels == 3) applyMatrix(lut, values);
-    for (int32_t i = 0; i < lut.inputChannels; ++i) values[i] = lookUp(lut, i, values[i]);
+    int32_t colour[kMaxLutChannels];
+    std::copy_n(values, lut.inputChannels, colour);
+    if (lut.inputChannels == 3) applyMatrix(lut, colour);
+    for (int32_t i = 0; i < lut.inputChannels; ++i) colour[i] = lookUp(lut, i, colour[i]);
     if (lut.inputChannels == 3) {
-        blendTetrahedron(lut, values);
+        blendTetrahedron(lut, colour);
     } else {
-        blendOwnScale(lut, values);
+        blendOwnScale(lut, colour);
     }
     for (int32_t k = 0; k < lut.outputChannels; ++k) {
-        values[k] = lookUp(lut, kMaxLutChannels + k, values[k]);
+        values[k] = lookUp(lut, kMaxLutChannels + k, colour[k]);
     }
     return lut.outputChannels;
 }
 
 int32_t lutColor16(const IccLut& lut, int32_t* values) noexcept {
     if (!lut.workTable) return 0;
-    if (lut.inputChannels == 3) applyMatrix(lut, values);
+    int32_t colour[kMaxLutChannels];
+    std::copy_n(values, lut.inputChannels, colour);
+    if (lut.inputChannels == 3) applyMatrix(lut, colour);
     for (int32_t i = 0; i < lut.inputChannels; ++i) {
-        values[i] = clampTo(interpolate(lut, i, values[i]), 0, 65535);
+        colour[i] = clampTo(interpolate(lut, i, colour[i]), 0, 65535);
     }
-    blend16(lut, values);
+    blend16(lut, colour);
     for (int32_t k = 0; k < lut.outputChannels; ++k) {
-        values[k] = interpolate(lut, kMaxLutChannels + k, values[k]);
+        values[k] = interpolate(lut, kMaxLutChannels + k, colour[k]);
     }
     return lut.outputChannels;
 }

@@ -25,7 +25,8 @@ KOLINK_API int32_t jIccLutClose(IccLut *lut);
  * inputs by tetrahedra, others by multilinear interpolation.
  *   lut     made ready by jIccLutSetup
  *   values  int32[max(in, out)]; 0..255 for 8-bit tables, 0..65535 for 16-bit ones; values
- *           outside are taken as the nearest that the tables hold
+ *           outside are taken as the nearest that the tables hold; inputs beyond the number of
+ *           outputs stay as they are
  * Returns the number of output channels; 0 when lut is not ready. Allocates nothing; several
  * threads may use one lut. */
 KOLINK_API int32_t jIccLutColor(const IccLut *lut, int32_t *values);

@@ -19,7 +19,9 @@ struct LutSpec {
 
 class MadeLut {
 public:
-    explicit MadeLut(const LutSpec& spec) : spec_(spec) {
+    using Close = int32_t (*)(IccLut*);
+    // close: tests of the engine pass its own
+    explicit MadeLut(const LutSpec& spec, Close close = jIccLutClose) : spec_(spec), close_(close) {
         nodes_ = 1;
         for (int32_t axis = 0; axis < spec.inputs; ++axis) nodes_ *= spec.gridPoints;
         const size_t width = static_cast<size_t>(spec.precision);
@@ -41,7 +43,7 @@ public:
         lut.outputTables = tables + inputBytes + gridBytes;
     }
     MadeLut(const MadeLut&) = delete;
-    ~MadeLut() { jIccLutClose(get()); }
+    ~MadeLut() { close_(get()); }
 
     IccLut* get() { return reinterpret_cast<IccLut*>(block_.data() + spec_.misalignment); }
     IccLut* operator->() { return get(); }
@@ -86,19 +88,31 @@ public:
     MadeLut& identity() { return identityCurves().identityGrid(); }
 
     // Entries of every table from a seeded generator.
-    MadeLut& wild(uint32_t seed) {
+    MadeLut& wild(uint32_t seed) { return wildCurves(seed).wildGrid(seed + 1); }
+    MadeLut& wildCurves(uint32_t seed) {
         std::mt19937 random(seed);
-        const auto any = [&] { return static_cast<int32_t>(random() >> 8) % (maximum() + 1); };
         for (int32_t i = 0; i < spec_.inputs; ++i)
-            for (int32_t e = 0; e < spec_.inputEntries; ++e) setInput(i, e, any());
-        for (size_t node = 0; node < nodes_; ++node)
-            for (int32_t k = 0; k < spec_.outputs; ++k) setNode(node, k, any());
+            for (int32_t e = 0; e < spec_.inputEntries; ++e) setInput(i, e, any(random));
         for (int32_t k = 0; k < spec_.outputs; ++k)
-            for (int32_t e = 0; e < spec_.outputEntries; ++e) setOutput(k, e, any());
+            for (int32_t e = 0; e < spec_.outputEntries; ++e) setOutput(k, e, any(random));
+        return *this;
+    }
+    MadeLut& wildGrid(uint32_t seed) {
+        std::mt19937 random(seed);
+        for (size_t node = 0; node < nodes_; ++node)
+            for (int32_t k = 0; k < spec_.outputs; ++k) setNode(node, k, any(random));
+        return *this;
+    }
+    MadeLut& flatGrid(int32_t value) {
+        for (size_t node = 0; node < nodes_; ++node)
+            for (int32_t k = 0; k < spec_.outputs; ++k) setNode(node, k, value);
         return *this;
     }
 
 private:
+    int32_t any(std::mt19937& random) const {
+        return static_cast<int32_t>(random() >> 8) % (maximum() + 1);
+    }
     int32_t straight(int32_t entry, int32_t entries) const {
         return entries < 2 ? maximum() : static_cast<int32_t>(int64_t{entry} * maximum() / (entries - 1));
     }
@@ -111,6 +125,7 @@ private:
         }
     }
     LutSpec spec_;
+    Close close_;
     size_t nodes_;
     std::vector<uint8_t> block_;
 };

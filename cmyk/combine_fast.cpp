@@ -1,0 +1,95 @@
+// The node loop by rows: nodes that differ in K alone share what C, M and Y decide.
+#include "cmyk/combine_fast.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "icc/lut_fast.h"
+
+namespace ko::cmyk {
+namespace {
+
+constexpr size_t kRow = kGridPoints;
+using Row = std::array<Cmyk, kRow>;
+
+// The default profile changes nothing: (16 v + 8) / 16 is v.
+bool isIdentity(const NodeChain& chain) noexcept {
+    for (const auto& curve : chain.curves())
+        for (int32_t x = 0; x < 256; ++x)
+            if (curve[x] != x) return false;
+    const uint32_t* word = chain.base().grid;
+    for (int32_t c = 0; c < kGridPoints; ++c)
+        for (int32_t m = 0; m < kGridPoints; ++m)
+            for (int32_t y = 0; y < kGridPoints; ++y)
+                for (int32_t k = 0; k < kGridPoints; ++k)
+                    if (*word++ != packCmyk(nodeValue(c), nodeValue(m), nodeValue(y), nodeValue(k)))
+                        return false;
+    return true;
+}
+
+// convertThroughIcc for many colours.
+class FastPair {
+public:
+    explicit FastPair(const IccPair& pair)
+        : pair_(pair), source_(*pair.source), destination_(*pair.destination) {}
+
+    void convert(Cmyk* colours, size_t count) const noexcept {
+        if (pair_.source->precision == 2)
+            for (size_t i = 0; i < count; ++i)
+                for (int32_t& value : colours[i]) value *= 256;
+        source_.colours(colours, count);
+        for (size_t i = 0; i < count; ++i) connect(pair_, colours[i]);
+        destination_.colours(colours, count);
+        if (pair_.destination->precision == 2)
+            for (size_t i = 0; i < count; ++i)
+                for (int32_t& value : colours[i]) value /= 256;
+    }
+
+private:
+    const IccPair& pair_;
+    icc::FastLut source_, destination_;
+};
+
+}  // namespace
+
+void combineNodesFast(const NodeChain& chain, const IccPair& pair, CmykProfile& result) {
+    const bool identity = isIdentity(chain);
+    std::optional<FastPair> fast;
+    if (pair.source) fast.emplace(pair);
+    const auto convert = [&pair](Cmyk& cmyk) { convertThroughIcc(pair, cmyk); };
+
+    uint32_t* word = result.grid;
+    Cmyk node;
+    Row row;
+    for (node[0] = 0; node[0] < kGridPoints; ++node[0]) {
+        for (node[1] = 0; node[1] < kGridPoints; ++node[1]) {
+            for (node[2] = 0; node[2] < kGridPoints; ++node[2], word += kRow) {
+                const int32_t c = nodeValue(node[0]), m = nodeValue(node[1]),
+                              y = nodeValue(node[2]);
+                // Where the tint, white or black may have a say, node by node. The tint ends at
+                // a coverage, so that the nodes without it are the end of the row.
+                int32_t first = 0;
+                while (first < kGridPoints && chain.addsTint(c + m + y + nodeValue(first))) ++first;
+                if (c + m + y == 0) first = kGridPoints;
+                for (node[3] = 0; node[3] < first; ++node[3])
+                    word[node[3]] = combineNode(chain, node, convert);
+
+                const auto rest = static_cast<size_t>(kGridPoints - first);
+                for (size_t i = 0; i < rest; ++i) {
+                    row[i] = {c, m, y, nodeValue(first + static_cast<int32_t>(i))};
+                    if (!identity) chain.throughBase(row[i]);
+                }
+                if (fast) fast->convert(row.data(), rest);
+                if (first == 0) {  // preservation treats nodes without K
+                    node[3] = 0;
+                    chain.preserve(node, row[0]);
+                }
+                for (size_t i = 0; i < rest; ++i)
+                    word[first + static_cast<int32_t>(i)] =
+                        packCmyk(row[i][0], row[i][1], row[i][2], row[i][3]);
+            }
+        }
+    }
+}
+
+}  // namespace ko::cmyk
