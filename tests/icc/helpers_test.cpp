@@ -151,13 +151,13 @@ TEST(IccLutBlock, StandsInOneBlockWithEmptyTables) {
     const auto lut = makeLut({4, 4, 5, 1});
     ASSERT_TRUE(lut);
     const auto* const bytes = reinterpret_cast<const uint8_t*>(lut.get());
-    EXPECT_EQ(lut->inputTables, bytes + sizeof(IccLut));
-    EXPECT_EQ(lut->clut, bytes + sizeof(IccLut) + 1024);
-    EXPECT_EQ(lut->outputTables, bytes + sizeof(IccLut) + 1024 + 2500);
-    EXPECT_EQ(lut->workTable, nullptr);
-    EXPECT_EQ(lut->inputEntries, 256);
-    EXPECT_EQ(lut->outputEntries, 256);
-    for (int at = 0; at < 9; ++at) EXPECT_EQ(lut->matrix[at], at % 4 == 0 ? 1.0f : 0.0f);
+    EXPECT_EQ(+lut->inputTables, bytes + sizeof(IccLut));
+    EXPECT_EQ(+lut->clut, bytes + sizeof(IccLut) + 1024);
+    EXPECT_EQ(+lut->outputTables, bytes + sizeof(IccLut) + 1024 + 2500);
+    EXPECT_EQ(+lut->workTable, nullptr);
+    EXPECT_EQ(+lut->inputEntries, 256);
+    EXPECT_EQ(+lut->outputEntries, 256);
+    for (int at = 0; at < 9; ++at) EXPECT_EQ(+lut->matrix[at], at % 4 == 0 ? 1.0f : 0.0f);
     for (size_t at = 0; at < 1024 + 2500 + 1024; ++at) ASSERT_EQ(bytes[sizeof(IccLut) + at], 0);
 }
 

@@ -283,7 +283,7 @@ TEST_F(IccReader, LoadingATagAgainReadsItAgain) {
     first->gridPoints = 99;
     auto* const second = tag<IccLut>(profile, signature("A2B0"));
     ASSERT_NE(second, nullptr);
-    EXPECT_EQ(second->gridPoints, 2);
+    EXPECT_EQ(+second->gridPoints, 2);
     EXPECT_EQ(profile->tagCount, 1);
     EXPECT_EQ(profile->tags[0].data, second);
 }
@@ -469,13 +469,13 @@ TEST_F(IccReader, DecodesAnEightBitLut) {
     const auto profile = loadWith({{"A2B0", bytes}});
     const auto* const lut = tag<IccLut>(profile, signature("A2B0"));
     ASSERT_NE(lut, nullptr);
-    EXPECT_EQ(lut->inputChannels, 4);
-    EXPECT_EQ(lut->outputChannels, 3);
-    EXPECT_EQ(lut->gridPoints, 3);
+    EXPECT_EQ(+lut->inputChannels, 4);
+    EXPECT_EQ(+lut->outputChannels, 3);
+    EXPECT_EQ(+lut->gridPoints, 3);
     EXPECT_EQ(lut->precision, 1);
-    EXPECT_EQ(lut->inputEntries, 256);
-    EXPECT_EQ(lut->outputEntries, 256);
-    EXPECT_EQ(lut->workTable, nullptr);
+    EXPECT_EQ(+lut->inputEntries, 256);
+    EXPECT_EQ(+lut->outputEntries, 256);
+    EXPECT_EQ(+lut->workTable, nullptr);
     EXPECT_EQ(std::memcmp(lut->inputTables, &bytes[48], 4 * 256), 0);
     EXPECT_EQ(std::memcmp(lut->clut, &bytes[48 + 1024], 81 * 3), 0);
     EXPECT_EQ(std::memcmp(lut->outputTables, &bytes[48 + 1024 + 243], 3 * 256), 0);
@@ -490,8 +490,8 @@ TEST_F(IccReader, DecodesASixteenBitLutIntoHostOrder) {
     const auto* const lut = tag<IccLut>(profile, signature("B2A1"));
     ASSERT_NE(lut, nullptr);
     EXPECT_EQ(lut->precision, 2);
-    EXPECT_EQ(lut->inputEntries, 17);
-    EXPECT_EQ(lut->outputEntries, 2);
+    EXPECT_EQ(+lut->inputEntries, 17);
+    EXPECT_EQ(+lut->outputEntries, 2);
     size_t at = 52;
     const auto matches = [&](const void* table, size_t entries) {
         for (size_t entry = 0; entry < entries; ++entry, at += 2)
@@ -508,9 +508,9 @@ TEST_F(IccReader, KeepsTheTablesBehindTheRecordInOneBlock) {
     const auto profile = loadWith({{"A2B0", LutElement{}.bytes()}});
     const auto* const lut = tag<IccLut>(profile, signature("A2B0"));
     const auto* const bytes = reinterpret_cast<const uint8_t*>(lut);
-    EXPECT_EQ(lut->inputTables, bytes + sizeof(IccLut));
-    EXPECT_EQ(lut->clut, bytes + sizeof(IccLut) + 3 * 256);
-    EXPECT_EQ(lut->outputTables, bytes + sizeof(IccLut) + 3 * 256 + 8 * 3);
+    EXPECT_EQ(+lut->inputTables, bytes + sizeof(IccLut));
+    EXPECT_EQ(+lut->clut, bytes + sizeof(IccLut) + 3 * 256);
+    EXPECT_EQ(+lut->outputTables, bytes + sizeof(IccLut) + 3 * 256 + 8 * 3);
 }
 
 TEST_F(IccReader, DecodesTheMatrixRowByRow) {
@@ -519,8 +519,8 @@ TEST_F(IccReader, DecodesTheMatrixRowByRow) {
     put32(bytes, 12 + 8 * 4, 0xffff0000);
     const auto profile = loadWith({{"A2B0", bytes}});
     const auto* const lut = tag<IccLut>(profile, signature("A2B0"));
-    for (int at = 0; at < 8; ++at) EXPECT_EQ(lut->matrix[at], static_cast<float>(at + 1) / 2);
-    EXPECT_EQ(lut->matrix[8], -1.0f);
+    for (int at = 0; at < 8; ++at) EXPECT_EQ(+lut->matrix[at], static_cast<float>(at + 1) / 2);
+    EXPECT_EQ(+lut->matrix[8], -1.0f);
 }
 
 TEST_F(IccReader, LeavesSixteenBitEntriesOfAHostOrderFileAlone) {
@@ -532,7 +532,7 @@ TEST_F(IccReader, LeavesSixteenBitEntriesOfAHostOrderFileAlone) {
     const auto profile = load(inHostOrder(profileBytes({{"A2B0", bytes}})));
     const auto* const lut = tag<IccLut>(profile, signature("A2B0"));
     ASSERT_NE(lut, nullptr);
-    EXPECT_EQ(lut->inputEntries, 2);
+    EXPECT_EQ(+lut->inputEntries, 2);
     EXPECT_EQ(entry16(lut->inputTables, 0), 0x1234);
 }
 
@@ -547,9 +547,9 @@ TEST_F(IccReader, LoadsLutsOfAnyShapeThatTheFileCanHold) {
         const auto profile = loadWith({{"A2B0", spec.bytes()}});
         const auto* const lut = tag<IccLut>(profile, signature("A2B0"));
         ASSERT_NE(lut, nullptr) << int(inputs) << ' ' << int(outputs) << ' ' << int(gridPoints);
-        EXPECT_EQ(lut->inputChannels, inputs);
-        EXPECT_EQ(lut->outputChannels, outputs);
-        EXPECT_EQ(lut->gridPoints, gridPoints);
+        EXPECT_EQ(+lut->inputChannels, inputs);
+        EXPECT_EQ(+lut->outputChannels, outputs);
+        EXPECT_EQ(+lut->gridPoints, gridPoints);
     }
 }
 
@@ -559,8 +559,8 @@ TEST_F(IccReader, LoadsTablesOfNoAndOfOneEntry) {
         const auto profile = loadWith({{"A2B0", spec.bytes()}});
         const auto* const lut = tag<IccLut>(profile, signature("A2B0"));
         ASSERT_NE(lut, nullptr);
-        EXPECT_EQ(lut->inputEntries, entries);
-        EXPECT_EQ(lut->outputEntries, entries);
+        EXPECT_EQ(+lut->inputEntries, entries);
+        EXPECT_EQ(+lut->outputEntries, entries);
     }
 }
 
@@ -632,8 +632,8 @@ TEST_F(IccReader, ReadsRealProfiles) {
     ASSERT_TRUE(press);
     const auto* const lut = tag<IccLut>(press, signature("A2B0"));
     ASSERT_NE(lut, nullptr);
-    EXPECT_EQ(lut->inputChannels, 4);
-    EXPECT_EQ(lut->outputChannels, 3);
+    EXPECT_EQ(+lut->inputChannels, 4);
+    EXPECT_EQ(+lut->outputChannels, 3);
     EXPECT_EQ(lut->precision, 2);
 }
 

@@ -233,7 +233,7 @@ TEST_F(IccWriter, DoesNotWriteEntriesWithoutData) {
 
 TEST_F(IccWriter, WritesAProfileWhoseTagsItAllSkips) {
     const ProfileHandle profile(jIccCreate(0));
-    bind(profile, "rTRC", hostBlock("\0\0\0\0", 6));
+    bind(profile, "rTRC", hostBlock("\0\0\0", 4));
     const Bytes file = saved(jIccSaveProfile, profile);
     EXPECT_EQ(file.size(), 144u);
     EXPECT_EQ(get32(file, 0), 144u);
@@ -437,7 +437,7 @@ TEST_F(IccWriter, WritesWhatTheReaderReads) {
     const auto* const b = static_cast<IccLut*>(jIccLoadTag(loaded.get(), signature("A2B0")));
     ASSERT_NE(b, nullptr);
     EXPECT_EQ(b->precision, 2);
-    EXPECT_EQ(b->inputEntries, 33);
+    EXPECT_EQ(+b->inputEntries, 33);
     EXPECT_EQ(std::memcmp(a->inputTables, b->inputTables, (4 * 33 + 256 * 3 + 3 * 17) * 2), 0);
 }
 
