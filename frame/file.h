@@ -81,7 +81,9 @@ constexpr uint64_t kClaimTolerance = uint64_t{64} << 20;
 
 constexpr bool isBelievableClaim(uint64_t offset, uint64_t size, uint64_t fileSize,
                                  uint64_t tolerance = kClaimTolerance) noexcept {
-    return offset + size <= fileSize + tolerance && size <= uint64_t{1} << 32;
+    if (size > uint64_t{1} << 32 || fileSize > UINT64_MAX - tolerance) return false;
+    const uint64_t end = fileSize + tolerance;
+    return offset <= end && size <= end - offset;
 }
 
 }  // namespace ko

@@ -150,8 +150,11 @@ bool seek(FileHandle file, uint64_t position) noexcept {
 bool deleteFile(const char* path) noexcept { return ::unlink(path) == 0; }
 
 bool replaceFile(const char* from, const char* to) noexcept {
-    struct stat status;  // a device is written to, never replaced
-    if (::stat(to, &status) == 0 && !S_ISREG(status.st_mode)) return false;
+    struct stat status;
+    if (::stat(to, &status) == 0) {
+        if (!S_ISREG(status.st_mode)) return false;  // a device is written to, never replaced
+        ::chmod(from, status.st_mode & 0777);
+    }
     return ::rename(from, to) == 0;
 }
 

@@ -109,6 +109,16 @@ TEST(FileReplacing, LeavesNothingElseBehind) {
     EXPECT_EQ(entries, 2u);  // a and b
 }
 
+TEST(FileReplacing, KeepsWhoMayReadTheFile) {
+    if (test::onWindows()) GTEST_SKIP() << "the folder decides there";
+    const TempFolder folder;
+    writeFile(folder.path("a"), "old");
+    constexpr auto kOwner = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(folder.path("a"), kOwner);
+    EXPECT_TRUE(replaceWhole(folder.path("a"), "new"));
+    EXPECT_EQ(fs::status(folder.path("a")).permissions(), kOwner);
+}
+
 TEST(FileReplacing, StepsAroundNamesThatAreTaken) {
     const TempFolder folder;
     for (int number = 0; number < 1000; number += 2)
@@ -155,6 +165,7 @@ TEST(Claims, AreBelievedUpTo64MiBPastTheEnd) {
     EXPECT_TRUE(isBelievableClaim(0, kClaimTolerance, 0));
     EXPECT_FALSE(isBelievableClaim(1, kClaimTolerance, 0));
     EXPECT_FALSE(isBelievableClaim(0, uint64_t{1} << 33, uint64_t{1} << 40));
+    EXPECT_FALSE(isBelievableClaim(UINT64_MAX, 2, 0));
 }
 
 // Names that stand for themselves whatever the code page: on Windows with another one than the

@@ -89,6 +89,14 @@ TEST(Library, LooksBesideItselfWithoutSettings) {
     EXPECT_TRUE(product.findsPlugin());
 }
 
+TEST(Library, CarriesTheTablesInTheirEncodings) {
+    const std::string bytes = test::readText(KO_TEST_LIBRARY);
+    for (const char* line : {"<japanese>\n", "    col(0006) = \x8d\xca\x93\x78\n",    // Shift-JIS
+                             "<english>\n", "    col(0007) = Absolute\n",  // ASCII
+                             "<chinese>\n", "    KoCalib(0003) = \xc8\xab\xcd\xa8\xb5\xc0\n"})
+        EXPECT_NE(bytes.find(line), bytes.npos) << line;  // the last one is GB2312
+}
+
 TEST(Library, LivesInAFolderWhoseNameHasABackslashByte) {
     if (test::onWindows() && !test::onCodePage932())
         GTEST_SKIP() << "this code page has no such names";

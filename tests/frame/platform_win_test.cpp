@@ -1,0 +1,101 @@
+// What Windows alone has: cursors, resources, the mutex by its name.
+#include <gtest/gtest.h>
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include <thread>
+
+#include "frame/platform.h"
+#include "frame/state.h"
+
+namespace ko {
+namespace {
+
+using platform::WaitCursor;
+
+HCURSOR systemCursor(int number) { return ::LoadCursorA(nullptr, MAKEINTRESOURCEA(number)); }
+constexpr int kArrow = 32512, kWait = 32514;
+
+TEST(WaitCursor, OfTheSystemIsTheHourglass) {
+    const WaitCursor cursor(WaitCursor::Source::system);
+    EXPECT_NE(::GetCursor(), nullptr);
+    EXPECT_EQ(::GetCursor(), systemCursor(kWait));
+}
+
+// The library carries no cursor, and so the pointer disappears.
+TEST(WaitCursor, OfTheLibraryIsNone) {
+    ::SetCursor(systemCursor(kArrow));
+    const WaitCursor cursor(WaitCursor::Source::library);
+    EXPECT_EQ(::GetCursor(), nullptr);
+}
+
+TEST(WaitCursor, GivesThePreviousOneBack) {
+    for (const auto source : {WaitCursor::Source::library, WaitCursor::Source::system}) {
+        ::SetCursor(systemCursor(kArrow));
+        { const WaitCursor cursor(source); }
+        EXPECT_EQ(::GetCursor(), systemCursor(kArrow));
+    }
+}
+
+class Resources {
+public:
+    explicit Resources(HMODULE module) : module_(module) {}
+    bool has(const char* name, WORD type) const {
+        return ::FindResourceA(module_, name, MAKEINTRESOURCEA(type)) != nullptr;
+    }
+
+private:
+    HMODULE module_;
+};
+constexpr WORD kHtml = 23, kVersion = 16;
+
+TEST(Resources, OfTheLibraryAreTheTablesAndItsVersion) {
+    const HMODULE library = ::LoadLibraryExA(KO_TEST_LIBRARY, nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    ASSERT_NE(library, nullptr);
+    const Resources resources(library);
+    EXPECT_TRUE(resources.has("TEXT_JAPANESE", kHtml));
+    EXPECT_TRUE(resources.has("TEXT_ENGLISH", kHtml));
+    EXPECT_TRUE(resources.has("TEXT_CHINESE", kHtml));
+    EXPECT_TRUE(resources.has(MAKEINTRESOURCEA(1), kVersion));
+    ::FreeLibrary(library);
+}
+
+TEST(Resources, OfAProgramHaveNoVersionOfTheLibrary) {
+    const Resources resources(static_cast<HMODULE>(platform::moduleHandle()));
+    EXPECT_TRUE(resources.has("TEXT_ENGLISH", kHtml));
+    EXPECT_FALSE(resources.has(MAKEINTRESOURCEA(1), kVersion));
+}
+
+TEST(NamedMutex, HasItsNameInTheSystem) {
+    attach();
+    const HANDLE mutex = ::OpenMutexA(MUTEX_ALL_ACCESS, FALSE, "_KOLINK_MUTEX");
+    EXPECT_NE(mutex, nullptr);
+    ::CloseHandle(mutex);
+    detach();
+}
+
+TEST(NamedMutex, ThatWasNeverCreatedIsNotOpened) {
+    EXPECT_EQ(platform::openNamedMutex("_KOLINK_TEST_NEVER"), nullptr);
+}
+
+// The wait ends when the thread that holds the mutex has died with it.
+TEST(NamedMutex, ThatWasAbandonedIsTakenLikeAFreeOne) {
+    constexpr char kName[] = "_KOLINK_TEST_ABANDONED";
+    platform::NamedMutex* const kept = platform::createNamedMutex(kName);
+    ASSERT_NE(kept, nullptr);
+    std::thread dying([&] {
+        platform::NamedMutex* const mutex = platform::openNamedMutex(kName);
+        if (mutex) platform::lock(*mutex);
+        platform::closeNamedMutex(mutex);  // the handle goes, the ownership stays
+    });
+    dying.join();
+    platform::NamedMutex* const next = platform::openNamedMutex(kName);
+    ASSERT_NE(next, nullptr);
+    platform::lock(*next);
+    platform::unlockAndClose(next);
+    platform::closeNamedMutex(kept);
+}
+
+}  // namespace
+}  // namespace ko
