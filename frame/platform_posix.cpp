@@ -33,7 +33,12 @@ int openRetrying(const char* path, int flags, mode_t mode) noexcept {
     int file;
     do file = ::open(path, flags | O_CLOEXEC, mode);
     while (file < 0 && errno == EINTR);
-    return file;
+    if (file < 0 || file > STDERR_FILENO) return file;
+    // A host may have its standard streams closed; what it then writes to one must not land in a
+    // file of ours.
+    const int other = ::fcntl(file, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    ::close(file);
+    return other;
 }
 
 bool ownFolder(const char* path) noexcept {
