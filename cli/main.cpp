@@ -3,9 +3,11 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "cli/command.h"
 #include "cli/errors.h"
@@ -33,6 +35,16 @@ int complain(ExitStatus status, const std::string& line) {
     return status;
 }
 
+// Said before the parser looks, which would only miss a command.
+void requireKnownCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+    if (arguments.empty()) throw UsageFailure("a command is needed");
+    const std::string& command = arguments.front();
+    if (command.empty() || command[0] == '-') return;
+    for (const CLI::App* known : app.get_subcommands(nullptr))
+        if (known->get_name() == command) return;
+    throw UsageFailure("there is no command " + command);
+}
+
 // The parser's message in one line, with the command that was meant.
 std::string usageLine(const CLI::App& app, std::string message) {
     while (!message.empty() && message.back() == '\n') message.pop_back();
@@ -48,9 +60,11 @@ int run(int argc, char** argv) {
     app.footer(kExamples);
     app.set_version_flag("--version", "kolink " KOLINK_VERSION, "Print the version and exit");
     app.require_subcommand(1);
+    app.allow_windows_style_options(false);  // /usr/share is a path everywhere
     addCommands(app);
     try {
         auto arguments = system::arguments(argc, argv);
+        requireKnownCommand(app, arguments);
         std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the end
         app.parse(std::move(arguments));
         finishOut();
