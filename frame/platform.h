@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ko::platform {
 
@@ -36,6 +37,10 @@ bool write(FileHandle file, const void* bytes, size_t size) noexcept;  // all or
 bool seek(FileHandle file, uint64_t position) noexcept;
 bool deleteFile(const char* path) noexcept;
 bool replaceFile(const char* from, const char* to) noexcept;  // takes the place of to, whole
+
+// The names of the files, folders left out, that a path with * and ? in its last part stands for,
+// in no order. ASCII case is ignored; "*.*" stands for every name.
+std::vector<std::string> filesMatching(const char* pattern);
 
 struct DateTime {
     uint16_t year, month, day, hour, minute, second;

@@ -1,6 +1,7 @@
 // The POSIX side of the seam.
 #include "frame/platform.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <link.h>
@@ -14,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <memory>
 #include <new>
 
 #include "resources/texts.h"
@@ -161,6 +163,56 @@ bool replaceFile(const char* from, const char* to) noexcept {
         ::chmod(from, status.st_mode & 0777);
     }
     return ::rename(from, to) == 0;
+}
+
+namespace {
+
+char lowerCase(char character) noexcept {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
+}
+
+// After a mismatch only the last star may take one character more, so the work is bounded by the
+// product of the lengths.
+bool matches(std::string_view pattern, std::string_view name) noexcept {
+    if (pattern == "*.*") return true;  // as hosts of the other platform mean it
+    size_t at = 0, star = std::string_view::npos, resume = 0;
+    for (size_t i = 0; i < name.size();) {
+        if (at < pattern.size() && pattern[at] == '*') {
+            star = at++;
+            resume = i;
+        } else if (at < pattern.size() &&
+                   (pattern[at] == '?' || lowerCase(pattern[at]) == lowerCase(name[i]))) {
+            ++at;
+            ++i;
+        } else if (star != std::string_view::npos) {
+            at = star + 1;
+            i = ++resume;
+        } else {
+            return false;
+        }
+    }
+    while (at < pattern.size() && pattern[at] == '*') ++at;
+    return at == pattern.size();
+}
+
+}  // namespace
+
+std::vector<std::string> filesMatching(const char* pattern) {
+    const std::string_view path(pattern);
+    const size_t slash = path.rfind('/');
+    const bool here = slash == std::string_view::npos;
+    const std::string folder = here ? "." : std::string(path.substr(0, slash + 1));
+    const std::string_view name = here ? path : path.substr(slash + 1);
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), &::closedir);
+    if (!entries) return names;
+    while (const dirent* entry = ::readdir(entries.get())) {
+        struct stat status;
+        if (matches(name, entry->d_name) &&
+            ::fstatat(::dirfd(entries.get()), entry->d_name, &status, 0) == 0 && S_ISREG(status.st_mode))
+            names.emplace_back(entry->d_name);
+    }
+    return names;
 }
 
 namespace {

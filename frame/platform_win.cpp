@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <memory>
 #include <new>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;  // set by the linker: the module that this is built into
@@ -132,6 +133,18 @@ bool deleteFile(const char* path) noexcept { return ::DeleteFileA(path) != 0; }
 
 bool replaceFile(const char* from, const char* to) noexcept {
     return ::MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
+std::vector<std::string> filesMatching(const char* pattern) {
+    std::vector<std::string> names;
+    WIN32_FIND_DATAA found;
+    const HANDLE search = ::FindFirstFileA(pattern, &found);
+    if (search == INVALID_HANDLE_VALUE) return names;
+    const std::unique_ptr<void, decltype(&::FindClose)> closer(search, &::FindClose);
+    do {
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(found.cFileName);
+    } while (::FindNextFileA(search, &found));
+    return names;
 }
 
 DateTime localTime() noexcept {

@@ -33,4 +33,7 @@ int32_t rgbToGray(int32_t r, int32_t g, int32_t b) noexcept;
 void rgbToCmykRow(const uint8_t* rgb, int32_t pixels, uint8_t* cmyk) noexcept;
 void cmykToRgbRow(const uint8_t* cmyk, int32_t pixels, uint8_t* rgb) noexcept;
 
+// The profiles that a pattern in the first slot of the list stands for, into slots of 260 bytes.
+int32_t loadIccFileList(char* list, int32_t maxCount, const char* colourSpace);
+
 }  // namespace ko::front

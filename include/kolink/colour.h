@@ -39,6 +39,18 @@ KOLINK_API void jColorCMYKtoRGBRow(const uint8_t *cmyk, int32_t pixels, uint8_t 
 KOLINK_API int32_t Value255to100(int32_t v);
 KOLINK_API int32_t Value100to255(int32_t v);
 
+/* Lists the files of a folder, for choosing an ICC profile.
+ *   list         in: a path whose last part holds wild cards (* and ?), at most 259 bytes; out: the
+ *                paths found, one to a slot of 260 bytes, sorted by name without regard to ASCII
+ *                case
+ *   maxCount     number of slots; below 1 nothing is written
+ *   colourSpace  null: all files; else four characters ("RGB ", "CMYK"; a shorter text is filled
+ *                with blanks): files whose ICC header names another space are left out, files
+ *                without a readable header are listed all the same
+ * Folders are not listed, nor are paths over 259 bytes. Where more files match than there are
+ * slots, the first ones are listed. Returns the number of paths. */
+KOLINK_API int32_t jColorLoadIccFileList(char *list, int32_t maxCount, const char *colourSpace);
+
 KOLINK_END
 
 #endif
