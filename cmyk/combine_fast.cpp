@@ -38,7 +38,7 @@ public:
             for (size_t i = 0; i < count; ++i)
                 for (int32_t& value : colours[i]) value *= 256;
         source_.colours(colours, count);
-        for (size_t i = 0; i < count; ++i) connect(pair_, colours[i]);
+        connectAll(colours, count);
         destination_.colours(colours, count);
         if (pair_.destination->precision == 2)
             for (size_t i = 0; i < count; ++i)
@@ -46,6 +46,20 @@ public:
     }
 
 private:
+    // Within one connection space values are within their scale already.
+    void connectAll(Cmyk* colours, size_t count) const noexcept {
+        const int32_t from = pair_.source->precision, to = pair_.destination->precision;
+        if (pair_.connection != Connection::same) {
+            for (size_t i = 0; i < count; ++i) connect(pair_, colours[i]);
+        } else if (from == 2 && to == 1) {
+            for (size_t i = 0; i < count; ++i)
+                for (int32_t& value : colours[i]) value /= 256;
+        } else if (from == 1 && to == 2) {
+            for (size_t i = 0; i < count; ++i)
+                for (int32_t& value : colours[i]) value *= 256;
+        }
+    }
+
     const IccPair& pair_;
     icc::FastLut source_, destination_;
 };

@@ -2,7 +2,6 @@
 #include "icc/lut_fast.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 #include "frame/arithmetic.h"
@@ -12,7 +11,6 @@ namespace {
 
 // Four lanes: two SSE2 registers of doubles, or one AVX register where that is to be had.
 using Doubles = double __attribute__((vector_size(32)));
-using Masks = int64_t __attribute__((vector_size(32)));
 using Ints = int32_t __attribute__((vector_size(16)));
 using Shorts = uint16_t __attribute__((vector_size(8)));
 
@@ -82,8 +80,9 @@ inline size_t FastLut::rowOf(int32_t value) const noexcept {
     return static_cast<size_t>(clampTo(value, 0, maximum_) >> shift_);
 }
 
+template <int32_t Outputs>
 inline void FastLut::writeOutputs(const int32_t* blended, Colour& values) const noexcept {
-    for (int32_t k = 0; k < outputs_; ++k) values[k] = outputCurves_[k][blended[k] >> shift_];
+    for (int32_t k = 0; k < Outputs; ++k) values[k] = outputCurves_[k][blended[k] >> shift_];
 }
 
 // Three inputs: the tetrahedra of lutColor, all outputs at once.
@@ -119,9 +118,12 @@ void FastLut::prepareTetrahedra() {
         secondStep_[order] = firstStep_[order] + step[kOrder[order][1]];
     }
     hasMatrix_ = !isIdentity(lut_);
-    kernel_ = &FastLut::throughTetrahedra;
+    constexpr Kernel kKernels[] = {&FastLut::throughTetrahedra<1>, &FastLut::throughTetrahedra<2>,
+                                   &FastLut::throughTetrahedra<3>, &FastLut::throughTetrahedra<4>};
+    kernel_ = kKernels[outputs_ - 1];
 }
 
+template <int32_t Outputs>
 void FastLut::throughTetrahedra(Colour* values, size_t count) const noexcept {
     const uint16_t* const grid = padded_.data();
     double e[9];
@@ -151,7 +153,7 @@ void FastLut::throughTetrahedra(Colour* values, size_t count) const noexcept {
         int32_t blended[kLanes];
         const Ints whole = __builtin_convertvector(sum, Ints);
         std::memcpy(blended, &whole, sizeof blended);
-        writeOutputs(blended, colour);
+        writeOutputs<Outputs>(blended, colour);
     }
 }
 
@@ -166,43 +168,56 @@ void FastLut::prepareRuns() {
     if (gridPoints_ > kMaxPlanes || entries > UINT32_MAX) return;
     if (lut_.precision == 2 && reinterpret_cast<uintptr_t>(lut_.clut) % alignof(uint16_t) != 0)
         return;
-    const uint64_t step[4] = {grid * grid * grid * static_cast<uint64_t>(outputs_),
+    const uint64_t step[3] = {grid * grid * grid * static_cast<uint64_t>(outputs_),
                               grid * grid * static_cast<uint64_t>(outputs_),
-                              grid * static_cast<uint64_t>(outputs_),
-                              static_cast<uint64_t>(outputs_)};
-    double volume = 1;  // of the largest cell, about
-    for (int32_t axis = 0; axis < 4; ++axis) {
+                              grid * static_cast<uint64_t>(outputs_)};
+    for (size_t corner = 0; corner < 8; ++corner)
+        lines_[corner] = static_cast<size_t>((corner >> 2 & 1) * step[0] +
+                                             (corner >> 1 & 1) * step[1] + (corner & 1) * step[2]);
+    for (int32_t axis = 0; axis < 3; ++axis) {
         cells_[axis].resize(static_cast<size_t>(lutRows(lut_.precision)));
         forEachRow(lut_, axis, [&](int32_t row, const LutCell& cell) {
             cells_[axis][row] = {static_cast<uint32_t>(cell.index * step[axis]),
                                  cell.width - cell.distance, cell.distance};
         });
-        volume *= maximum_ / (gridPoints_ - 1) + 1;
     }
-    for (size_t corner = 0; corner < 8; ++corner)
-        lines_[corner] = (corner >> 2 & 1) * step[0] + (corner >> 1 & 1) * step[1] +
-                         (corner & 1) * step[2];
-    // Sums stay whole and half a unit of the volume stands out of three roundings.
-    const bool exact = volume * (maximum_ + 1) < 0x1p50;
+
+    // Sums stay whole, and half a unit of the volume stands out of the roundings of a product.
+    const double width = maximum_ / (gridPoints_ - 1) + 1;
+    const bool exact = width * width * width * width * (maximum_ + 1) < 0x1p46;
+    lastCells_.resize(static_cast<size_t>(lutRows(lut_.precision)));
+    forEachRow(lut_, 3, [&](int32_t row, const LutCell& cell) {
+        const double reciprocal = 1.0 / cell.width, scale = exact ? 1 : reciprocal;
+        lastCells_[row] = {(cell.width - cell.distance) * scale, cell.distance * scale, reciprocal,
+                           static_cast<size_t>(cell.index * outputs_)};
+    });
     if (lut_.precision == 1) {
-        kernel_ = &FastLut::throughRuns<uint8_t, true>;  // 255^4 * 256 < 2^40
+        kernel_ = runsKernel<uint8_t, true>();  // 256^4 * 256 < 2^46
     } else {
-        kernel_ = exact ? &FastLut::throughRuns<uint16_t, true>
-                        : &FastLut::throughRuns<uint16_t, false>;
+        kernel_ = exact ? runsKernel<uint16_t, true>() : runsKernel<uint16_t, false>();
     }
 }
 
 template <class Entry, bool Exact>
+FastLut::Kernel FastLut::runsKernel() const noexcept {
+    constexpr Kernel kKernels[] = {
+        &FastLut::throughRuns<Entry, Exact, 1>, &FastLut::throughRuns<Entry, Exact, 2>,
+        &FastLut::throughRuns<Entry, Exact, 3>, &FastLut::throughRuns<Entry, Exact, 4>};
+    return kKernels[outputs_ - 1];
+}
+
+template <class Entry, bool Exact, int32_t Outputs>
 void FastLut::throughRuns(Colour* values, size_t count) const noexcept {
     size_t begin = 0;
     while (begin < count) {
+        const Colour& first = values[begin];
         size_t end = begin + 1;
-        while (end < count && std::equal(values[end].begin(), values[end].begin() + 3,
-                                         values[begin].begin()))
+        while (end < count && values[end][0] == first[0] && values[end][1] == first[1] &&
+               values[end][2] == first[2])
             ++end;
         // Below this the sums along the planes cost more than they save.
         if ((end - begin) * 2 > static_cast<size_t>(gridPoints_)) {
-            throughRun<Entry, Exact>(values + begin, end - begin);
+            throughRun<Entry, Exact, Outputs>(values + begin, end - begin);
         } else {
             for (size_t i = begin; i < end; ++i) lutColor(lut_, values[i].data());
         }
@@ -210,22 +225,26 @@ void FastLut::throughRuns(Colour* values, size_t count) const noexcept {
     }
 }
 
-template <class Entry, bool Exact>
+template <class Entry, bool Exact, int32_t Outputs>
 void FastLut::throughRun(Colour* values, size_t count) const noexcept {
     const Cell c0 = cells_[0][rowOf(values[0][0])];
     const Cell c1 = cells_[1][rowOf(values[0][1])];
     const Cell c2 = cells_[2][rowOf(values[0][2])];
     const Entry* const base = static_cast<const Entry*>(lut_.clut) +
                               (size_t{c0.offset} + c1.offset + c2.offset);
-    const double n0 = c0.near, f0 = c0.far, n1 = c1.near, f1 = c1.far, n2 = c2.near, f2 = c2.far;
+    const double reciprocal = 1 / (static_cast<double>(c0.near + c0.far) * (c1.near + c1.far) *
+                                   (c2.near + c2.far));
+    const double scale = Exact ? 1 : reciprocal;
+    const double n0 = c0.near * scale, f0 = c0.far * scale;
+    const double n1 = c1.near, f1 = c1.far, n2 = c2.near, f2 = c2.far;
     const double weight[8] = {n0 * n1 * n2, n0 * n1 * f2, n0 * f1 * n2, n0 * f1 * f2,
                               f0 * n1 * n2, f0 * n1 * f2, f0 * f1 * n2, f0 * f1 * f2};
     const Entry* line[8];
     for (size_t corner = 0; corner < 8; ++corner) line[corner] = base + lines_[corner];
 
     // The first three axes, for every plane of the last.
-    double planes[kMaxPlanes * kMaxLutChannels + kLanes];
-    const auto length = static_cast<size_t>(gridPoints_ * outputs_);
+    double planes[kMaxPlanes * Outputs + kLanes];
+    const auto length = static_cast<size_t>(gridPoints_ * Outputs);
     for (size_t j = 0; j < length; ++j) {
         planes[j] = weight[0] * line[0][j] + weight[1] * line[1][j] + weight[2] * line[2][j] +
                     weight[3] * line[3][j] + weight[4] * line[4][j] + weight[5] * line[5][j] +
@@ -233,34 +252,32 @@ void FastLut::throughRun(Colour* values, size_t count) const noexcept {
     }
     std::fill_n(planes + length, kLanes, 0.0);  // lanes beyond the outputs read on
 
-    const double volume = static_cast<double>(c0.near + c0.far) * (c1.near + c1.far) *
-                          (c2.near + c2.far);
-    Masks used;
-    for (int32_t k = 0; k < 4; ++k) used[k] = k < outputs_ ? -1 : 0;
+    constexpr Ints kUsed = {-1, Outputs > 1 ? -1 : 0, Outputs > 2 ? -1 : 0, Outputs > 3 ? -1 : 0};
     for (size_t i = 0; i < count; ++i) {
-        const Cell c3 = cells_[3][rowOf(values[i][3])];
+        const LastCell& last = lastCells_[rowOf(values[i][3])];
         Doubles low, high;
-        std::memcpy(&low, planes + c3.offset, sizeof low);
-        std::memcpy(&high, planes + c3.offset + outputs_, sizeof high);
-        Doubles sum = low * static_cast<double>(c3.near) + high * static_cast<double>(c3.far);
-        const double reciprocal = 1 / (volume * (c3.near + c3.far));
-        if constexpr (Exact) sum += 0.5;  // away from the whole numbers, whatever the rounding
-        const Doubles quotient = sum * reciprocal;
-        const Ints whole = __builtin_convertvector(quotient, Ints);
-        if constexpr (!Exact) {
-            // Both sums are within 32 roundings of the true one, far below a millionth. Only
-            // corners that are all 0 sum up to 0, and then in any order.
+        std::memcpy(&low, planes + last.offset, sizeof low);
+        std::memcpy(&high, planes + last.offset + Outputs, sizeof high);
+        const Doubles sum = low * last.near + high * last.far;
+        Ints whole;
+        if constexpr (Exact) {
+            // Half a unit away from the whole numbers, no rounding crosses one.
+            whole = __builtin_convertvector((sum + 0.5) * (reciprocal * last.reciprocal), Ints);
+        } else {
+            // Both sums are within 32 roundings of the true one, far below a millionth.
             constexpr double kTooNear = 1e-6;
-            const Doubles rest = quotient - __builtin_convertvector(whole, Doubles);
-            const Masks unsure = ((rest < kTooNear) | (rest > 1 - kTooNear)) & (quotient != 0) & used;
-            if ((unsure[0] | unsure[1] | unsure[2] | unsure[3]) != 0) {
+            whole = __builtin_convertvector(sum + kTooNear, Ints);
+            const Ints unsure = (whole ^ __builtin_convertvector(sum - kTooNear, Ints)) & kUsed;
+            uint64_t halves[2];
+            std::memcpy(halves, &unsure, sizeof halves);
+            if (halves[0] | halves[1]) {
                 lutColor(lut_, values[i].data());
                 continue;
             }
         }
         int32_t blended[kLanes];
         std::memcpy(blended, &whole, sizeof blended);
-        writeOutputs(blended, values[i]);
+        writeOutputs<Outputs>(blended, values[i]);
     }
 }
 

@@ -21,31 +21,44 @@ public:
     void colours(Colour* values, size_t count) const noexcept;
 
 private:
+    using Kernel = void (FastLut::*)(Colour*, size_t) const noexcept;
+
     // Where a row of the work table leads to on one axis of the grid.
     struct Cell {
         uint32_t offset;  // of the cell's lower end, in entries
         int32_t near;     // weights of the lower and the upper end; they add up to the width
         int32_t far;
     };
+    // The same on the last axis of a run.
+    struct LastCell {
+        double near, far;   // as fractions of the width where sums are not exact
+        double reciprocal;  // of the width
+        size_t offset;
+    };
+    // The same for tetrahedra.
     struct Fraction {
         uint32_t offset;  // in entries of padded_
         float fraction;
     };
 
     size_t rowOf(int32_t value) const noexcept;
+    template <int32_t Outputs>
     void writeOutputs(const int32_t* blended, Colour& values) const noexcept;
 
     void prepareTetrahedra();
+    template <int32_t Outputs>
     void throughTetrahedra(Colour* values, size_t count) const noexcept;
 
     void prepareRuns();
     template <class Entry, bool Exact>
+    Kernel runsKernel() const noexcept;
+    template <class Entry, bool Exact, int32_t Outputs>
     void throughRun(Colour* values, size_t count) const noexcept;
-    template <class Entry, bool Exact>
+    template <class Entry, bool Exact, int32_t Outputs>
     void throughRuns(Colour* values, size_t count) const noexcept;
 
     const IccLut& lut_;
-    void (FastLut::*kernel_)(Colour*, size_t) const noexcept = nullptr;  // null: one by one
+    Kernel kernel_ = nullptr;  // null: one by one
     int32_t outputs_, gridPoints_, maximum_, shift_;
     std::array<std::vector<uint16_t>, kMaxLutChannels> outputCurves_;
 
@@ -57,7 +70,8 @@ private:
     bool hasMatrix_ = false;
 
     // Four inputs.
-    std::array<std::vector<Cell>, kMaxLutChannels> cells_;
+    std::array<std::vector<Cell>, 3> cells_;
+    std::vector<LastCell> lastCells_;
     std::array<size_t, 8> lines_{};  // offsets of the corners of the first three axes
 };
 
