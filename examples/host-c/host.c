@@ -1,6 +1,6 @@
 /* A host program: makes a device link from a printer's and a press's profile.
  *   host PRINTER.icc SOURCE.icc OUTPUT.icc [BLACK.bkc]
- * The source's colours are matched on the printer with relative intent; pure inks stay pure,
+ * The source's colours are matched on the printer with perceptual intent; pure inks stay pure,
  * and the paper gets no ink. */
 #include <stdio.h>
 #include <string.h>
@@ -31,7 +31,7 @@ int main(int argc, char **argv) {
     if (!setPath(settings.destinationPath, argv[1])) return 1;
     if (!setPath(settings.sourcePath, argv[2])) return 1;
     if (argc == 5 && !setPath(settings.blackPath, argv[4])) return 1;
-    settings.intent = 1;
+    settings.intent = 0;
     settings.preservation = 2;
     settings.whiteMode = 1;
     settings.limit = 200;

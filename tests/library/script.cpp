@@ -365,7 +365,7 @@ void combine() {
         writeFile("table.amt", table.substr(972 - 256));
     }
     constexpr Job kJobs[] = {
-        {"real", "", "source.icc", "printer.icc", "", 1, 0, 0},
+        {"real", "", "source.icc", "printer.icc", "", 0, 0, 0},
         {"whole", "printer.icc", "printer.icc", "printer.icc", "10.bkc", 0, 2, 2},
         {"base", "table.lut", "", "", "11.bkc", 0, 1, 1},
         {"amatch", "table.amt", "", "", "", 0, 0, 2},

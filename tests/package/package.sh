@@ -73,8 +73,8 @@ else
 fi
 check "$target: that host makes a link as well" makes_link "./by_pkg_config$suffix" by_pkg_config.icc
 
-same_bytes() { cmp <(dated by_cmake.icc) <(dated by_pkg_config.icc); }
-dated() { head -c 24 "$1"; tail -c +37 "$1"; }  # without the date
+same_bytes() { [ -s by_cmake.icc ] && cmp <(undated by_cmake.icc) <(undated by_pkg_config.icc); }
+undated() { head -c 24 "$1"; tail -c +37 "$1"; }  # without the date
 check "$target: both hosts wrote the same link" same_bytes
 
 if [ "$target" = linux ]; then
