@@ -78,7 +78,8 @@ TEST(SettingsReader, SkipsLinesItCannotRead) {
 }
 
 TEST(SettingsReader, SkipsLinesWithNulBytes) {
-    const std::string text("<A>\nK\0 = 1\nL = \0\nM = 2\n</A>\n", 30);
+    constexpr char kBytes[] = "<A>\nK\0 = 1\nL = \0\nM = 2\n</A>\n";
+    const std::string text(kBytes, sizeof kBytes - 1);
     EXPECT_EQ(valueIn(text, "\\A", "K"), "(none)");
     EXPECT_EQ(valueIn(text, "\\A", "L"), "(none)");
     EXPECT_EQ(valueIn(text, "\\A", "M"), "2");
