@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
+#include <optional>
+#include <span>
 
 #include "cmyk/description.h"
 #include "cmyk/load.h"
@@ -10,6 +13,7 @@
 #include "frame/text.h"
 #include "icc/icc.h"
 #include "icc/lut.h"
+#include "icc/lut_fast.h"
 
 namespace ko::cmyk {
 namespace {
@@ -65,20 +69,48 @@ void copyGrid(CmykProfile& profile, const IccLut& lut) noexcept {
     for (uint32_t& node : profile.grid) node = reverse32(node);
 }
 
-// One call of the evaluator a node. 16-bit tables see levels of 256 steps and give them back.
-void evaluateGrid(CmykProfile& profile, const IccLut& lut) noexcept {
+// A LUT made ready, and closed again. One that cannot be evaluated leaves colours as they are.
+class Evaluator {
+public:
+    explicit Evaluator(IccLut& lut) : lut_(lut) {
+        try {
+            if (icc::lutSetup(&lut_) == 1) fast_.emplace(lut_);
+        } catch (const std::bad_alloc&) {
+            // The plain evaluator needs no more memory and gives the same bits.
+        }
+    }
+    ~Evaluator() { icc::lutClose(&lut_); }
+    Evaluator(const Evaluator&) = delete;
+    Evaluator& operator=(const Evaluator&) = delete;
+
+    void colours(std::span<icc::FastLut::Colour> values) const noexcept {
+        if (fast_) return fast_->colours(values.data(), values.size());
+        for (auto& colour : values) icc::lutColor(lut_, colour.data());
+    }
+
+private:
+    IccLut& lut_;
+    std::optional<icc::FastLut> fast_;
+};
+
+// Every node through the evaluator, a run along K at a time. 16-bit tables see levels of 256
+// steps and give them back.
+void evaluateGrid(CmykProfile& profile, IccLut& lut) {
+    const Evaluator evaluator(lut);
     const int32_t scale = lut.precision == 2 ? 256 : 1;
     uint32_t* node = profile.grid;
+    std::array<icc::FastLut::Colour, kGridPoints> run;
     for (int32_t c = 0; c < kGridPoints; ++c)
         for (int32_t m = 0; m < kGridPoints; ++m)
-            for (int32_t y = 0; y < kGridPoints; ++y)
-                for (int32_t k = 0; k < kGridPoints; ++k) {
-                    int32_t values[4] = {nodeValue(c) * scale, nodeValue(m) * scale,
-                                         nodeValue(y) * scale, nodeValue(k) * scale};
-                    icc::lutColor(lut, values);
-                    *node++ = packCmyk(values[0] / scale, values[1] / scale, values[2] / scale,
-                                       values[3] / scale);
-                }
+            for (int32_t y = 0; y < kGridPoints; ++y) {
+                for (int32_t k = 0; k < kGridPoints; ++k)
+                    run[k] = {nodeValue(c) * scale, nodeValue(m) * scale, nodeValue(y) * scale,
+                              nodeValue(k) * scale};
+                evaluator.colours(run);
+                for (const auto& out : run)
+                    *node++ = packCmyk(out[0] / scale, out[1] / scale, out[2] / scale,
+                                       out[3] / scale);
+            }
 }
 
 }  // namespace
@@ -104,10 +136,7 @@ void takeCurves(CmykProfile& profile, const IccLut& lut) noexcept {
 
 void takeGrid(CmykProfile& profile, IccLut& lut) {
     if (lut.precision == 1 && lut.gridPoints == kGridPoints) return copyGrid(profile, lut);
-    // A shape that cannot be evaluated leaves every node its own levels.
-    (void)icc::lutSetup(&lut);
     evaluateGrid(profile, lut);
-    icc::lutClose(&lut);
 }
 
 int32_t loadIccProfile(CmykProfile& profile, const char* path) {

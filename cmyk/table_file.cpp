@@ -3,13 +3,12 @@
 #include <array>
 #include <bit>
 #include <charconv>
-#include <cstdio>
-#include <limits>
 #include <optional>
 #include <span>
 #include <string_view>
 
 #include "cmyk/cmyk.h"
+#include "frame/scan.h"
 #include "frame/text.h"
 
 namespace ko::cmyk {
@@ -85,32 +84,18 @@ bool isBeginData(std::string_view line) noexcept {
     });
 }
 
-constexpr bool isBlank(char c) noexcept { return c == ' ' || c == '\t'; }
-constexpr bool isSeparator(char c) noexcept { return isBlank(c) || c == ','; }
-
-// The number at the beginning of a text, as atoi reads it; 0 when there is none. One that does
-// not fit is the nearest that does.
-int32_t leadingNumber(std::string_view text) noexcept {
-    while (!text.empty() && (text[0] == ' ' || (text[0] >= '\t' && text[0] <= '\r'))) text.remove_prefix(1);
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+')) text.remove_prefix(1);
-    int64_t value = 0;
-    for (size_t at = 0; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at)
-        value = std::min<int64_t>(value * 10 + (text[at] - '0'), int64_t{1} << 31);
-    if (negative) return static_cast<int32_t>(-value);
-    return static_cast<int32_t>(std::min<int64_t>(value, std::numeric_limits<int32_t>::max()));
-}
-
-// A line's numbers. Blanks before the first count for nothing; what follows a number up to a
-// separator is skipped, and any run of separators is one.
+// A line's numbers, 0 where there is none. Blanks before the first count for nothing; what follows
+// a number up to a separator is skipped, and any run of separators is one.
 template <size_t Count>
 std::array<int32_t, Count> numbersOf(std::string_view line) noexcept {
-    while (!line.empty() && isBlank(line[0])) line.remove_prefix(1);
+    constexpr std::string_view kSeparators = "\t ,";
+    Scanner scanner(line);
+    scanner.skip("\t ");
     std::array<int32_t, Count> numbers;
     for (int32_t& number : numbers) {
-        number = leadingNumber(line);
-        while (!line.empty() && !isSeparator(line[0])) line.remove_prefix(1);
-        while (!line.empty() && isSeparator(line[0])) line.remove_prefix(1);
+        number = scanner.integer();
+        scanner.advanceTo(kSeparators);
+        scanner.skip(kSeparators);
     }
     return numbers;
 }
