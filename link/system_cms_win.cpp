@@ -7,6 +7,7 @@
 #include <icm.h>
 
 #include "frame/block.h"
+#include "frame/platform.h"
 #include "link/system_cms.h"
 
 namespace ko::link::system {
@@ -18,14 +19,26 @@ struct Transform {
     HTRANSFORM handle;
 };
 
-Profile* openProfile(const char* path) {
+namespace {
+
+HPROFILE open(const char* path) {
     const size_t length = std::strlen(path) + 1;
     const auto block = allocateBlock<PROFILE>(sizeof(PROFILE) + length);
     if (!block) return nullptr;
     char* const name = reinterpret_cast<char*>(block.get() + 1);
     std::memcpy(name, path, length);
     *block = {PROFILE_FILENAME, name, static_cast<DWORD>(length)};
-    const HPROFILE handle = ::OpenColorProfileA(block.get(), PROFILE_READ, FILE_SHARE_READ, OPEN_EXISTING);
+    return ::OpenColorProfileA(block.get(), PROFILE_READ, FILE_SHARE_READ, OPEN_EXISTING);
+}
+
+}  // namespace
+
+Profile* openProfile(const char* path) {
+    // The system takes a path that is not absolute to be in its own colour folder; everything
+    // else here takes it from the current folder, so that comes first.
+    char absolute[platform::kPathSize];
+    HPROFILE handle = platform::fullPath(path, absolute) ? open(absolute) : nullptr;
+    if (!handle) handle = open(path);
     if (!handle) return nullptr;
     if (auto* profile = new (std::nothrow) Profile{handle}) return profile;
     ::CloseColorProfile(handle);
