@@ -28,7 +28,8 @@ extern "C" uint32_t jKoCmykIccRevLong(uint32_t value) { return ko::icc::revLong(
 extern "C" uint16_t jKoCmykIccRevShort(uint16_t value) { return ko::icc::revShort(value); }
 
 extern "C" IccProfile* jIccLoadHeader(const char* path) {
-    return ko::atBoundary<IccProfile*>(nullptr, [&] { return ko::icc::loadHeader(path).release(); });
+    return ko::atBoundary<IccProfile*>(nullptr,
+                                       [&] { return ko::icc::loadHeader(path).release(); });
 }
 
 extern "C" void* jIccLoadTag(IccProfile* profile, uint32_t signature) {

@@ -291,7 +291,8 @@ double powerOfThird(double t) noexcept {
     const double z = parts.mantissa * entry.reciprocal - 1;
     const double log1pOfZ =
         z * (1 + z * (-1.0 / 2 + z * (1.0 / 3 + z * (-1.0 / 4 + z * (1.0 / 5 - z * (1.0 / 6))))));
-    const double natural = (parts.exponent + entry.halved) * kLn2.high + (entry.log.high + log1pOfZ);
+    const double natural =
+        (parts.exponent + entry.halved) * kLn2.high + (entry.log.high + log1pOfZ);
     return (root + (correction - root * natural * (0x1p-54 / 3))) * powerOfTwo(third);
 }
 

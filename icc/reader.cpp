@@ -66,7 +66,8 @@ ProfilePtr readProfile(ByteSource& source) noexcept {
     return readDirectory(source, *profile) ? std::move(profile) : nullptr;
 }
 
-Block<void> readTag(ByteSource& source, const IccProfile& profile, const IccTagEntry& tag) noexcept {
+Block<void> readTag(ByteSource& source, const IccProfile& profile,
+                    const IccTagEntry& tag) noexcept {
     const TagCodec* const codec = findCodec(tag.signature);
     if (!codec || !codec->decode) return nullptr;
     return codec->decode(Element(source, tag, profile.swapBytes == 1));

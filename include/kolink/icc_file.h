@@ -21,22 +21,27 @@ KOLINK_API IccProfile *jIccLoadHeader(const char *path);
  *              cprt, desc: NUL-terminated text
  *              wtpt, bkpt, rXYZ, gXYZ, bXYZ: float[3], X, Y, Z
  *              rTRC, gTRC, bTRC: IccCurve
- * The first entry with the signature counts. A table cut short by the end of the file has zeros
- * in its missing entries.
- * Returns null for any other signature, a tag that is absent, has another element type or an
- * empty description, a claim of over 64 MiB more than the file holds, and short memory. */
+ * The first entry with the signature counts. A LUT of any shape loads; jIccLutSetup says which
+ * can be evaluated. Texts get a NUL behind their last byte. A table cut short by the end of the
+ * file has zeros in its missing entries.
+ * Returns null for any other signature, a tag that is absent, has another element type, an
+ * empty description or a text without its header, a claim of over 64 MiB more than the file
+ * holds, and short memory. */
 KOLINK_API void *jIccLoadTag(IccProfile *profile, uint32_t signature);
 
 /* The three writers share their procedure: the profile's path becomes path; header, tag count
  * (entries with data), directory, then the elements in directory order, each on a multiple of
  * 4. The in-memory profile keeps its offsets and sizes. What a writer does not handle keeps an
- * empty directory slot at the end.
+ * empty directory slot at the end. The file is put together in memory before the old one is
+ * touched. A LUT whose precision is neither 1 nor 2 is written with four zero bytes for its
+ * type; numbers beyond s15Fixed16 become its ends.
  *   jIccSaveProfile        LUT tags, cprt, desc, wtpt, bkpt
  *   jIccSaveDeviceProfile  the same; A2B0 also as A2B1 and A2B2, B2A1 also as B2A2
  *   jIccSaveLinkProfile    A2B0, cprt, desc, pseq
  *   path                   at most 259 bytes
  * Return 1 when written, and also when the file could not be created (nothing is written then);
- * 0 when profile is null, path is null or too long, or no tag has data. */
+ * 0 when profile is null, path is null or too long, no tag has data, a LUT lacks a table
+ * or the file would pass 4 GiB, and when memory is short. */
 KOLINK_API uint32_t jIccSaveProfile(IccProfile *profile, const char *path);
 KOLINK_API uint32_t jIccSaveDeviceProfile(IccProfile *profile, const char *path);
 KOLINK_API uint32_t jIccSaveLinkProfile(IccProfile *profile, const char *path);

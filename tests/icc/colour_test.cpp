@@ -168,7 +168,8 @@ TEST(IccXyzDecode, TurnsBothFormsBack) {
 }
 
 TEST(IccColour, SurvivesWhatIsNoNumber) {
-    for (const double odd : {double(NAN), double(INFINITY), -double(INFINITY), 1e308, -1e308, 5e-324}) {
+    constexpr double kInfinity = INFINITY, kNan = NAN;
+    for (const double odd : {kNan, kInfinity, -kInfinity, 1e308, -1e308, 5e-324}) {
         const Colour colour = {odd, odd, odd};
         for (const Colour& white : {kD50, Colour{0, 0, 0}, colour}) {
             (void)after(jIccXYZtoLab, colour, white.data());
@@ -223,20 +224,25 @@ TEST(IccTrcColor, TruncatesTheBlendAndTheByte) {
     EXPECT_EQ(through({255, 255}, 100), 0);
 }
 
+double exactPosition(size_t count, int32_t value) {
+    return static_cast<double>((count - 1) * static_cast<size_t>(value)) / 255.0;
+}
+
 TEST(IccTrcColor, RoundsThePositionToSinglePrecision) {
     int differences = 0;
     for (size_t count = 30000; count < 30020; ++count) {
         std::vector<uint16_t> entries(count);
         for (size_t at = 0; at < count; ++at) entries[at] = at % 2 ? 65535 : 0;
         for (int32_t value = 1; value < 255; ++value) {
-            const double exact = static_cast<double>((count - 1) * static_cast<size_t>(value)) / 255.0;
+            const double exact = exactPosition(count, value);
             const double single = static_cast<float>(exact);
             const auto index = static_cast<size_t>(exact);
             if (static_cast<size_t>(single) != index) continue;
             const auto blend = [&](double position) {
                 const double above = position - static_cast<double>(index);
                 const double below = static_cast<double>(index + 1) - position;
-                return static_cast<int32_t>(above * entries[index + 1] + below * entries[index]) / 256;
+                const double sum = above * entries[index + 1] + below * entries[index];
+                return static_cast<int32_t>(sum) / 256;
             };
             differences += blend(exact) != blend(single);
             ASSERT_EQ(through(entries, value), blend(single)) << count << ' ' << value;
@@ -251,8 +257,7 @@ TEST(IccTrcColor, FollowsTheFormulaForEveryLevelAndSize) {
         std::vector<uint16_t> entries(count);
         for (uint16_t& entry : entries) entry = static_cast<uint16_t>(random());
         for (int32_t value = 0; value < 256; ++value) {
-            const auto position =
-                static_cast<float>(static_cast<double>((count - 1) * static_cast<size_t>(value)) / 255.0);
+            const auto position = static_cast<float>(exactPosition(count, value));
             const auto index = static_cast<size_t>(position);
             int32_t expected = entries.back() >> 8;
             if (index < count - 1) {

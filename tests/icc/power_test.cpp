@@ -103,7 +103,8 @@ TEST(IccPower, IsTheNearestDoubleForRationalExponents) {
         const int p = 1 + static_cast<int>(numbers.below(9));
         const int q = 1 << numbers.below(3);
         // Bases with few bits meet exact results and ties.
-        const double base = at % 3 ? numbers.any(-20, 20) : numbers.few(1 + static_cast<int>(numbers.below(30)));
+        const int bits = 1 + static_cast<int>(numbers.below(30));
+        const double base = at % 3 ? numbers.any(-20, 20) : numbers.few(bits);
         const double result = power(base, static_cast<double>(p) / q);
         const Wide target = repeated(base, p);
         const Wide slack = target * 0x1p-100;  // within the error of these products

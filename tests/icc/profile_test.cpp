@@ -131,7 +131,9 @@ TEST(IccBindTag, TakesAnySignature) {
     EXPECT_EQ(profile->tagCount, 2);
 }
 
-TEST(IccBindTag, RefusesNoProfile) { EXPECT_EQ(jIccBindTag(nullptr, signature("desc"), nullptr), 0); }
+TEST(IccBindTag, RefusesNoProfile) {
+    EXPECT_EQ(jIccBindTag(nullptr, signature("desc"), nullptr), 0);
+}
 
 TEST(IccUnbindTag, RemovesTheEntryAndKeepsTheOrderOfTheOthers) {
     const ProfileHandle profile(jIccCreate(0));

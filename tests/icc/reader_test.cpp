@@ -335,7 +335,8 @@ TEST_F(IccReader, ReadsOnlyTheFirstTripleOfAnXyzElement) {
 
 TEST_F(IccReader, DecodesNumbersInHostOrder) {
     Bytes xyz = element("XYZ ");
-    for (const uint32_t value : {0x10000u, 0x8000u, 0x4000u}) append32(xyz, jKoCmykIccRevLong(value));
+    for (const uint32_t value : {0x10000u, 0x8000u, 0x4000u})
+        append32(xyz, jKoCmykIccRevLong(value));
     Bytes curve = element("curv");
     append32(curve, jKoCmykIccRevLong(2));
     append16(curve, 0x0201);
@@ -542,7 +543,8 @@ TEST_F(IccReader, LoadsLutsOfAnyShapeThatTheFileCanHold) {
     };
     for (const auto [inputs, outputs, gridPoints] :
          {Shape{0, 3, 2}, Shape{3, 0, 2}, Shape{3, 3, 0}, Shape{0, 0, 0}, Shape{4, 4, 1},
-          Shape{5, 3, 2}, Shape{15, 3, 1}, Shape{1, 255, 2}, Shape{255, 255, 1}, Shape{255, 1, 0}}) {
+          Shape{5, 3, 2}, Shape{15, 3, 1}, Shape{1, 255, 2}, Shape{255, 255, 1},
+          Shape{255, 1, 0}}) {
         const LutElement spec{.inputs = inputs, .outputs = outputs, .gridPoints = gridPoints};
         const auto profile = loadWith({{"A2B0", spec.bytes()}});
         const auto* const lut = tag<IccLut>(profile, signature("A2B0"));

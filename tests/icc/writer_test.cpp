@@ -399,7 +399,8 @@ TEST_F(IccWriter, KeepsTheMixedOrderOfAHostOrderProfile) {
     bind(profile, "A2B0", lut);
     const Bytes file = saved(jIccSaveProfile, profile);
     // The header in host order, but for its size, which is big-endian like the directory.
-    EXPECT_EQ(std::memcmp(&file[4], reinterpret_cast<const uint8_t*>(&profile->header) + 4, 124), 0);
+    const auto* const header = reinterpret_cast<const uint8_t*>(&profile->header);
+    EXPECT_EQ(std::memcmp(&file[4], header + 4, 124), 0);
     EXPECT_EQ(std::memcmp(&file[36], "psca", 4), 0);
     EXPECT_EQ(get32(file, 0), file.size());
     EXPECT_EQ(get32(file, 128), 3u);

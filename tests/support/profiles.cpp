@@ -5,7 +5,9 @@
 namespace ko::test {
 namespace {
 
-void append(Bytes& bytes, const Bytes& more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
+void append(Bytes& bytes, const Bytes& more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
 
 size_t power(size_t base, int exponent) {
     size_t result = 1;
@@ -129,9 +131,9 @@ std::vector<DirectoryEntry> directoryOf(const Bytes& profile) {
 }
 
 Bytes elementOf(const Bytes& profile, std::string_view wanted) {
-    for (const DirectoryEntry& entry : directoryOf(profile))
-        if (entry.signature == wanted)
-            return Bytes(profile.begin() + entry.offset, profile.begin() + entry.offset + entry.size);
+    for (const auto& [name, offset, size] : directoryOf(profile))
+        if (name == wanted)
+            return Bytes(profile.begin() + offset, profile.begin() + offset + size);
     return {};
 }
 
@@ -149,7 +151,9 @@ void* hostBlock(const void* bytes, size_t size) {
     return block;
 }
 
-void* hostText(std::string_view text) { return hostBlock(std::string(text).c_str(), text.size() + 1); }
+void* hostText(std::string_view text) {
+    return hostBlock(std::string(text).c_str(), text.size() + 1);
+}
 
 IccLut* hostLut(int32_t inputs, int32_t outputs, int32_t gridPoints, uint8_t precision,
                 int32_t inputEntries, int32_t outputEntries) {
