@@ -313,6 +313,52 @@ void saveAndLoadTones() {
     }
 }
 
+// Sets in every printf format, saved, damaged and read again; values of both interpolations.
+void calibrate() {
+    constexpr const char* kFormats[] = {"%.0f", "%.3f", "%.9g", "%+.6e", "%08.2f", "%-9.1G", "%#.4g",
+                                        "% .20f", "%n"};
+    Results out("calibration.txt");
+    Random random(5);
+    const auto put = [&](const CalibCurveSet* set) {
+        out.number(set != nullptr);
+        if (!set) return out.endLine();
+        const CalibChannel* channels = set->channels;
+        for (int32_t channel = 0; channel < set->channelCount; ++channel) {
+            for (int32_t at = 0; at < channels[channel].toneCount; ++at)
+                out.bits(channels[channel].tones[at].x).bits(channels[channel].tones[at].y);
+            for (int32_t sample = 0; sample < 500; ++sample)
+                out.bits(jKoCalibGetToneValue(set, channel,
+                                              static_cast<float>(random.fraction() * set->range)));
+            out.endLine();
+        }
+    };
+    for (int32_t turn = 0; turn < 40; ++turn) {
+        const char* const format = kFormats[turn % 9];
+        CalibCurveSet* set = jKoCalibCreateCurve(1 + turn % 4, turn % 3 == 0 ? 100 : 255, 1000);
+        require(set, "no calibration set");
+        std::strcpy(set->formatX, format);
+        std::strcpy(set->formatY, kFormats[(turn + turn / 9) % 9]);
+        set->ctype = 1 + turn % 2;
+        for (int32_t channel = 0; channel < set->channelCount; ++channel) {
+            jKoCalibSetToneName(set, channel, "1,5", static_cast<uint32_t>(random.between(0, 0xffffff)));
+            for (int32_t tone = random.between(0, 40); tone > 0; --tone)
+                jKoCalibSetToneValue(set, channel, static_cast<float>(random.fraction() * set->range),
+                                     static_cast<float>(random.fraction() * 1100));
+        }
+        put(set);
+        const std::string path = std::to_string(turn) + ".clb", copy = "d" + path;
+        require(jKoCalibSaveCurve(set, path.c_str()) == 1, "a calibration set was not saved");
+        jKoCalibReleaseCurve(set);
+        writeFile(copy, damaged(readFile(path), static_cast<uint32_t>(turn)));
+        for (const std::string& file : {path, copy}) {
+            CalibCurveSet* loaded = jKoCalibLoadCurve(file.c_str());
+            require(loaded || file == copy, "a calibration set was not loaded");
+            put(loaded);
+            jKoCalibReleaseCurve(loaded);
+        }
+    }
+}
+
 constexpr uint32_t signature(const char (&text)[5]) {
     uint32_t value = 0;
     for (int at = 0; at < 4; ++at) value = value << 8 | static_cast<uint8_t>(text[at]);
@@ -433,6 +479,7 @@ int main(int argc, char** argv) {
     convertColours();
     drawCurves();
     saveAndLoadTones();
+    calibrate();
     combine();
     std::puts("done");
 }
