@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 #include <lcms2.h>
 
+#include <cstring>
 #include <memory>
 #include <random>
 #include <vector>
@@ -92,5 +93,26 @@ void LittleCmsTransform(benchmark::State& state) {
     cmsCloseProfile(profile);
 }
 BENCHMARK(LittleCmsTransform)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+
+// A link from two of Debian's press profiles, or a monitor and a press.
+void LinkBuild(benchmark::State& state, LinkProfile* (*build)(const CmsLinkSettings*), const char* source) {
+    CmsLinkSettings settings;
+    jCmsInitCms(&settings);
+    std::strcpy(settings.sourcePath, source);
+    std::strcpy(settings.destinationPath, "/usr/share/color/icc/ghostscript/default_cmyk.icc");
+    for (auto _ : state) {
+        const std::unique_ptr<LinkProfile, LinkRelease> link(build(&settings));
+        if (!link) {
+            state.SkipWithError("the link cannot be built");
+            break;
+        }
+    }
+}
+constexpr char kRgb[] = "/usr/share/color/icc/ghostscript/default_rgb.icc";
+constexpr char kCmyk[] = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
+BENCHMARK_CAPTURE(LinkBuild, own_rgb, jKoLinkCombineRgbProfile, kRgb)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinkBuild, own_cmyk, jKoLinkCombineCmykProfile, kCmyk)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinkBuild, system_rgb, jKoLinkCombineIcmRgbProfile, kRgb)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinkBuild, system_cmyk, jKoLinkCombineIcmCmykProfile, kCmyk)->Unit(benchmark::kMillisecond);
 
 }  // namespace
