@@ -11,5 +11,10 @@ namespace ko::cli {
 void addLinkCommand(CLI::App& app);
 void addInfoCommand(CLI::App& app);
 void addPlotCommand(CLI::App& app);
+void addConvertCommand(CLI::App& app);
+void addImageCommand(CLI::App& app);
+void addListCommand(CLI::App& app);
+void addCalibCommand(CLI::App& app);
+void addTableCommand(CLI::App& app);
 
 }  // namespace ko::cli

@@ -21,6 +21,9 @@ struct UsageFailure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// A check found something and has said so on standard output: exit status 1, no further line.
+struct Found {};
+
 // The user pressed Ctrl-C: exit status 130.
 struct Interrupted : std::runtime_error {
     Interrupted() : std::runtime_error("interrupted, nothing was written") {}

@@ -32,7 +32,7 @@ FileKind kindOf(const std::string& path, std::span<const uint8_t> beginning) {
     static constexpr std::pair<std::string_view, FileKind> kByExtension[] = {
         {".lut", FileKind::cmykTable},      {".amt", FileKind::amatchTable},
         {".bkc", FileKind::blackCurve},     {".tnc", FileKind::cmykToneCurve},
-        {".dcc", FileKind::dcc},
+        {".dcc", FileKind::dcc},            {".clb", FileKind::calibration},
     };
     const std::string extension = lowerExtension(path);
     for (const auto& [known, kind] : kByExtension)

@@ -13,7 +13,7 @@
 
 namespace ko::cli {
 
-enum class FileKind { icc, cmykTable, amatchTable, blackCurve, cmykToneCurve, dcc, foreign };
+enum class FileKind { icc, cmykTable, amatchTable, blackCurve, cmykToneCurve, dcc, calibration, foreign };
 
 // An input file that exists, is a file, can be opened and is not empty.
 struct InputFile {

@@ -8,12 +8,14 @@
 #include <map>
 #include <memory>
 
+#include "cli/calib.h"
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/icc_input.h"
 #include "cli/report.h"
 #include "cli/system.h"
+#include "cli/table_file.h"
 
 namespace ko::cli {
 namespace {
@@ -292,6 +294,20 @@ Json toneReport(const InputFile& file) {
     return report;
 }
 
+Json colourTableReport(const InputFile& file) {
+    const Table table = loadTable(file, std::nullopt);
+    Json report;
+    report["converts"] = table.cmyk ? "CMYK to CMYK" : "RGB to RGB";
+    report["form"] = table.isText ? "text" : "binary";
+    report["gridPoints"] = 17;
+    if (!table.isText) return report;
+    const TableReport text = checkTableText(file, table);
+    report["nodes"] = text.nodes;
+    report["nodesGiven"] = text.nodesGiven;
+    report["oddLines"] = text.warnings.size() + text.moreWarnings;
+    return report;
+}
+
 Json infoReport(const std::string& path) {
     const InputFile file = openInput(path);
     Json report = {{"file", wellFormed(path)}};
@@ -308,9 +324,11 @@ Json infoReport(const std::string& path) {
         case FileKind::blackCurve: return with("black-correction curve (.bkc)", toneReport(file));
         case FileKind::cmykToneCurve: return with("CMYK tone curves (.tnc)", toneReport(file));
         case FileKind::dcc: return with("DCC settings (.dcc)", toneReport(file));
+        case FileKind::calibration: return with("calibration set (.clb)", calibReport(*loadCalib(file)));
         case FileKind::foreign: break;
     }
-    failOn(path, "is no ICC file, and its extension is none of .lut, .amt, .bkc, .tnc, .dcc");
+    if (isTable(file)) return with("colour table", colourTableReport(file));
+    failOn(path, "is no ICC file and no colour table, and its extension is none of .lut, .amt, .bkc, .tnc, .dcc, .clb");
 }
 
 }  // namespace
@@ -323,7 +341,7 @@ void addInfoCommand(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand("info", "Show what a profile, table or curve file holds");
     command->footer(kExamples);
-    command->add_option("file", options->file, "An ICC profile, .lut, .amt, .bkc, .tnc or .dcc file")
+    command->add_option("file", options->file, "An ICC profile, a table, a .lut, .amt, .bkc, .tnc, .dcc or .clb file")
         ->type_name("FILE")->required();
     command->add_flag("--json", options->json, "JSON for programs");
     command->callback([options] {

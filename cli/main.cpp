@@ -22,11 +22,15 @@ constexpr char kExamples[] =
     "  kolink link --source press.icc --destination printer.icc --output proof.icc\n"
     "  kolink info proof.icc\n"
     "  kolink plot proof.icc -o proof.svg\n"
+    "  kolink convert --link proof.icc 0,0,0,255\n"
+    "  kolink image photo.tif print.tif --source srgb.icc --destination press.icc\n"
     "\n"
     "kolink COMMAND --help tells more about one command.\n";
 
 void addCommands(CLI::App& app) {
-    constexpr void (*kCommands[])(CLI::App&) = {addLinkCommand, addInfoCommand, addPlotCommand};
+    constexpr void (*kCommands[])(CLI::App&) = {addLinkCommand,  addInfoCommand, addPlotCommand,
+                                                addConvertCommand, addImageCommand, addListCommand,
+                                                addCalibCommand, addTableCommand};
     for (const auto add : kCommands) add(app);
 }
 
@@ -55,8 +59,8 @@ std::string usageLine(const CLI::App& app, std::string message) {
 
 int run(int argc, char** argv) {
     system::prepareStreams();
-    CLI::App app("Makes ICC device links from CMYK profiles, and shows what profiles, tables and\n"
-                 "tone curves hold.", "kolink");
+    CLI::App app("Makes ICC device links, converts colours and pictures through them, and shows and\n"
+                 "edits what profiles, tables, tone curves and calibration sets hold.", "kolink");
     app.footer(kExamples);
     app.set_version_flag("--version", "kolink " KOLINK_VERSION, "Print the version and exit");
     app.require_subcommand(1);
@@ -69,6 +73,9 @@ int run(int argc, char** argv) {
         app.parse(std::move(arguments));
         finishOut();
         return kDone;
+    } catch (const Found&) {
+        finishOut();
+        return kFailed;
     } catch (const CLI::CallForHelp&) {
         writeOut(app.help());
     } catch (const CLI::CallForVersion& version) {

@@ -9,6 +9,7 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/plot.h"
+#include "cli/table_file.h"
 
 namespace ko::cli {
 namespace {
@@ -30,9 +31,11 @@ std::string picture(const std::string& path) {
         case FileKind::blackCurve:
         case FileKind::cmykToneCurve:
         case FileKind::dcc: return plotTone(file);
+        case FileKind::calibration: return plotCalib(file);
         case FileKind::foreign: break;
     }
-    failOn(path, "is no ICC file, and its extension is none of .lut, .amt, .bkc, .tnc, .dcc");
+    if (isTable(file)) return plotColourTable(file);
+    failOn(path, "is no ICC file and no colour table, and its extension is none of .lut, .amt, .bkc, .tnc, .dcc, .clb");
 }
 
 }  // namespace
@@ -44,7 +47,7 @@ void addPlotCommand(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand("plot", "Draw a file's curves and ramps as an SVG picture");
     command->footer(kExamples);
-    command->add_option("file", options->file, "An ICC profile, .lut, .amt, .bkc, .tnc or .dcc file")
+    command->add_option("file", options->file, "An ICC profile, a table, a .lut, .amt, .bkc, .tnc, .dcc or .clb file")
         ->type_name("FILE")->required();
     command->add_option("-o,--output", options->output, "The picture to write, - for standard output")
         ->type_name("FILE")->required();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,10 @@ void prepareStreams();
 // A path in the form that the library takes: the system's bytes, the ANSI code page on Windows.
 // Empty when that code page cannot express it.
 std::optional<std::string> libraryPath(const std::string& path);
+// The way back.
+std::string fromLibraryPath(std::string_view bytes);
+
+bool isTerminal(std::FILE* stream);
 
 // Shift-JIS (code page 932), the library's text. Empty when a character has no place in it.
 std::optional<std::string> toShiftJis(const std::string& utf8);

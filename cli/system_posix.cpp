@@ -52,6 +52,10 @@ void prepareStreams() {
 
 std::optional<std::string> libraryPath(const std::string& path) { return path; }
 
+std::string fromLibraryPath(std::string_view bytes) { return std::string(bytes); }
+
+bool isTerminal(std::FILE* stream) { return ::isatty(::fileno(stream)) != 0; }
+
 std::optional<std::string> toShiftJis(const std::string& utf8) {
     Converter converter("CP932", "UTF-8");
     if (!converter) return std::nullopt;

@@ -72,6 +72,10 @@ void prepareStreams() {
 
 std::optional<std::string> libraryPath(const std::string& path) { return toCodePage(CP_ACP, path); }
 
+std::string fromLibraryPath(std::string_view bytes) { return toUtf8(toWide(CP_ACP, bytes)); }
+
+bool isTerminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }
+
 std::optional<std::string> toShiftJis(const std::string& utf8) {
     return isWellFormed(utf8) ? toCodePage(kShiftJis, utf8) : std::nullopt;
 }

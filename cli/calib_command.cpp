@@ -1,0 +1,211 @@
+// kolink calib: calibration sets shown, read, edited and drawn.
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <memory>
+
+#include "cli/calib.h"
+#include "cli/command.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/plot.h"
+#include "cli/report.h"
+#include "cli/system.h"
+
+namespace ko::cli {
+
+CalibPtr loadCalib(const InputFile& file) {
+    CalibPtr set(jKoCalibLoadCurve(file.libraryPath.c_str()));
+    if (!set) failOn(file.path, "is no calibration set: it names no channel count from 1 to 16");
+    return set;
+}
+
+std::string calibText(const char* field, size_t size) {
+    return system::fromShiftJis(std::string_view(field, strnlen(field, size)));
+}
+
+Json calibReport(const CalibCurveSet& set) {
+    Json report;
+    report["title"] = calibText(set.title, sizeof set.title);
+    report["description"] = calibText(set.desc, sizeof set.desc);
+    report["range"] = set.range;
+    report["limit"] = set.limit;
+    report["interpolation"] = set.ctype == 1 ? "spline" : "straight lines";
+    report["channels"] = Json::array();
+    for (int32_t at = 0; at < set.channelCount; ++at) {
+        const CalibChannel& channel = set.channels[at];
+        Json entry;
+        entry["channel"] = at + 1;
+        entry["name"] = calibText(channel.name, sizeof channel.name);
+        entry["colour"] = {channel.lrgb & 255, channel.lrgb >> 8 & 255, channel.lrgb >> 16 & 255};
+        entry["tones"] = Json::array();
+        for (int32_t tone = 0; tone < channel.toneCount; ++tone)
+            entry["tones"].push_back({channel.tones[tone].x, channel.tones[tone].y});
+        report["channels"].push_back(entry);
+    }
+    return report;
+}
+
+namespace {
+
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  kolink calib new press.clb --channels 4 --range 100 --title \"Press 3\"\n"
+    "  kolink calib set press.clb 1 50 47.5\n"
+    "  kolink calib value press.clb 1 33\n"
+    "  kolink calib show press.clb\n"
+    "  kolink calib plot press.clb -o press.svg\n"
+    "\n"
+    "Channels count from 1.\n";
+
+float finite(const std::string& text, const char* what) {
+    float value = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (read.ec != std::errc() || read.ptr != text.data() + text.size() || !std::isfinite(value))
+        throw UsageFailure(std::string(what) + ": '" + text + "' is not a number");
+    return value;
+}
+
+struct Options {
+    std::string file, output, x, y, title, description;
+    std::vector<std::string> names;
+    int32_t channel = 1, channels = 4, range = 255, limit = 0;
+    bool json = false, straight = false;
+};
+
+int32_t channelOf(const Options& options, const CalibCurveSet& set) {
+    if (options.channel > set.channelCount)
+        failOn(options.file, "has " + std::to_string(set.channelCount) + " channels, no channel " +
+                                 std::to_string(options.channel));
+    return options.channel - 1;
+}
+
+// The set takes the place of the file in one step; the library writes it beside first.
+void save(CalibCurveSet& set, const std::string& path) {
+    OutputFile output(path, {});
+    if (jKoCalibSaveCurve(&set, toLibraryPath(output.temporary()).c_str()) != 1)
+        failOn(path, "cannot be written");
+    output.commit();
+}
+
+void keepDecimals(char (&format)[8]) {
+    if (std::strcmp(format, "%.0f") == 0) std::strcpy(format, "%g");
+}
+
+template <size_t size>
+std::string checkedText(const std::string& text, const char (&)[size], const char* what) {
+    const auto bytes = system::toShiftJis(text);
+    if (!bytes) throw UsageFailure(std::string(what) + ": '" + text + "' has characters that Shift-JIS lacks");
+    if (bytes->size() >= size || bytes->find_first_of("\r\n") != std::string::npos)
+        throw UsageFailure(std::string(what) + " has to be one line of at most " + std::to_string(size - 1) + " bytes");
+    return *bytes;
+}
+
+void makeNew(const Options& options) {
+    std::error_code error;
+    if (std::filesystem::exists(toPath(options.file), error)) failOn(options.file, "exists already");
+    CalibPtr set(jKoCalibCreateCurve(options.channels, options.range,
+                                     options.limit > 0 ? options.limit : options.range));
+    if (!set) throw Failure("not enough memory");
+    const std::string title = checkedText(options.title, set->title, "--title");
+    const std::string description = checkedText(options.description, set->desc, "--description");
+    jKoCalibSetTitle(set.get(), title.c_str(), description.c_str());
+    set->ctype = options.straight ? 2 : 1;
+    if (options.names.size() > static_cast<size_t>(set->channelCount))
+        throw UsageFailure("--names has more names than there are channels");
+    for (size_t at = 0; at < options.names.size(); ++at) {
+        const std::string name = checkedText(options.names[at], set->channels[0].name, "--names");
+        jKoCalibSetToneName(set.get(), static_cast<int32_t>(at), name.c_str(), 0);
+    }
+    // Tones of a percent scale are given with decimals.
+    for (char* format : {set->formatX, set->formatY}) std::strcpy(format, "%g");
+    save(*set, options.file);
+}
+
+}  // namespace
+
+void addCalibCommand(CLI::App& app) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("calib", "Show, read and edit calibration sets (.clb)");
+    command->footer(kExamples);
+    command->require_subcommand(1);
+    const auto add = [&](const char* name, const char* description) {
+        CLI::App* sub = command->add_subcommand(name, description);
+        sub->add_option("file", options->file, "A calibration set")->type_name("FILE")->required();
+        return sub;
+    };
+    const auto addChannel = [&](CLI::App* sub) {
+        sub->add_option("channel", options->channel, "The channel, from 1")->check(CLI::Range(1, 16))->required();
+    };
+
+    CLI::App* show = add("show", "Say what a set holds");
+    show->add_flag("--json", options->json, "For programs");
+    show->callback([options] {
+        const CalibPtr set = loadCalib(openInput(options->file));
+        writeOut(options->json ? toJson(calibReport(*set)) : toLines(calibReport(*set)));
+    });
+
+    CLI::App* value = add("value", "The output tone at an input tone");
+    addChannel(value);
+    value->add_option("x", options->x, "The input tone")->required();
+    value->callback([options] {
+        const float x = finite(options->x, "x");
+        const CalibPtr set = loadCalib(openInput(options->file));
+        writeOut(number(jKoCalibGetToneValue(set.get(), channelOf(*options, *set), x), 4) + '\n');
+    });
+
+    CLI::App* setting = add("set", "Set the output tone at an input tone");
+    addChannel(setting);
+    setting->add_option("x", options->x, "The input tone")->required();
+    setting->add_option("y", options->y, "The output tone")->required();
+    setting->callback([options] {
+        const float x = finite(options->x, "x"), y = finite(options->y, "y");
+        const CalibPtr set = loadCalib(openInput(options->file));
+        const int32_t channel = channelOf(*options, *set);
+        if (y < 0 || y > static_cast<float>(set->limit))
+            failOn(options->file, "output tones go from 0 to " + std::to_string(set->limit));
+        if (jKoCalibSetToneValue(set.get(), channel, x, y) != 1)
+            failOn(options->file, x < 0 || x > static_cast<float>(set->range)
+                                      ? "input tones go from 0 to " + std::to_string(set->range)
+                                      : "the channel already has its 256 tones");
+        // A format for whole numbers would round the tone away when the file is written.
+        if (std::floor(x) != x) keepDecimals(set->formatX);
+        if (std::floor(y) != y) keepDecimals(set->formatY);
+        save(*set, options->file);
+    });
+
+    CLI::App* deleting = add("delete", "Remove the tone at an input tone; the two ends stay");
+    addChannel(deleting);
+    deleting->add_option("x", options->x, "The input tone")->required();
+    deleting->callback([options] {
+        const float x = finite(options->x, "x");
+        const CalibPtr set = loadCalib(openInput(options->file));
+        if (jKoCalibDeleteToneValue(set.get(), channelOf(*options, *set), x) != 1)
+            failOn(options->file, "there is no tone at " + number(x, 4) + " between the two ends of the channel");
+        save(*set, options->file);
+    });
+
+    CLI::App* making = add("new", "Make a set of identity curves; an existing file stays as it is");
+    making->add_option("--channels", options->channels, "How many, 1 to 16 (4)")->check(CLI::Range(1, 16));
+    making->add_option("--range", options->range, "The largest input tone (255)")->check(CLI::Range(1, 65535));
+    making->add_option("--limit", options->limit, "The largest output tone (that of --range)")->check(CLI::Range(1, 65535));
+    making->add_option("--title", options->title, "Title");
+    making->add_option("--description", options->description, "Description");
+    making->add_option("--names", options->names, "Names of the channels, commas between them")->delimiter(',');
+    making->add_flag("--straight", options->straight, "Straight lines between the tones instead of the spline");
+    making->callback([options] { makeNew(*options); });
+
+    CLI::App* plotting = add("plot", "Draw the curves as an SVG picture");
+    plotting->add_option("-o,--output", options->output, "The picture to write, - for standard output")
+        ->type_name("FILE")->required();
+    plotting->callback([options] {
+        const std::string inputs[] = {options->file};
+        writeText(options->output, plotCalib(openInput(options->file)), inputs);
+    });
+}
+
+}  // namespace ko::cli

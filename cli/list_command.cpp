@@ -1,0 +1,77 @@
+// kolink list: the ICC profiles of a folder.
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "cli/command.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/icc_input.h"
+#include "cli/report.h"
+#include "cli/system.h"
+
+namespace ko::cli {
+namespace {
+
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  kolink list /usr/share/color/icc\n"
+    "  kolink list profiles --space CMYK --json\n";
+
+constexpr int32_t kMost = 20000;  // 5 MB of names
+
+// The files of one kind, as the selection dialog of the library lists them.
+void listInto(std::vector<std::string>& paths, const std::string& folder, const char* pattern,
+              const char* space) {
+    std::vector<char> slots(static_cast<size_t>(kMost) * KOLINK_PATH_SIZE);
+    const std::string search = toLibraryPath(fromPath(toPath(folder) / pattern));
+    std::memcpy(slots.data(), search.c_str(), search.size() + 1);
+    const int32_t count = jColorLoadIccFileList(slots.data(), kMost, space);
+    for (int32_t at = 0; at < count; ++at)
+        paths.emplace_back(&slots[static_cast<size_t>(at) * KOLINK_PATH_SIZE]);
+}
+
+}  // namespace
+
+void addListCommand(CLI::App& app) {
+    struct Options {
+        std::string folder, space;
+        bool json = false;
+    };
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("list", "List the ICC profiles of a folder");
+    command->footer(kExamples);
+    command->add_option("folder", options->folder, "The folder")->type_name("FOLDER")->required();
+    command->add_option("--space", options->space, "Only profiles of this colour space")
+        ->check(CLI::IsMember({"RGB", "CMYK"}));
+    command->add_flag("--json", options->json, "For programs");
+    command->callback([options] {
+        std::error_code error;
+        if (!std::filesystem::is_directory(toPath(options->folder), error))
+            failOn(options->folder, std::filesystem::exists(toPath(options->folder), error)
+                                        ? "is not a folder" : "not found");
+        const char* space = options->space == "RGB" ? "RGB " : options->space == "CMYK" ? "CMYK" : nullptr;
+        std::vector<std::string> paths;
+        for (const char* pattern : {"*.icc", "*.icm"}) listInto(paths, options->folder, pattern, space);
+        Json list = Json::array();
+        std::string text;
+        for (const std::string& path : paths) {
+            const IccProfilePtr profile(jIccLoadHeader(path.c_str()));
+            const bool isIcc = profile && profile->header.magic == signatureOf("acsp");
+            const std::string colours = isIcc ? signatureText(profile->header.colourSpace) : "unreadable";
+            if (!isIcc && space) continue;  // the library lists these under every space
+            Json entry;
+            entry["path"] = wellFormed(system::fromLibraryPath(path));
+            entry["colourSpace"] = isIcc ? Json(colours) : Json(nullptr);
+            list.push_back(entry);
+            text += colours + std::string(colours.size() < 10 ? 11 - colours.size() : 1, ' ') + printable(system::fromLibraryPath(path)) + '\n';
+        }
+        writeOut(options->json ? toJson(list) : text);
+    });
+}
+
+}  // namespace ko::cli

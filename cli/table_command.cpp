@@ -1,0 +1,140 @@
+// kolink table: CMYK and RGB table files shown, converted between their forms, and checked.
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <memory>
+
+#include "cli/command.h"
+#include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/table_file.h"
+
+namespace ko::cli {
+namespace {
+
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  kolink table show press.txt\n"
+    "  kolink table convert press.txt --to binary -o press.bin\n"
+    "  kolink table check press.txt\n";
+
+std::optional<ColourSpace> spaceOption(const std::string& word) {
+    if (word.empty()) return std::nullopt;
+    return word == "CMYK" ? ColourSpace::cmyk : ColourSpace::rgb;
+}
+
+std::span<const uint32_t> nodesOf(const Table& table) {
+    if (table.cmyk) return table.cmyk->nodes;
+    return table.rgb->nodes;
+}
+
+void show(const InputFile& file, const Table& table) {
+    const auto nodes = nodesOf(table);
+    const bool cmyk = table.cmyk != nullptr;
+    std::unique_ptr<CmykLut, TableDeleter> plainCmyk(cmyk ? jKoCmykCreateCmykLut() : nullptr);
+    std::unique_ptr<RgbLut, TableDeleter> plainRgb(cmyk ? nullptr : jKoRgbCreateRgbLut());
+    const uint32_t* const plain = cmyk ? plainCmyk->nodes : plainRgb->nodes;
+    size_t changed = 0;
+    for (size_t at = 0; at < nodes.size(); ++at) changed += nodes[at] != plain[at];
+    std::string text = "file:     " + printable(file.path) + '\n';
+    text += std::string("table:    ") + (cmyk ? "CMYK to CMYK" : "RGB to RGB") + ", 17 grid points\n";
+    text += std::string("form:     ") + (table.isText ? "text" : "binary") + '\n';
+    text += "nodes:    " + grouped(nodes.size()) + ", " + grouped(changed) + " of them not the identity\n";
+    const auto outputs = [&](uint32_t word) {
+        std::string values;
+        for (int at = 0; at < (cmyk ? 4 : 3); ++at)
+            values += (at ? ", " : "") + std::to_string(word >> (cmyk ? 24 - 8 * at : 8 * at) & 255);
+        return values;
+    };
+    text += std::string(cmyk ? "no ink:   " : "black:    ") + outputs(nodes.front()) + '\n';
+    text += std::string(cmyk ? "all inks: " : "white:    ") + outputs(nodes.back()) + '\n';
+    writeOut(text);
+}
+
+void convert(const Table& table, const std::string& form, const std::string& output,
+             const std::string& input) {
+    const std::string inputs[] = {input};
+    OutputFile file(output, inputs);
+    if (form == "text") {
+        const std::string path = toLibraryPath(file.temporary());
+        const int32_t saved = table.cmyk ? jKoCmykSaveCmykLut(table.cmyk.get(), path.c_str())
+                                         : jKoRgbSaveRgbLut(table.rgb.get(), path.c_str());
+        if (saved != 1) failOn(output, "cannot be written");
+    } else {
+        const auto nodes = nodesOf(table);
+        // Read back, a table is binary by a byte that text does not have in its first line.
+        std::ofstream out(toPath(file.temporary()), std::ios::binary);
+        for (const uint32_t word : nodes)
+            for (int shift = 0; shift < 32; shift += 8) out.put(static_cast<char>(word >> shift));
+        if (!out.flush()) failOn(output, "cannot be written");
+        out.close();
+        const InputFile written = openInput(file.temporary());
+        const auto space = table.cmyk ? ColourSpace::cmyk : ColourSpace::rgb;
+        bool same = false;
+        try {
+            const Table again = loadTable(written, space);
+            same = !again.isText && std::ranges::equal(nodesOf(again), nodes);
+        } catch (const Failure&) {}
+        if (!same)
+            failOn(output, "this table cannot be told from text in the binary form; keep it as text");
+    }
+    file.commit();
+}
+
+int check(const InputFile& file, const Table& table) {
+    if (!table.isText) {
+        writeOut(printable(file.path) + ": a binary table, whole\n");
+        return 0;
+    }
+    const TableReport report = checkTableText(file, table);
+    std::string text;
+    for (const std::string& warning : report.warnings) text += printable(file.path) + ": " + warning + '\n';
+    if (report.moreWarnings) text += printable(file.path) + ": and " + grouped(report.moreWarnings) + " more\n";
+    text += printable(file.path) + ": " + grouped(report.nodesGiven) + " of " + grouped(report.nodes) +
+            " nodes are given" + (report.nodesGiven < report.nodes ? "; the others stay the identity" : "") + '\n';
+    writeOut(text);
+    return report.warnings.empty() && report.nodesGiven == report.nodes ? 0 : 1;
+}
+
+}  // namespace
+
+void addTableCommand(CLI::App& app) {
+    struct Options {
+        std::string file, output, form, space;
+    };
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("table", "Show, convert and check CMYK and RGB table files");
+    command->footer(kExamples);
+    command->require_subcommand(1);
+    const auto add = [&](const char* name, const char* description) {
+        CLI::App* sub = command->add_subcommand(name, description);
+        sub->add_option("file", options->file, "A table file")->type_name("FILE")->required();
+        sub->add_option("--space", options->space, "Which of the two tables it is, where that is in doubt")
+            ->check(CLI::IsMember({"RGB", "CMYK"}));
+        return sub;
+    };
+    const auto load = [options](const InputFile& file) { return loadTable(file, spaceOption(options->space)); };
+    add("show", "Say what a table holds")->callback([=] {
+        const InputFile file = openInput(options->file);
+        show(file, load(file));
+    });
+    CLI::App* converting = add("convert", "Write a table in the other form");
+    converting->add_option("--to", options->form, "The form to write")
+        ->check(CLI::IsMember({"text", "binary"}))->required();
+    converting->add_option("-o,--output", options->output, "The file to write")->type_name("FILE")->required();
+    converting->callback([=] {
+        const InputFile file = openInput(options->file);
+        convert(load(file), options->form, options->output, options->file);
+    });
+    add("check", "Look for lines that do not mean what they seem to; exit status 1 if there are any")
+        ->callback([=] {
+            const InputFile file = openInput(options->file);
+            if (check(file, load(file)) != 0) throw Found();
+        });
+}
+
+}  // namespace ko::cli
