@@ -1,0 +1,199 @@
+# Cases of convert, image, list, calib and table; sourced by run, whose helpers they use.
+
+says() {  # says WANTED ARGUMENTS...: standard output is exactly that (line ends aside)
+    local wanted=$1
+    shift
+    kolink "$@" > "$out" 2> "$err" < /dev/null && [ "$(tr -d '\r' < "$out")" = "$wanted" ] || { cat "$out" "$err"; return 1; }
+}
+says_of() {  # says_of WANTED INPUT ARGUMENTS...: the same, with that on standard input
+    local wanted=$1 input=$2
+    shift 2
+    printf '%b' "$input" | kolink "$@" > "$out" 2> "$err" && [ "$(tr -d '\r' < "$out")" = "$wanted" ] || { cat "$out" "$err"; return 1; }
+}
+readonly screen=/usr/share/color/icc/ghostscript/srgb.icc
+
+# ---- convert ----------------------------------------------------------------------------------
+check "convert --help shows an example" shows "  kolink convert " convert --help
+check "built-in: red is magenta and yellow" says "6 255 233 0" convert --builtin 255,0,0
+check "built-in: three colours" says $'0 0 0 0\n255 255 255 255\n236 0 255 0' \
+    convert --builtin 255,255,255 0,0,0 "0 255 0"
+check "built-in: four numbers are CMYK" says "0 0 0" convert --builtin 0,0,0,255
+check "percent in and out" says "0 62.75 77.65" convert --builtin --percent 100,0,0,0
+check "a sign of percent does no harm" says "0 62.75 77.65" convert --builtin --percent "100% 0% 0% 0%"
+check "blanks, tabs, commas and CR LF, empty lines and remarks" \
+    says_of $'6 255 233 0\n236 0 255 0' '255,0\t0\r\n\n# green\n 0 , 255 0' convert --builtin
+check "the last line needs no end" says_of "0 0 0 0" '255 255 255' convert --builtin
+check "grey ink of RGB: white 0, black 255" says $'0\n255' convert --grey 255,255,255 0,0,0
+check "grey ink through the built-in tables" says "0" convert --builtin --grey 255,255,255
+check "a pair of profiles, white stays clean" says "0 0 0 0" convert --source "$screen" --destination "$printer" 255,255,255
+check "a pair through the system: paper white is RGB white" says "255 255 255" \
+    convert --source "$printer" --destination "$screen" --intent relative 0,0,0,0
+own_near_system() {
+    kolink convert --source "$screen" --destination "$printer" --white profile --intent relative < rgb.txt > own.txt &&
+        kolink convert --source "$screen" --destination "$printer" --engine system --intent relative < rgb.txt > system.txt &&
+        paste -d' ' own.txt system.txt | tr -d '\r' | awk '
+            { for (i = 1; i <= 4; ++i) { d = $i - $(i + 4); if (d < 0) d = -d; sum += d; ++n } }
+            END { if (n != 2000) { print n; exit 1 } if (sum / n > 4) { print sum / n; exit 1 } }'
+}
+awk 'BEGIN { srand(7); for (i = 0; i < 500; ++i) print int(rand() * 256), int(rand() * 256), int(rand() * 256) }' > rgb.txt
+check "own and system engine agree within a few levels on average" own_near_system
+rm -f own.txt system.txt
+link_as_library() {
+    "$link_check" levels K > levels.txt
+    kolink convert --link link.icc < levels.txt | tr -d '\r' | cmp - levels.txt
+}
+check "black through a link that keeps it comes out as it went in" link_as_library
+check "a .lut of zeros converts to no ink" says "0 0 0 0" convert --link zeros.lut 10,20,30,40
+million() {
+    awk 'BEGIN { srand(1); for (i = 0; i < 1000000; ++i) print int(rand() * 256), int(rand() * 256), int(rand() * 256) }' > many.txt
+    kolink convert --builtin < many.txt | wc -l | grep -qx '1000000'
+}
+native && check "a million lines" million
+rm -f many.txt
+refuses "no way to convert" 2 "--builtin" convert 1,2,3
+refuses "two ways to convert" 2 "exclude each other" convert --builtin --link link.icc 1,2,3
+refuses "two numbers" 2 "three (RGB) or four (CMYK)" convert --builtin 1,2
+refuses "a word" 1 "'a,b,c,d' is not 4 numbers" convert --link link.icc a,b,c,d
+refuses "a level over 255" 1 "is not 4 numbers from 0 to 255" convert --link link.icc 256,0,0,0
+refuses "not a number" 1 "is not 4 numbers" convert --link link.icc nan,0,0,0
+refuses "percent over 100" 1 "from 0 to 100" convert --link link.icc --percent 101,0,0,0
+refuses "RGB colours for a CMYK link" 1 "is not 4 numbers" convert --link link.icc 1,2,3
+refuses "a source alone" 2 "go together" convert --source "$screen" 1,2,3
+refuses "the own engine to RGB" 1 "--engine system" convert --source "$printer" --destination "$screen" --engine own 0,0,0,0
+refuses "absolute with the own engine" 2 "--engine system" convert --source "$screen" --destination "$printer" --engine own --intent absolute 0,0,0
+refuses "a destination without tables to print with" 1 "tag B2A0 is missing" convert --source "$screen" --destination "$press" --engine own 0,0,0
+refuses "a grey profile" 1 "where RGB or CMYK is needed" convert --source "$grey" --destination "$printer" 0,0,0
+refuses "a press profile as link" 1 "it is no link" convert --link "$printer" 0,0,0,0
+refuses "a link that is not there" 1 "not found" convert --link nowhere.icc 0,0,0,0
+wrong_line() { printf '1 2 3\n4 5\n' | kolink convert --builtin > "$out" 2> "$err"; [ $? = 1 ] && grep -qF "standard input, line 2: '4 5' is not 3 numbers" "$err"; }
+check "a wrong line is named" wrong_line
+long_line() { head -c 100000 /dev/zero | tr '\0' 1 | kolink convert --builtin > "$out" 2> "$err"; [ $? = 1 ] && grep -q "line 1" "$err"; }
+check "a line without end is refused" long_line
+
+# ---- table ------------------------------------------------------------------------------------
+{ printf '#begindata\n255\t255\t255\t255\t1\t2\t3\t4\n0 0 0 0 9 8 7 6\n'; } > one.txt
+check "table check tells of missing nodes" eval '! kolink table check one.txt > "$out" && grep -q "2 of 83,521 nodes are given" "$out"'
+check "a table in text converts" says "9 8 7 6" convert --table one.txt 0,0,0,0
+check "a table goes to binary and back" eval 'kolink table convert one.txt --to binary -o one.bin && kolink table convert one.bin --to text -o two.txt && kolink table convert two.txt --to binary -o two.bin && same one.bin two.bin && [ $(wc -c < one.bin) = 334084 ]'
+check "a binary table converts" says "1 2 3 4" convert --table one.bin 255,255,255,255
+check "table show" eval 'kolink table show one.bin > "$out" && grep -q "CMYK to CMYK" "$out" && grep -q "binary" "$out"'
+check "table check finds nothing in a whole table" eval 'kolink table check two.txt > "$out" && grep -q "83,521 of 83,521" "$out"'
+printf '#begindata\nno number here\n0 0 0 1 2\n16 x 0 1 2 3\n300 0 0 1 2 3\n5 0 0 1 2 3\n5 0 0 1 2 3\n' > odd.txt
+odd_lines() {
+    kolink table check --space RGB odd.txt > "$out" 2>&1 && return 1
+    for words in "line 2: holds no number" "line 3: has 5 numbers instead of 6" "line 4: 'x' is not a whole number" \
+                 "line 5: a level is outside" "line 6: level 5 is between grid points" "line 7: gives a node again"; do
+        grep -qF "$words" "$out" || { echo "$words"; cat "$out"; return 1; }
+    done
+}
+check "table check names every odd line" odd_lines
+check "info of a table" eval 'kolink info one.txt > "$out" && grep -q "CMYK to CMYK" "$out"'
+check "plot of a table" eval 'kolink plot one.bin -o - > "$out" && grep -q "<svg" "$out"'
+refuses "a text that is no table" 1 "is no table" table show text.icc
+refuses "a table over its own source" 1 "not overwritten" table convert one.txt --to text -o one.txt
+rm -f one.bin two.bin one.txt two.txt odd.txt
+
+# ---- calib ------------------------------------------------------------------------------------
+check "calib new makes identity curves" eval 'kolink calib new press.clb --channels 2 --range 100 --title "Press 3" --names "Black,Spot" && kolink calib value press.clb 1 33 > "$out" && [ "$(tr -d "\r" < "$out")" = 33 ]'
+check "calib set stores a tone, decimals and all" eval 'kolink calib set press.clb 1 50 47.5 && [ "$(kolink calib value press.clb 1 50 | tr -d "\r")" = 47.5 ]'
+check "the other channel stays" eval '[ "$(kolink calib value press.clb 2 50 | tr -d "\r")" = 50 ]'
+check "calib show" eval 'kolink calib show press.clb > "$out" && grep -q "Press 3" "$out" && grep -q Spot "$out"'
+check "calib show --json" eval 'kolink calib show press.clb --json | python3 -c "import json,sys; r=json.load(sys.stdin); assert r[\"range\"]==100 and r[\"channels\"][0][\"tones\"]==[[0,0],[50,47.5],[100,100]], r"'
+check "info of a set" eval 'kolink info press.clb > "$out" && grep -q "calibration set" "$out"'
+check "calib plot" eval 'kolink calib plot press.clb -o press.svg && grep -q "<svg" press.svg'
+check "calib delete" eval 'kolink calib delete press.clb 1 50 && [ "$(kolink calib value press.clb 1 50 | tr -d "\r")" = 50 ]'
+refuses "an end tone stays" 1 "between the two ends" calib delete press.clb 1 0
+refuses "a tone that is not there" 1 "there is no tone at 12" calib delete press.clb 1 12
+refuses "a channel that is not there" 1 "no channel 3" calib value press.clb 3 0
+refuses "an input tone beyond the range" 1 "from 0 to 100" calib set press.clb 1 101 5
+refuses "an output tone beyond the limit" 1 "from 0 to 100" calib set press.clb 1 10 101
+refuses "a tone that is no number" 2 "is not a number" calib set press.clb 1 nan 5
+refuses "a tone that is infinite" 2 "is not a number" calib set press.clb 1 5 inf
+refuses "a new set over an old one" 1 "exists already" calib new press.clb
+refuses "seventeen channels" 2 "--channels" calib new more.clb --channels 17
+cp text.icc text.clb
+refuses "a text that is no set" 1 "is no calibration set" calib show text.clb
+rm -f press.svg
+
+# ---- list -------------------------------------------------------------------------------------
+mkdir profiles
+cp "$press" profiles/b.icc
+cp "$screen" profiles/a.icm
+cp text.icc profiles/text.icc
+check "list names profiles and their colours" eval 'kolink list profiles > "$out" && grep -q "^CMYK .*b.icc" "$out" && grep -q "^RGB .*a.icm" "$out" && grep -q "^unreadable .*text.icc" "$out"'
+check "list of one space" eval 'kolink list profiles --space RGB > "$out" && [ "$(wc -l < "$out")" = 1 ] && grep -q a.icm "$out"'
+check "list --json" eval 'kolink list profiles --json | python3 -c "import json,sys; assert len(json.load(sys.stdin))==3"'
+refuses "a folder that is not there" 1 "not found" list nowhere
+refuses "a file in place of a folder" 1 "is not a folder" list text.icc
+
+# ---- image ------------------------------------------------------------------------------------
+if native; then
+    tiff() { python3 "$top/tests/cli/tiff.py" "$@"; }
+    tiff make rgb8.tif 37 23 3 8 2 1
+    tiff make rgb16.tif 37 23 3 16 2 2
+    tiff make cmyk8.tif 37 23 4 8 5 3
+    tiff make rgba.tif 37 23 4 8 2 4
+    tiff make grey.tif 5 5 1 8 1 5
+    as_lines() {  # as_lines PICTURE ARGUMENTS...: a picture's pixels are what convert gives, to a rounding
+        local picture=$1
+        shift
+        kolink image "$picture" result.tif "$@" || return 1
+        tiff colours "$picture" | cut -d' ' -f1-${inputs:-9} | kolink convert "$@" > wanted.txt || return 1
+        tiff colours result.tif > got.txt
+        paste -d' ' wanted.txt got.txt | awk '
+            { if (NF % 2) { print "columns"; exit 1 }
+              for (i = 1; i <= NF / 2; ++i) { d = $i - $(i + NF / 2); if (d > tolerance || d < -tolerance) { print NR ": " $0; exit 1 } } ++n }
+            END { if (n != 37 * 23) { print n; exit 1 } }' tolerance=${tolerance:-0}
+    }
+    check "8-bit RGB through the built-in tables" as_lines rgb8.tif --builtin
+    check "8-bit CMYK through a link" as_lines cmyk8.tif --link link.icc
+    tolerance=1 check "16-bit RGB" as_lines rgb16.tif --builtin
+    check "RGB to a press" as_lines rgb8.tif --source "$screen" --destination "$printer"
+    check "CMYK to a screen, through the system" as_lines cmyk8.tif --source "$printer" --destination "$screen"
+    inputs=3 check "an alpha channel is left out" as_lines rgba.tif --builtin
+    check "resolution and description are kept" eval '[ "$(tiff tag result.tif 282) $(tiff tag result.tif 283)" = "300.0 200.0" ] && [ "$(tiff tag result.tif 270)" = "$(tiff tag rgb8.tif 270)" ]'
+    check "CMYK is marked as such" eval 'kolink image rgb8.tif result.tif --builtin && [ "$(tiff tag result.tif 262) $(tiff tag result.tif 277)" = "5 4" ]'
+    check "grey is lightness" eval 'kolink image rgb8.tif result.tif --grey && tiff colours rgb8.tif | kolink convert --grey | awk "{ print 255 - \$1 }" > wanted.txt && tiff colours result.tif > got.txt && same wanted.txt got.txt'
+    check "--bits 16 widens" eval 'kolink image rgb8.tif result.tif --builtin --bits 16 && [ "$(tiff tag result.tif 258)" = "16 16 16 16" ]'
+    check "--embed puts the destination profile in" eval 'kolink image rgb8.tif result.tif --source "$screen" --destination "$printer" --embed && tiff tag result.tif 34675 | tr " " "\n" | awk "{ printf \"%c\", \$1 }" | wc -l > "$out" && [ "$(tiff tag result.tif 34675 | wc -w)" = "$(wc -c < "$printer")" ]'
+    for form in "-t -w 16 -l 16" "-p separate" "-t -w 16 -l 16 -p separate" "-c lzw" "-c zip" "-r 5"; do
+        check "the same from tiffcp $form" eval 'kolink image rgb8.tif plain.tif --builtin && tiffcp '"$form"' rgb8.tif other.tif && kolink image other.tif result.tif --builtin && tiffcp -c none -r 1000 result.tif result1.tif && tiffcp -c none -r 1000 plain.tif plain1.tif && tiff colours result1.tif > got.txt && tiff colours plain1.tif > wanted.txt && same got.txt wanted.txt'
+    done
+    check "every page of several" eval 'tiffcp rgb8.tif rgb8.tif rgb8.tif pages.tif && kolink image pages.tif result.tif --builtin && [ "$(tiffinfo result.tif | grep -c "Image Width")" = 3 ]'
+    small_memory() {
+        tiff make wide.tif 4000 500 3 8 2 9
+        /usr/bin/env bash -c 'ulimit -v 400000; "$0" "$@"' "${runner[@]}" "$tool" image wide.tif result.tif --builtin
+    }
+    check "a picture takes little memory" small_memory
+    rm -f wide.tif
+    rm -f result.tif
+    refuses "a grey picture" 1 "is neither an RGB nor a CMYK picture" image grey.tif result.tif --builtin
+    refuses "a CMYK picture for an RGB source" 1 "is CMYK, and the conversion takes RGB" image cmyk8.tif result.tif --source "$screen" --destination "$printer"
+    refuses "a picture that is none" 1 "is not a TIFF picture" image text.icc result.tif --builtin
+    refuses "a picture over itself" 1 "not overwritten" image rgb8.tif ./rgb8.tif --builtin
+    refuses "--embed without a profile" 2 "--embed needs" image rgb8.tif result.tif --builtin --embed
+    head -c 1500 rgb8.tif > cut.tif
+    refuses "a picture cut short" 1 "cannot be read" image cut.tif result.tif --builtin
+    rm -f ./*.tif wanted.txt got.txt
+    damaged_pictures() {  # every ending is fine but a crash or a picture half written
+        tiff make good.tif 20 12 3 8 2 8
+        python3 - "$top" << 'PYTHON'
+import random, sys
+good = open("good.tif", "rb").read()
+rng = random.Random(3)
+for n in range(150):
+    data = bytearray(good)
+    for _ in range(rng.randrange(1, 5)):
+        data[rng.randrange(min(len(data), 300))] = rng.choice((0, 1, 127, 128, 255, rng.randrange(256)))
+    if n % 5 == 0: data = data[:rng.randrange(len(data))]
+    open("damaged%d.tif" % n, "wb").write(data)
+PYTHON
+        local n
+        for n in $(seq 0 149); do
+            timeout 20 "$tool" image damaged$n.tif result.tif --builtin > "$out" 2> "$err"
+            [ $? -le 1 ] || { echo "damaged$n.tif"; cat "$err"; return 1; }
+        done
+    }
+    check "damaged pictures end well" damaged_pictures
+    rm -f ./*.tif
+fi
