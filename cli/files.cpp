@@ -178,7 +178,8 @@ void OutputFile::commit() {
 }
 
 void deferInterruption() {
-    for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, noteInterruption);
+    for (const int signal : {SIGINT, SIGTERM})
+        if (std::signal(signal, noteInterruption) == SIG_IGN) std::signal(signal, SIG_IGN);
 }
 
 void writeOut(std::string_view text) {

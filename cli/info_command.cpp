@@ -152,12 +152,13 @@ bool tablesAreIdentity(const IccLut& lut) {
 }
 
 void describeLut(Json& row, const IccLut& lut, const IccTagEntry& entry, const InputFile& file) {
-    row["inputs"] = lut.inputChannels;
-    row["outputs"] = lut.outputChannels;
-    row["gridPoints"] = lut.gridPoints;
+    // By value: the record is packed, and no reference may point into it.
+    row["inputs"] = int32_t{lut.inputChannels};
+    row["outputs"] = int32_t{lut.outputChannels};
+    row["gridPoints"] = int32_t{lut.gridPoints};
     row["bits"] = lut.precision * 8;
-    row["inputEntries"] = lut.inputEntries;
-    row["outputEntries"] = lut.outputEntries;
+    row["inputEntries"] = int32_t{lut.inputEntries};
+    row["outputEntries"] = int32_t{lut.outputEntries};
     uint64_t entries = static_cast<uint64_t>(lut.outputChannels);
     for (int32_t axis = 0; axis < lut.inputChannels && entries <= file.size * 2; ++axis)
         entries *= static_cast<uint64_t>(lut.gridPoints);
