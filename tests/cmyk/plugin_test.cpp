@@ -144,3 +144,24 @@ TEST(PluginCombination, UsesADefaultDccCurveWithoutADestination) {
     EXPECT_THAT(at(result, 0, 10, 0, 0), ElementsAre(inks[0], inks[1], inks[2], inks[3]));
     jKoToneReleaseToneCurve(curve);
 }
+
+TEST(PluginCombination, FeedsThePlugInWithTheBaseProfilesResult) {
+    const Installed plugin;
+    Foreign foreign;
+    const Combined base(jKoCmykCreateProfile());
+    for (uint32_t& word : base->grid) word = 0x10203040;
+    jKoCmykSaveProfile(base.get(), foreign.folder.path("base.icc").c_str());
+    setPath(foreign.settings.basePath, foreign.folder.path("base.icc"));
+    const Combined result = combine(foreign.settings);
+    ASSERT_TRUE(result);
+    ToneCurve* curve = jKoToneCreateToneCurve(6);
+    int32_t inks[4];
+    const auto level = [](int32_t ink) {
+        return static_cast<uint8_t>((255 - ink) * (255 - 0x40) / 255);
+    };
+    jKoToneRGBtoCMYK16(curve, level(0x10), level(0x20), level(0x30), inks);
+    for (int32_t& ink : inks) ink = (ink + 8) / 16;
+    for (int32_t i : {0, 7, 32})
+        EXPECT_THAT(at(result, i, 2, i, 5), ElementsAre(inks[0], inks[1], inks[2], inks[3]));
+    jKoToneReleaseToneCurve(curve);
+}

@@ -551,6 +551,28 @@ TEST(IccLutColor16, LimitsWhatGoesIntoTheGridToItsScale) {
     EXPECT_EQ(colour16(lut.get(), {-255})[0], 0);
 }
 
+TEST(IccLutColor16, NeverPassesTheTopOfTheScale) {
+    // Where every node is at the top, rounding can only stay there or fall one below.
+    for (int32_t precision : {1, 2}) {
+        for (int32_t inputs = 1; inputs <= 4; ++inputs) {
+            MadeLut lut({inputs, 1, 9, precision, 256, 256});
+            lut.identityCurves().flatGrid(lut.maximum());
+            for (int32_t e = 0; e < 256; ++e) lut.setOutput(0, e, lut.maximum() - e / 255);
+            ASSERT_EQ(jIccLutSetup(lut.get()), 1);
+            const int32_t top16 = precision == 1 ? 65280 : 65535;
+            const int32_t last = (lut.maximum() - 1) * (precision == 1 ? 256 : 1);
+            for (int32_t v = 1; v < 65536; v += 1357) {
+                const int32_t result = colour16(lut.get(), {v, 65535 - v, v / 2, v / 3})[0];
+                EXPECT_GE(result, last) << v;
+                EXPECT_LE(result, top16) << v;
+                const int32_t own = precision == 1 ? v / 256 : v;
+                EXPECT_GE(colour(lut.get(), {own, own / 2, own / 3, own / 5})[0],
+                          lut.maximum() - 1);
+            }
+        }
+    }
+}
+
 TEST(IccLutColor16, SurvivesEveryInput) {
     for (int32_t precision : {1, 2}) {
         for (int32_t inputs = 1; inputs <= 4; ++inputs) {
