@@ -468,6 +468,118 @@ void combine() {
     }
 }
 
+// A monitor: colorants and one-entry curves, which go through the library's own powers.
+void makeMonitor(const char* path) {
+    std::string bytes;
+    const auto put = [&](uint32_t value) {
+        for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift);
+    };
+    IccProfile* profile = jIccCreate(2);
+    require(profile, "no profile");
+    for (int32_t field = 0; field < 4; ++field) put(field == 2 ? 0x02100000 : field == 3 ? signature("mntr") : 0);
+    put(signature("RGB "));
+    put(signature("XYZ "));
+    for (int32_t field = 0; field < 3; ++field) put(0);
+    put(signature("acsp"));
+    for (int32_t field = 0; field < 7; ++field) put(0);
+    for (const int32_t value : profile->header.illuminant) put(static_cast<uint32_t>(value));
+    bytes.resize(128);
+    require(jIccRelease(profile) == 1, "no release");
+    put(6);
+    const char kTags[6][5] = {"rXYZ", "gXYZ", "bXYZ", "rTRC", "gTRC", "bTRC"};
+    for (uint32_t tag = 0; tag < 6; ++tag) {
+        put(signature(kTags[tag]));
+        put(132 + 72 + tag * 20);
+        put(20);
+    }
+    constexpr uint32_t kColorants[3][3] = {{0x6fa2, 0x38f5, 0x0390}, {0x6299, 0xb785, 0x18da}, {0x24a0, 0x0f84, 0xb6cf}};
+    for (const auto& colorant : kColorants) {
+        put(signature("XYZ "));
+        put(0);
+        for (const uint32_t value : colorant) put(value);
+    }
+    for (const uint32_t gamma : {563u, 461u, 333u}) {
+        put(signature("curv"));
+        put(0);
+        put(1);
+        put(gamma << 16);
+        put(0);
+    }
+    writeFile(path, bytes);
+}
+
+void buildLinks() {
+    makeMonitor("monitor.icc");
+    struct LinkJob {
+        LinkProfile* (*build)(const CmsLinkSettings*);
+        const char *source, *destination;
+        int32_t intent, preservation, whiteMode;
+    };
+    constexpr LinkJob kJobs[] = {
+        {jKoLinkCombineCmykProfile, "source.icc", "printer.icc", 0, 0, 0},
+        {jKoLinkCombineCmykProfile, "printer.icc", "printer.icc", 1, 2, 1},
+        {jKoLinkCombineCmykProfile, "lab8.icc", "xyz16.icc", 0, 1, 0},
+        {jKoLinkCombineCmykProfile, "xyz16.icc", "lab8.icc", 2, 0, 0},
+        {jKoLinkCombineRgbProfile, "monitor.icc", "printer.icc", 0, 0, 1},
+        {jKoLinkCombineRgbProfile, "monitor.icc", "xyz8.icc", 1, 2, 0},
+    };
+    Results out("links.txt");
+    Random random(12);
+    for (const LinkJob& job : kJobs) {
+        CmsLinkSettings settings;
+        jCmsInitCms(&settings);
+        std::strcpy(settings.sourcePath, job.source);
+        std::strcpy(settings.destinationPath, job.destination);
+        settings.intent = job.intent;
+        settings.preservation = job.preservation;
+        settings.whiteMode = job.whiteMode;
+        LinkProfile* link = job.build(&settings);
+        require(link, job.source + std::string(" made no link"));
+        out.text(job.source).text(" ");
+        out.number(static_cast<int64_t>(hashOf(link->grid, power(17, link->inputChannels) * 8))).endLine();
+
+        std::vector<uint8_t> input(40000);
+        for (uint8_t& level : input) level = static_cast<uint8_t>(random.between(0, 255));
+        std::vector<uint16_t> output(input.size() / static_cast<size_t>(link->inputChannels) * 4);
+        jKoLinkCOLtoCMYK16Row(link, input.data(), static_cast<int32_t>(output.size() / 4), output.data());
+        for (const uint16_t value : output) out.number(value);
+        for (int32_t colour = 0; colour < 1000; ++colour) {
+            int32_t values[4];
+            for (int32_t& value : values) value = random.between(-1, 256);
+            jKoLinkCOLtoCMYK16(link, values);
+            for (const int32_t value : values) out.number(value);
+        }
+        out.endLine();
+        jKoLinkReleaseProfile(link);
+    }
+}
+
+void convertForHosts() {
+    Results out("front.txt");
+    for (int32_t a = 0; a < 256; a += 15)
+        for (int32_t b = 0; b < 256; b += 15)
+            for (int32_t c = 0; c < 256; c += 15) {
+                out.number(jColorRGBtoCMYK(a, b, c)).number(jColorCMYKtoRGB(a, b, c, (a + b) / 2));
+                out.number(jColorRGBtoGRAY(a, b, c)).number(jColorCMYKtoGRAY(a, b, c, a / 2)).endLine();
+            }
+    for (int32_t value = -1; value <= 256; ++value)
+        out.number(Value255to100(value)).number(Value100to255(value)).endLine();
+}
+
+void saveDevice() {
+    DeviceProfile* device = jKoDevsCreateProfile();
+    require(device, "no device profile");
+    Random random(13);
+    std::strcpy(device->description, "measured");
+    for (float& value : device->whitePoint) value = static_cast<float>(random.fraction());
+    for (uint32_t& lab : device->labGrid) lab = static_cast<uint32_t>(random.between(0, 0xffffff));
+    for (uint32_t& inks : device->toCmyk0) inks = static_cast<uint32_t>(random.between(0, INT32_MAX - 1));
+    for (uint32_t& inks : device->toCmyk1) inks = static_cast<uint32_t>(random.between(0, INT32_MAX - 1)) * 2;
+    for (uint8_t& gamut : device->gamut) gamut = static_cast<uint8_t>(random.between(0, 255));
+    require(jKoDevsSaveProfile(device, "device.icc") == 1, "a device profile was not saved");
+    jKoDevsReleaseProfile(device);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -481,5 +593,8 @@ int main(int argc, char** argv) {
     saveAndLoadTones();
     calibrate();
     combine();
+    buildLinks();
+    convertForHosts();
+    saveDevice();
     std::puts("done");
 }
