@@ -1,0 +1,152 @@
+#include "cli/tiff_picture.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+
+#include "cli/errors.h"
+
+namespace ko::cli {
+namespace {
+
+// Rows and rows of tiles larger than this are taken for damage.
+constexpr uint64_t kMostBuffer = uint64_t{256} << 20;
+
+std::string gTiffError;
+
+void noteError(const char* module, const char* format, va_list arguments) {
+    char text[300];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    if (gTiffError.empty()) gTiffError = std::string(module ? module : "TIFF") + ": " + text;
+}
+void ignoreWarning(const char*, const char*, va_list) {}
+
+}  // namespace
+
+void forgetTiffError() { gTiffError.clear(); }
+bool hasTiffError() { return !gTiffError.empty(); }
+
+void failWith(const std::string& path, const std::string& what) {
+    failOn(path, gTiffError.empty() ? what : what + " (" + printable(gTiffError) + ")");
+}
+
+TiffPtr openTiff(const std::string& path) {
+    forgetTiffError();
+    TIFFSetErrorHandler(noteError);
+    TIFFSetWarningHandler(ignoreWarning);
+    TiffPtr tiff(TIFFOpen(path.c_str(), "rm"));  // not mapped: a picture does not fill the memory
+    if (!tiff) failWith(path, "is not a TIFF picture");
+    return tiff;
+}
+
+Page readPage(const std::string& path, TIFF* tiff) {
+    Page page;
+    uint16_t photometric = 0xffff, layout = PLANARCONFIG_CONTIG, format = SAMPLEFORMAT_UINT, inks = INKSET_CMYK;
+    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &page.width);
+    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &page.height);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &page.bits);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &page.samples);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &layout);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &format);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_INKSET, &inks);
+    TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &photometric);
+    TIFFGetField(tiff, TIFFTAG_COMPRESSION, &page.compression);
+    page.planar = layout == PLANARCONFIG_SEPARATE;
+    page.tiled = TIFFIsTiled(tiff) != 0;
+    if (page.width == 0 || page.height == 0) failOn(path, "holds a page without pixels");
+    if ((page.bits != 8 && page.bits != 16) || format != SAMPLEFORMAT_UINT)
+        failOn(path, "has samples of " + std::to_string(page.bits) +
+                         (format == SAMPLEFORMAT_UINT ? " bits" : " bits that are not plain numbers") +
+                         "; 8 or 16 bits are needed");
+    if (photometric == PHOTOMETRIC_YCBCR && page.compression == COMPRESSION_JPEG) {
+        TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        photometric = PHOTOMETRIC_RGB;
+    }
+    if (photometric == PHOTOMETRIC_RGB && page.samples >= 3) page.space = ColourSpace::rgb;
+    else if (photometric == PHOTOMETRIC_SEPARATED && page.samples >= 4 && inks == INKSET_CMYK) page.space = ColourSpace::cmyk;
+    else failOn(path, "is neither an RGB nor a CMYK picture (photometric interpretation " +
+                          std::to_string(photometric) + ", " + std::to_string(page.samples) + " samples)");
+    if (page.samples > 32) failOn(path, "has " + std::to_string(page.samples) + " samples a pixel");
+    return page;
+}
+
+std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIFF* tiff, int number,
+                                  std::vector<TiffPtr>& more) {
+    std::vector<TIFF*> handles{tiff};
+    if (!page.planar || page.tiled) return handles;
+    for (int channel = 1; channel < channelsOf(page.space); ++channel) {
+        more.push_back(openTiff(path));
+        if (!TIFFSetDirectory(more.back().get(), static_cast<tdir_t>(number)))
+            failWith(path, "cannot be read");
+        handles.push_back(more.back().get());
+    }
+    return handles;
+}
+
+RowReader::RowReader(const std::string& path, const Page& page, std::vector<TIFF*> handles)
+    : path_(path), page_(page), handles_(std::move(handles)),
+      channels_(static_cast<size_t>(channelsOf(page.space))) {
+    uint64_t size = 0;
+    if (page.tiled) {
+        TIFFGetField(handles_[0], TIFFTAG_TILEWIDTH, &tileWidth_);
+        TIFFGetField(handles_[0], TIFFTAG_TILELENGTH, &tileHeight_);
+        tileBytes_ = TIFFTileSize64(handles_[0]);
+        if (tileWidth_ == 0 || tileHeight_ == 0) failWith(path, "has tiles without pixels");
+        size = (uint64_t{page.width} + tileWidth_ - 1) / tileWidth_ * tileBytes_ * (page.planar ? channels_ : 1);
+    } else {
+        size = TIFFScanlineSize64(handles_[0]) * (page.planar ? channels_ : 1);
+    }
+    if (size == 0 || size > kMostBuffer || uint64_t{page.width} * 4 > kMostBuffer)
+        failWith(path, "has rows or tiles of impossible size");
+    buffer_.resize(static_cast<size_t>(size));
+}
+
+void RowReader::read(uint32_t row, uint8_t* pixels) {
+    if (page_.tiled) return readTiled(row, pixels);
+    const size_t plane = page_.planar ? buffer_.size() / channels_ : 0;
+    for (size_t at = 0; at < (page_.planar ? channels_ : 1); ++at)
+        if (TIFFReadScanline(handles_[at], &buffer_[at * plane], row, static_cast<uint16_t>(at)) < 0)
+            failWith(path_, "cannot be read at row " + std::to_string(row + 1));
+    for (size_t channel = 0; channel < channels_; ++channel) {
+        const size_t step = page_.planar ? 1 : page_.samples;
+        const uint8_t* const from = &buffer_[page_.planar ? channel * plane : channel * (page_.bits / 8)];
+        take(from, step, page_.width, pixels + channel);
+    }
+}
+
+// Samples step apart, reduced to 8 bits, to every channels_-th byte.
+void RowReader::take(const uint8_t* from, size_t step, uint32_t count, uint8_t* to) const {
+    if (page_.bits == 8) {
+        for (uint32_t x = 0; x < count; ++x, to += channels_) *to = from[x * step];
+        return;
+    }
+    for (uint32_t x = 0; x < count; ++x, to += channels_) {
+        uint16_t sample;
+        std::copy_n(from + 2 * x * step, 2, reinterpret_cast<uint8_t*>(&sample));
+        *to = static_cast<uint8_t>((sample + 128u) / 257);
+    }
+}
+
+void RowReader::readTiled(uint32_t row, uint8_t* pixels) {
+    const uint32_t across = (page_.width + tileWidth_ - 1) / tileWidth_;
+    const size_t planes = page_.planar ? channels_ : 1;
+    if (row % tileHeight_ == 0 || row == 0)
+        for (size_t plane = 0; plane < planes; ++plane)
+            for (uint32_t tile = 0; tile < across; ++tile)
+                if (TIFFReadTile(handles_[0], &buffer_[(plane * across + tile) * tileBytes_], tile * tileWidth_,
+                                 row, 0, static_cast<uint16_t>(plane)) < 0)
+                    failWith(path_, "cannot be read at row " + std::to_string(row + 1));
+    const size_t sample = page_.bits / 8u;
+    const size_t step = page_.planar ? 1 : page_.samples;
+    const size_t line = size_t{row % tileHeight_} * tileWidth_ * step * sample;
+    for (uint32_t tile = 0; tile < across; ++tile) {
+        const uint32_t x = tile * tileWidth_, count = std::min(tileWidth_, page_.width - x);
+        for (size_t channel = 0; channel < channels_; ++channel) {
+            const size_t plane = page_.planar ? channel : 0;
+            const size_t at = (plane * across + tile) * tileBytes_ + line + (page_.planar ? 0 : channel * sample);
+            take(&buffer_[at], step, count, pixels + x * channels_ + channel);
+        }
+    }
+}
+
+}  // namespace ko::cli

@@ -1,0 +1,63 @@
+// TIFF pictures being read: pages, and their rows in constant memory.
+#pragma once
+
+#include <tiffio.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/conversion.h"
+
+namespace ko::cli {
+
+struct TiffCloser {
+    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TiffPtr = std::unique_ptr<TIFF, TiffCloser>;
+
+// The TIFF library reports errors through a function without context, so the first one since
+// forgetTiffError is kept; one picture is worked on at a time.
+void forgetTiffError();
+bool hasTiffError();
+[[noreturn]] void failWith(const std::string& path, const std::string& what);  // with that error
+
+TiffPtr openTiff(const std::string& path);  // to be read; fails with a clear line
+
+// What a page is, as far as it matters here.
+struct Page {
+    uint32_t width = 0, height = 0;
+    uint16_t bits = 0, samples = 0, compression = COMPRESSION_NONE;
+    bool planar = false, tiled = false;
+    ColourSpace space = ColourSpace::rgb;
+};
+
+// Of the handle's present page; fails with a clear line when the page cannot be converted.
+Page readPage(const std::string& path, TIFF* tiff);
+
+// The handle, and for a planar page in strips one more a channel, so that each goes through its
+// own strips in order. more owns the further ones.
+std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIFF* tiff, int number,
+                                  std::vector<TiffPtr>& more);
+
+// The rows of a page, one after the other, as interleaved 8-bit samples of its colour channels.
+class RowReader {
+public:
+    RowReader(const std::string& path, const Page& page, std::vector<TIFF*> handles);
+    void read(uint32_t row, uint8_t* pixels);  // rows in rising order
+
+private:
+    void take(const uint8_t* from, size_t step, uint32_t count, uint8_t* to) const;
+    void readTiled(uint32_t row, uint8_t* pixels);
+
+    const std::string& path_;
+    const Page& page_;
+    std::vector<TIFF*> handles_;
+    size_t channels_;
+    std::vector<uint8_t> buffer_;
+    uint32_t tileWidth_ = 0, tileHeight_ = 0;
+    uint64_t tileBytes_ = 0;
+};
+
+}  // namespace ko::cli
