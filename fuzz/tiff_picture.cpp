@@ -2,7 +2,7 @@
 #include "cli/tiff_picture.h"
 
 #include "cli/errors.h"
-#include "temp_file.h"
+#include "fuzz/temp_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace ko::cli;
