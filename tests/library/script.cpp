@@ -580,6 +580,47 @@ void saveDevice() {
     jKoDevsReleaseProfile(device);
 }
 
+// One table: its text file, itself from that file, colours one by one and the same in a row.
+template <size_t Channels, class Table>
+void convertThroughTable(Results& out, Table* table, const char* path, uint32_t used,
+                         int32_t (*save)(const Table*, const char*), int32_t (*load)(Table*, const char*),
+                         int32_t (*convert)(const Table*, int32_t*),
+                         void (*convertRow)(const Table*, const uint8_t*, int32_t, uint16_t*)) {
+    Random random(14);
+    for (uint32_t& node : table->nodes) {
+        const auto high = static_cast<uint32_t>(random.between(0, 0xffff));
+        node = (high << 16 | static_cast<uint32_t>(random.between(0, 0xffff))) & used;
+    }
+    const uint64_t before = hashOf(table, sizeof *table);
+    require(save(table, path) == 1 && load(table, path) == 1, "a table was not saved and loaded");
+    require(hashOf(table, sizeof *table) == before, "a table came back changed");
+    std::vector<uint8_t> input(Channels * 20000);
+    for (uint8_t& level : input) level = static_cast<uint8_t>(random.between(0, 255));
+    std::vector<uint16_t> row(input.size());
+    convertRow(table, input.data(), 20000, row.data());
+    for (size_t at = 0; at < input.size(); at += Channels) {
+        int32_t values[4] = {};
+        for (size_t k = 0; k < Channels; ++k) values[k] = input[at + k];
+        out.number(convert(table, values));
+        for (size_t k = 0; k < Channels; ++k) require(values[k] == row[at + k], "a row differs from its colours");
+        for (size_t k = 0; k < Channels; ++k) out.number(values[k]);
+    }
+    out.endLine();
+}
+
+void convertThroughTables() {
+    Results out("tables.txt");
+    CmykLut* cmyk = jKoCmykCreateCmykLut();
+    RgbLut* rgb = jKoRgbCreateRgbLut();
+    require(cmyk && rgb, "no table");
+    convertThroughTable<4>(out, cmyk, "cmyk_table.txt", 0xffffffff, jKoCmykSaveCmykLut,
+                           jKoCmykLoadCmykLut, jKoCmykLutCMYKtoCMYK16, jKoCmykLutCMYKtoCMYK16Row);
+    convertThroughTable<3>(out, rgb, "rgb_table.txt", 0xffffff, jKoRgbSaveRgbLut, jKoRgbLoadRgbLut,
+                           jKoRgbRGBtoRGB16, jKoRgbRGBtoRGB16Row);
+    jKoCmykReleaseCmykLut(cmyk);
+    jKoRgbReleaseRgbLut(rgb);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -596,5 +637,6 @@ int main(int argc, char** argv) {
     buildLinks();
     convertForHosts();
     saveDevice();
+    convertThroughTables();
     std::puts("done");
 }
