@@ -91,12 +91,12 @@ void FastLut::prepareTetrahedra() {
     const auto grid = static_cast<uint64_t>(gridPoints_);
     const uint64_t nodes = grid * grid * grid;
     if (grid > 1024 || nodes > kMaxPaddedNodes) return;
-    padded_.resize(nodes * kLanes);
-    for (uint64_t node = 0; node < nodes; ++node)
+    padded_.resize(static_cast<size_t>(nodes) * kLanes);
+    for (size_t node = 0; node < nodes; ++node)
         for (int32_t k = 0; k < outputs_; ++k)
-            padded_[node * kLanes + k] = static_cast<uint16_t>(lutEntry(
-                lut_.clut, static_cast<size_t>(node * static_cast<uint64_t>(outputs_) + k),
-                lut_.precision));
+            padded_[node * kLanes + static_cast<size_t>(k)] = static_cast<uint16_t>(
+                lutEntry(lut_.clut, node * static_cast<size_t>(outputs_) + static_cast<size_t>(k),
+                         lut_.precision));
 
     const uint32_t step[3] = {static_cast<uint32_t>(grid * grid * kLanes),
                               static_cast<uint32_t>(grid * kLanes), kLanes};
