@@ -54,10 +54,10 @@ void drawStrips(Svg& svg, double x, double y, double height, const std::vector<S
     double top = y + 40;
     for (const Strip& strip : strips) {
         svg.text({x + 16, top + 26}, strip.name, R"(class="name")");
-        svg.text({x + 92, top + 13}, "in", R"(class="tick" text-anchor="end")");
-        drawStrip(svg, x + 98, top, kCard - 116, 20, strip.in);
-        svg.text({x + 92, top + 37}, "out", R"(class="tick" text-anchor="end")");
-        drawStrip(svg, x + 98, top + 24, kCard - 116, 20, strip.out);
+        svg.text({x + 104, top + 13}, "in", R"(class="tick" text-anchor="end")");
+        drawStrip(svg, x + 110, top, kCard - 128, 20, strip.in);
+        svg.text({x + 104, top + 37}, "out", R"(class="tick" text-anchor="end")");
+        drawStrip(svg, x + 110, top + 24, kCard - 128, 20, strip.out);
         top += 62;
     }
 }
