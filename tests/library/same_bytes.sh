@@ -11,7 +11,7 @@ runs() {  # NAME LOCALE COMMAND...: in a folder of its own, by short names
     local folder="$scratch/$1" locale=$2
     shift 2
     mkdir -p "$folder" && cp "$printer" "$folder/printer.icc" && cp "$source" "$folder/source.icc" &&
-        (cd "$folder" && timeout --kill-after=10 250 "$@" "$locale") || return 1
+        (cd "$folder" && timeout --kill-after=10 500 "$@" "$locale") || return 1
     local profile
     for profile in "$folder"/*.icc; do  # year to second
         printf '\0\0\0\0\0\0\0\0\0\0\0\0' | dd of="$profile" bs=1 seek=24 conv=notrunc status=none
@@ -31,7 +31,8 @@ done
 check "the script runs under the sanitizers" runs asan C "$builds/asan/bin/library_script"
 
 for other in linux-comma win32 win32-comma win64 win64-comma asan; do
-    equal() { [ -s "$scratch/linux/combine.txt" ] && diff -rq "$scratch/linux" "$scratch/$other"; }
+    equal() { [ -s "$scratch/linux/tables.txt" ] && diff -rq "$scratch/linux" "$scratch/$other" | head -5; }
     check "linux and $other wrote the same bytes" equal
 done
+[ "$failures" -gt 0 ] || rm -rf "$scratch"  # some hundred megabytes
 finish
