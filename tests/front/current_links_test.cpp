@@ -89,6 +89,18 @@ TEST_F(CurrentLinks, AreNoneInEitherDirectionWhenAProfileIsMissing) {
     }
 }
 
+// A profile that only reads ink gives one link of the two.
+TEST_F(CurrentLinks, AreNoneInEitherDirectionWhenOnlyOneCanBeBuilt) {
+    const uint32_t builtinInks = jColorRGBtoCMYK(10, 20, 30), builtinLight = jColorCMYKtoRGB(10, 20, 30, 40);
+    const std::string reading = folder.path("reading.icc");
+    writeFile(reading, readFile(testData("CGATS001Compat-v2-micro.icc")));
+    const CmsLinkSettings settings = settingsFor(reading, monitor);
+    ASSERT_TRUE(LinkHolder(jKoLinkCombineIcmCmykProfile(&settings)));
+    EXPECT_EQ(jColorSetupProfile(monitor.c_str(), reading.c_str(), 0), 0);
+    EXPECT_EQ(jColorRGBtoCMYK(10, 20, 30), builtinInks);
+    EXPECT_EQ(jColorCMYKtoRGB(10, 20, 30, 40), builtinLight);
+}
+
 TEST_F(CurrentLinks, AreNoneForAnIntentOutside0To3) {
     EXPECT_EQ(jColorSetupProfile(monitor.c_str(), press.c_str(), 4), 0);
     EXPECT_EQ(jColorSetupProfile(monitor.c_str(), press.c_str(), -1), 0);
