@@ -10,6 +10,19 @@ namespace ko::texts {
 extern const char kUntitled[];       // the title of a new curve, profile or link
 extern const char kChannelNumber[];  // the name of a calibration channel, with "%d"
 
+// The tone dialogs. Captions have one %s, the file's path.
+extern const char kBkcCaption[];
+extern const char kTncCaption[];
+extern const char kDccCaption[];
+extern const char kBkcFilter[];  // of the file dialog: description, pattern, each ended by a bar
+extern const char kTncFilter[];
+extern const char kDccFilter[];
+extern const char kResetQuestion[];
+extern const char kProfileCaption[];
+extern const char kProfileErrorCaption[];
+extern const char kToneFileMissing[];  // with one %s
+extern const char kDccFileMissing[];   // with one %s
+
 // A language table by the name of its resource, such as "TEXT_ENGLISH"; empty when there is none.
 // Windows modules carry them as resources instead.
 std::span<const char> table(std::string_view name) noexcept;
