@@ -1,12 +1,20 @@
 # The shared library: the folders' exports.cpp over their static targets. cmake/exports.txt is
 # the one list of names; the .def file and the version script are made from it.
 file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/exports.txt KO_EXPORTS REGEX "^[A-Za-z]")
+if(WIN32)
+    file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/exports_windows.txt dialogs REGEX "^[A-Za-z]")
+    list(APPEND KO_EXPORTS ${dialogs})
+endif()
 set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
-             ${PROJECT_SOURCE_DIR}/cmake/exports.txt)
+             ${PROJECT_SOURCE_DIR}/cmake/exports.txt
+             ${PROJECT_SOURCE_DIR}/cmake/exports_windows.txt)
 
 set(patterns)
 foreach(folder frame icc tone calib cmyk link front)
     list(APPEND patterns ${PROJECT_SOURCE_DIR}/${folder}/exports*.cpp)
+    if(WIN32)  # dialogs
+        list(APPEND patterns ${PROJECT_SOURCE_DIR}/${folder}/dialog/exports*.cpp)
+    endif()
 endforeach()
 file(GLOB KO_EXPORT_SOURCES CONFIGURE_DEPENDS ${patterns})
 # Memory belongs to the library itself: an archive gives up only what something refers to.
@@ -14,7 +22,8 @@ add_library(kolink SHARED ${KO_EXPORT_SOURCES} frame/memory.cpp frame/entry_${KO
 ko_carry_tables(kolink)
 add_library(KoLink::KoLink ALIAS kolink)
 set_target_properties(kolink PROPERTIES EXPORT_NAME KoLink)
-foreach(target ko_frame ko_icc ko_tone ko_calib ko_cmyk ko_link ko_front)
+foreach(target ko_frame ko_icc ko_tone ko_calib ko_cmyk ko_link ko_front
+               ko_dialog ko_tone_dialog ko_calib_dialog ko_cmyk_dialog ko_front_dialog)
     if(TARGET ${target})
         target_link_libraries(kolink PRIVATE ${target})
     endif()
@@ -27,6 +36,11 @@ if(WIN32)
     list(JOIN KO_EXPORTS "\n    " names)
     file(CONFIGURE OUTPUT KoLink.def CONTENT "LIBRARY KoLink.dll\nEXPORTS\n    ${names}\n")
     target_sources(kolink PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/KoLink.def ${KO_VERSION_RESOURCE})
+    file(GLOB templates CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/dialogs/*.rc)
+    target_sources(kolink PRIVATE ${templates})
+    set_source_files_properties(${templates} PROPERTIES
+        OBJECT_DEPENDS ${PROJECT_SOURCE_DIR}/resources/dialog_ids.h
+        COMPILE_OPTIONS "-I${PROJECT_SOURCE_DIR};-c65001")
     set_target_properties(kolink PROPERTIES PREFIX "" OUTPUT_NAME KoLink)
 else()
     list(JOIN KO_EXPORTS ";\n        " names)

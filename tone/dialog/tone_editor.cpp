@@ -14,6 +14,13 @@ namespace {
 using dialog::Point;
 using dialog::Size;
 
+bool loadBkc(ToneCurve& curve, DccSettings*, const char* path) { return loadBkcCurve(curve, path); }
+bool loadTnc(ToneCurve& curve, DccSettings*, const char* path) {
+    return loadCmykToneCurve(curve, path);
+}
+bool loadDccSettings(ToneCurve&, DccSettings* settings, const char* path) {
+    return settings && loadDcc(*settings, path);
+}
 bool saveBkc(ToneCurve& curve, DccSettings*, const char* path) { return saveBkcCurve(curve, path); }
 bool saveTnc(ToneCurve& curve, DccSettings*, const char* path) {
     return saveCmykToneCurve(curve, path);
@@ -34,19 +41,14 @@ double numberIn(std::string_view text) noexcept {
     return read.ec == std::errc() && std::isfinite(number) ? number : 0;
 }
 
-std::string withPath(const char* pattern, std::string_view path) {
-    std::string text = pattern;
-    return text.replace(text.find("%s"), 2, path);
-}
-
 }  // namespace
 
 const ToneEditorKind kBkcEditor = {
-    1, 65, {3, 4}, true, 0x01, ".bkc", texts::kBkcFilter, texts::kBkcCaption, saveBkc};
+    1, 65, {3, 4}, true, 0x01, ".bkc", texts::kBkcFilter, texts::kBkcCaption, loadBkc, saveBkc};
 const ToneEditorKind kCmykEditor = {
-    4, 17, {4, 4}, false, 0x0f, ".tnc", texts::kTncFilter, texts::kTncCaption, saveTnc};
+    4, 17, {4, 4}, false, 0x0f, ".tnc", texts::kTncFilter, texts::kTncCaption, loadTnc, saveTnc};
 const ToneEditorKind kDccEditor = {
-    6, 17, {4, 4}, false, 0x0f, ".dcc", texts::kDccFilter, texts::kDccCaption, saveDccSettings};
+    6, 17, {4, 4}, false, 0x0f, ".dcc", texts::kDccFilter, texts::kDccCaption, loadDccSettings, saveDccSettings};
 
 ToneEditor::ToneEditor(const ToneEditorKind& kind, ToneCurve& curve, DccSettings* settings)
     : kind_(kind), curve_(curve), settings_(settings), selection_(kind.allChannels) {
@@ -55,8 +57,6 @@ ToneEditor::ToneEditor(const ToneEditorKind& kind, ToneCurve& curve, DccSettings
     hasFile_ = !fileNameOf(path).empty();
     if (!hasFile_) copyText(curve_.path, "");
 }
-
-std::string ToneEditor::caption() const { return withPath(kind_.caption, textIn(curve_.path)); }
 
 std::string ToneEditor::inputText() const {
     return std::to_string(percentOf(gridLevel(index_))) + " %";
@@ -88,6 +88,19 @@ int32_t ToneEditor::gridLevel(int32_t index) const noexcept {
 
 Point ToneEditor::pointAt(Size graph, int32_t channel, int32_t index) const noexcept {
     return dialog::plotPoint(graph, index, lastIndex(), level(channel, gridLevel(index)));
+}
+
+dialog::GraphCurve ToneEditor::curveOf(Size graph, int32_t channel, dialog::Colour colour) const {
+    dialog::GraphCurve curve{colour, {}, {}, {}};
+    // Level 16 i stands where grid index i does, so that the line meets the points.
+    for (int32_t x = 0; x < kLevels; ++x)
+        curve.line.push_back(dialog::plotPoint(graph, x == 255 ? 256 : x, 256, level(channel, x)));
+    if (!isSelected(channel)) return curve;  // only what can be taken hold of has points
+    for (int32_t index = 0; index <= lastIndex(); ++index) {
+        const bool marked = isControlPoint(channel, gridLevel(index));
+        (marked ? curve.controlPoints : curve.computedPoints).push_back(pointAt(graph, channel, index));
+    }
+    return curve;
 }
 
 bool ToneEditor::press(Size graph, Point at) {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/dialog/graph.h"
+#include "frame/dialog/graph_picture.h"
 #include "frame/dialog/host.h"
 #include "frame/text.h"
 #include "tone/tone.h"
@@ -25,6 +25,7 @@ struct ToneEditorKind {
     const char* extension;    // ".bkc"
     const char* filter;       // of the file dialog
     const char* caption;      // with %s for the path
+    bool (*load)(ToneCurve& curve, DccSettings* settings, const char* path);
     bool (*save)(ToneCurve& curve, DccSettings* settings, const char* path);
 };
 
@@ -43,7 +44,7 @@ public:
     const ToneEditorKind& kind() const noexcept { return kind_; }
 
     // What to show.
-    std::string caption() const;
+    std::string_view path() const noexcept { return textIn(curve_.path); }  // for the caption
     std::string_view title() const noexcept { return textIn(curve_.title); }
     uint32_t selection() const noexcept { return selection_; }
     bool isSelected(int32_t channel) const noexcept { return selection_ >> channel & 1; }
@@ -57,6 +58,7 @@ public:
     bool isControlPoint(int32_t channel, int32_t x) const noexcept { return flagsOf(curve_, channel)[static_cast<size_t>(x)] != 0; }
     int32_t gridLevel(int32_t index) const noexcept;  // the input level of a grid index
     dialog::Point pointAt(dialog::Size graph, int32_t channel, int32_t index) const noexcept;
+    dialog::GraphCurve curveOf(dialog::Size graph, int32_t channel, dialog::Colour colour) const;
 
     // What the person does. Each says whether anything shown has changed.
     bool press(dialog::Size graph, dialog::Point at);

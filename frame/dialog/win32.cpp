@@ -1,0 +1,169 @@
+#include "frame/dialog/win32.h"
+
+#include <commdlg.h>
+
+#include <algorithm>
+
+#include "frame/platform.h"
+#include "frame/text.h"
+
+namespace ko::dialog {
+namespace {
+
+constexpr UINT kShiftJis = 932;
+
+std::wstring toWide(std::string_view text, UINT codePage) {
+    if (text.empty()) return {};
+    const int size = static_cast<int>(text.size());
+    const int length = ::MultiByteToWideChar(codePage, 0, text.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<size_t>(std::max(length, 0)), L'\0');
+    ::MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), length);
+    return wide;
+}
+
+std::string fromWide(std::wstring_view wide, UINT codePage, BOOL* lost) {
+    if (wide.empty()) return {};
+    const int size = static_cast<int>(wide.size());
+    const int length = ::WideCharToMultiByte(codePage, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<size_t>(std::max(length, 0)), '\0');
+    ::WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, wide.data(), size, text.data(), length,
+                          nullptr, lost);
+    return text;
+}
+
+}  // namespace
+
+std::wstring wideText(std::string_view shiftJis) { return toWide(shiftJis, kShiftJis); }
+std::wstring widePath(std::string_view path) { return toWide(path, CP_ACP); }
+std::string shiftJisText(std::wstring_view wide) { return fromWide(wide, kShiftJis, nullptr); }
+
+std::optional<std::string> systemPath(std::wstring_view wide) {
+    BOOL lost = FALSE;
+    std::string path = fromWide(wide, CP_ACP, &lost);
+    if (!lost) return path;
+    // A name with characters of another code page can still be reached by its short form.
+    wchar_t brief[MAX_PATH];
+    const DWORD length = ::GetShortPathNameW(std::wstring(wide).c_str(), brief, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH) return std::nullopt;
+    lost = FALSE;
+    path = fromWide({brief, length}, CP_ACP, &lost);
+    if (lost) return std::nullopt;
+    return path;
+}
+
+std::wstring filled(std::string_view pattern, std::wstring_view text) {
+    std::wstring wide = wideText(pattern);
+    if (const size_t at = wide.find(L"%s"); at != std::wstring::npos) wide.replace(at, 2, text);
+    return wide;
+}
+
+HINSTANCE module() noexcept { return static_cast<HINSTANCE>(platform::moduleHandle()); }
+
+std::wstring textOf(HWND dialog, int control) {
+    const HWND window = ::GetDlgItem(dialog, control);
+    std::wstring text(static_cast<size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(static_cast<size_t>(
+        ::GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+void setText(HWND dialog, int control, std::wstring_view text) {
+    // A text that stays is not set again: it would flicker, and lose the caret.
+    if (textOf(dialog, control) != text)
+        ::SetDlgItemTextW(dialog, control, std::wstring(text).c_str());
+}
+
+void setText(HWND dialog, int control, std::string_view shiftJis) {
+    setText(dialog, control, wideText(shiftJis));
+}
+
+std::string asciiOf(HWND dialog, int control) {
+    std::string text;
+    for (const wchar_t character : textOf(dialog, control))
+        text += character < 0x80 ? static_cast<char>(character) : '?';
+    return text;
+}
+
+bool isChecked(HWND dialog, int control) noexcept {
+    return ::IsDlgButtonChecked(dialog, control) == BST_CHECKED;
+}
+
+int showMessage(HWND owner, std::wstring_view caption, std::wstring_view text, UINT style) {
+    return ::MessageBoxW(owner, std::wstring(text).c_str(), std::wstring(caption).c_str(), style);
+}
+
+int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::string_view filter) {
+    std::wstring patterns = wideText(filter);
+    std::replace(patterns.begin(), patterns.end(), L'|', L'\0');
+    patterns += L'\0';
+    const std::string_view initial = textIn(path);
+    std::wstring folder = widePath(folderOf(initial));
+    wchar_t name[1024] = {};
+    widePath(fileNameOf(initial)).copy(name, std::size(name) - 1);
+
+    OPENFILENAMEW ask{};
+    ask.lStructSize = sizeof ask;
+    ask.hwndOwner = owner;
+    ask.lpstrFilter = patterns.c_str();
+    ask.nFilterIndex = 1;
+    ask.lpstrFile = name;
+    ask.nMaxFile = static_cast<DWORD>(std::size(name));
+    ask.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
+    ask.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST;
+    ask.Flags |= mode == 1 ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST;
+    if (!(mode == 1 ? ::GetSaveFileNameW(&ask) : ::GetOpenFileNameW(&ask))) return -1;
+    const auto chosen = systemPath(name);
+    return chosen && copyPath(path, chosen->c_str()) ? 0 : -1;
+}
+
+bool WindowHost::ask(std::string_view caption, std::string_view question) {
+    return showMessage(owner_, wideText(caption), wideText(question),
+                       MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+std::optional<std::string> WindowHost::chooseSavePath(std::string_view initial,
+                                                      std::string_view filter) {
+    char path[MAX_PATH] = {};
+    if (!copyPath(path, std::string(initial).c_str())) path[0] = '\0';
+    if (jFilesOpen(owner_, 1, path, filter) == -1) return std::nullopt;
+    return std::string(textIn(path));
+}
+
+INT_PTR ModalDialog::run(HWND owner, const wchar_t* templateName) {
+    return ::DialogBoxParamW(module(), templateName, owner, procedure,
+                             reinterpret_cast<LPARAM>(this));
+}
+
+void ModalDialog::end(INT_PTR result) {
+    closing();
+    ::EndDialog(window_, result);
+}
+
+INT_PTR CALLBACK ModalDialog::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        auto* const dialog = reinterpret_cast<ModalDialog*>(lParam);
+        dialog->window_ = window;
+        ::SetWindowLongPtrW(window, DWLP_USER, lParam);
+        dialog->opened();
+        return TRUE;
+    }
+    auto* const dialog = reinterpret_cast<ModalDialog*>(::GetWindowLongPtrW(window, DWLP_USER));
+    if (!dialog) return FALSE;
+    switch (message) {
+        case WM_COMMAND: return dialog->command(LOWORD(wParam), HIWORD(wParam));
+        case WM_DRAWITEM: return dialog->drawItem(*reinterpret_cast<DRAWITEMSTRUCT*>(lParam));
+        default: return dialog->message(message, wParam, lParam);
+    }
+}
+
+void RememberedPlace::remember(HWND window) noexcept {
+    known = ::GetWindowRect(window, &rectangle) != FALSE;
+}
+
+void RememberedPlace::apply(HWND window) const noexcept {
+    if (!known || !::MonitorFromRect(&rectangle, MONITOR_DEFAULTTONULL)) return;
+    ::SetWindowPos(window, nullptr, rectangle.left, rectangle.top, 0, 0,
+                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+}  // namespace ko::dialog

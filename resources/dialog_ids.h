@@ -1,0 +1,43 @@
+/* The controls of the dialogs, by name. Read by the resource compiler as well: plain defines. */
+#ifndef KOLINK_DIALOG_IDS_H
+#define KOLINK_DIALOG_IDS_H
+
+/* Every editor of a file. */
+#define IDC_TITLE 1018
+#define IDC_GRAPH 1025
+#define IDC_RESET 1031
+#define IDC_STRIP_INPUT 1065
+#define IDC_STRIP_OUTPUT 1066
+#define IDC_CONTRAST 1083
+#define IDC_SAVE 1166
+#define IDC_SAVE_AS 1167
+#define IDC_NEW 1168
+
+/* Ink channels: the button that selects one, its percentage and the input's beside it. */
+#define IDC_ALL_INKS 1041
+#define IDC_INK_C 1042
+#define IDC_INK_M 1043
+#define IDC_INK_Y 1044
+#define IDC_INK_K 1046
+#define IDC_INK_GCR 1047
+#define IDC_INK_UCR 1048
+#define IDC_PERCENT_C 1036
+#define IDC_PERCENT_M 1037
+#define IDC_PERCENT_Y 1040
+#define IDC_PERCENT_K 1045
+#define IDC_PERCENT_GCR 1049
+#define IDC_PERCENT_UCR 1050
+#define IDC_INPUT_C 1067
+#define IDC_INPUT_M 1068
+#define IDC_INPUT_Y 1069
+#define IDC_INPUT_K 1070
+#define IDC_INPUT_GCR 1071
+#define IDC_INPUT_UCR 1072
+
+/* DCC settings. */
+#define IDC_DPI_X 1110
+#define IDC_DPI_Y 1111
+#define IDC_TOTAL_INK 1113
+#define IDC_LIGHT_INK 1114
+
+#endif
