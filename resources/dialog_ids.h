@@ -8,6 +8,7 @@
 #define IDC_RESET 1031
 #define IDC_STRIP_INPUT 1065
 #define IDC_STRIP_OUTPUT 1066
+#define IDC_INPUT_LABEL 1073 /* below the input strip */
 #define IDC_CONTRAST 1083
 #define IDC_SAVE 1166
 #define IDC_SAVE_AS 1167

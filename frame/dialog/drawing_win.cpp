@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "frame/boundary.h"
 #include "frame/dialog/win32.h"
 
 namespace ko::dialog {
@@ -128,9 +129,8 @@ void paintStrip(HDC dc, RECT area, StripDirection direction, COLORREF from, COLO
 
 namespace {
 
-LRESULT CALLBACK graphProcedure(HWND graph, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* const events = reinterpret_cast<GraphEvents*>(::GetWindowLongPtrW(graph, 0));
-    if (!events) return ::DefWindowProcW(graph, message, wParam, lParam);
+LRESULT graphMessage(GraphEvents* events, HWND graph, UINT message, WPARAM wParam,
+                     LPARAM lParam) {
     RECT client;
     ::GetClientRect(graph, &client);
     const Size size{client.right, client.bottom};
@@ -140,11 +140,12 @@ LRESULT CALLBACK graphProcedure(HWND graph, UINT message, WPARAM wParam, LPARAM 
         case WM_PAINT: {
             PAINTSTRUCT paint;
             const HDC dc = ::BeginPaint(graph, &paint);
-            {
+            atBoundary(false, [&] {  // whatever happens, the painting has to be ended
                 const Canvas canvas(dc, client);
                 paintGraph(canvas.dc(), size, events->graphPicture(graph, size),
                            ::GetFocus() == graph);
-            }
+                return true;
+            });
             ::EndPaint(graph, &paint);
             return 0;
         }
@@ -169,6 +170,13 @@ LRESULT CALLBACK graphProcedure(HWND graph, UINT message, WPARAM wParam, LPARAM 
         default: break;
     }
     return ::DefWindowProcW(graph, message, wParam, lParam);
+}
+
+LRESULT CALLBACK graphProcedure(HWND graph, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* const events = reinterpret_cast<GraphEvents*>(::GetWindowLongPtrW(graph, 0));
+    if (!events) return ::DefWindowProcW(graph, message, wParam, lParam);
+    return atBoundary<LRESULT>(
+        0, [&] { return graphMessage(events, graph, message, wParam, lParam); });
 }
 
 // The class goes with the library: DLL unloading unregisters it.

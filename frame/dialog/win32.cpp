@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "frame/boundary.h"
 #include "frame/platform.h"
 #include "frame/text.h"
 
@@ -109,7 +110,7 @@ int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::string_view fi
     ask.lpstrFile = name;
     ask.nMaxFile = static_cast<DWORD>(std::size(name));
     ask.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
-    ask.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST;
+    ask.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST;
     ask.Flags |= mode == 1 ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST;
     if (!(mode == 1 ? ::GetSaveFileNameW(&ask) : ::GetOpenFileNameW(&ask))) return -1;
     const auto chosen = systemPath(name);
@@ -140,20 +141,24 @@ void ModalDialog::end(INT_PTR result) {
 }
 
 INT_PTR CALLBACK ModalDialog::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    // An exception must not pass through the system's frames: a dialog that cannot open ends, a
+    // message that cannot be handled is left alone.
     if (message == WM_INITDIALOG) {
         auto* const dialog = reinterpret_cast<ModalDialog*>(lParam);
         dialog->window_ = window;
         ::SetWindowLongPtrW(window, DWLP_USER, lParam);
-        dialog->opened();
+        if (!atBoundary(false, [&] { return dialog->opened(), true; })) ::EndDialog(window, -1);
         return TRUE;
     }
     auto* const dialog = reinterpret_cast<ModalDialog*>(::GetWindowLongPtrW(window, DWLP_USER));
     if (!dialog) return FALSE;
-    switch (message) {
-        case WM_COMMAND: return dialog->command(LOWORD(wParam), HIWORD(wParam));
-        case WM_DRAWITEM: return dialog->drawItem(*reinterpret_cast<DRAWITEMSTRUCT*>(lParam));
-        default: return dialog->message(message, wParam, lParam);
-    }
+    return atBoundary<INT_PTR>(FALSE, [&]() -> INT_PTR {
+        switch (message) {
+            case WM_COMMAND: return dialog->command(LOWORD(wParam), HIWORD(wParam));
+            case WM_DRAWITEM: return dialog->drawItem(*reinterpret_cast<DRAWITEMSTRUCT*>(lParam));
+            default: return dialog->message(message, wParam, lParam);
+        }
+    });
 }
 
 void RememberedPlace::remember(HWND window) noexcept {

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Reads the export table of a built library and holds it against cmake/exports.txt and against
+# Reads the export table of a built library and holds it against the lists in cmake/ and against
 # the prototypes in the headers.
 #   exports.sh linux LIBRARY | exports.sh win32|win64 LIBRARY
 set -uo pipefail
@@ -16,11 +16,13 @@ esac
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
-grep -E '^[A-Za-z]' "$top/cmake/exports.txt" | sort > "$scratch/list"
+lists=("$top/cmake/exports.txt")  # on Windows the dialogs are exported as well
+[ "$target" = linux ] || lists+=("$top/cmake/exports_windows.txt")
+grep -hE '^[A-Za-z]' "${lists[@]}" | sort > "$scratch/list"
 
 # Every function that the headers declare, with KOLINK_API or without: what the preprocessor
 # leaves of our own files, records and attributes taken out, up to each parameter list.
-printf '#include "kolink.h"\n' | "$compiler" -E -I "$top/include" - |
+printf '#include "kolink.h"\n#include "kolink/tone_dialog.h"\n' | "$compiler" -E -I "$top/include" - |
     awk '/^# [0-9]+ "/ { ours = $3 ~ /kolink[^"]*\.h"/; next } ours' |
     tr '\n' ' ' | sed -E 's/__attribute__ ?\(\([^;{}]*\)\)\)//g; s/\{[^{}]*\}//g' | tr ';' '\n' |
     grep -v typedef | sed -nE 's/.*[^A-Za-z0-9_]([A-Za-z_][A-Za-z0-9_]*) *\([^()]*\) *$/\1/p' |

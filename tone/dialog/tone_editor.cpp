@@ -1,10 +1,9 @@
 #include "tone/dialog/tone_editor.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <utility>
 
+#include "frame/scan.h"
 #include "frame/text.h"
 #include "resources/texts.h"
 
@@ -31,15 +30,6 @@ bool saveDccSettings(ToneCurve&, DccSettings* settings, const char* path) {
 
 // Percent of 0..255 to the nearest, halves up; operands are never negative.
 int32_t percentOf(int32_t level) noexcept { return truncateToInt32(level * 100 / 255.0 + 0.5); }
-
-// What atof reads: the number at the beginning, 0 without one.
-double numberIn(std::string_view text) noexcept {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-    double number = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-    return read.ec == std::errc() && std::isfinite(number) ? number : 0;
-}
 
 }  // namespace
 
@@ -205,7 +195,7 @@ bool ToneEditor::unmark() {
 
 void ToneEditor::leaveField(int32_t channel, std::string_view percent) {
     if (!percent.empty())
-        setLevel(channel, index_, truncateToInt32(numberIn(percent) * 255 / 100 + 0.5));
+        setLevel(channel, index_, truncateToInt32(realIn(percent) * 255 / 100 + 0.5));
     else if (!isEnd(index_))
         flagsOf(curve_, channel)[static_cast<size_t>(gridLevel(index_))] = 0;
     encodeAgain();
@@ -217,7 +207,7 @@ void ToneEditor::leaveTitle(std::string_view title) {
 }
 
 void ToneEditor::leaveSetting(DccField field, std::string_view number) {
-    if (settings_) fieldOf(*settings_, field) = truncateToInt32(std::trunc(numberIn(number)));
+    if (settings_) fieldOf(*settings_, field) = integerIn(number);
 }
 
 void ToneEditor::reset() {
