@@ -1,0 +1,191 @@
+// Dialogs that end in unusual ways, texts of any length, and what is left behind.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "resources/dialog_ids.h"
+#include "tests/dialog/driver.h"
+
+using namespace ko::test;
+
+namespace {
+
+// GetGuiResources cannot be relied on; a table that has grown gives new handles higher places.
+template <typename Make, typename Free>
+unsigned highestIndex(int count, Make make, Free release) {
+    std::vector<decltype(make())> made;
+    unsigned highest = 0;
+    for (int at = 0; at < count; ++at) {
+        made.push_back(make());
+        highest = std::max<unsigned>(highest, LOWORD(reinterpret_cast<uintptr_t>(made.back())));
+    }
+    for (const auto handle : made) release(handle);
+    return highest;
+}
+unsigned drawingObjects() {
+    return highestIndex(300, [] { return ::CreatePen(PS_SOLID, 1, 0); }, ::DeleteObject);
+}
+unsigned windows() {
+    const auto make = [] {
+        return ::CreateWindowExW(0, L"Static", L"", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    };
+    return highestIndex(100, make, ::DestroyWindow);
+}
+
+void useAndClose(const ToneDialogKind& kind) {
+    openDialog(kind.edit, "", [&](const DialogWindow& dialog) {
+        dialog.drag(dialog.point(0, kind.last, 0), dialog.point(0, kind.last, 100));
+        ::RedrawWindow(dialog.handle(), nullptr, nullptr,
+                       RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        dialog.click(IDCANCEL);
+    });
+}
+
+TEST(DialogLifetime, TwoHundredOpeningsLeaveNothingBehind) {
+    for (const ToneDialogKind* kind : kToneDialogs) useAndClose(*kind);  // what is made once
+    const unsigned objects = drawingObjects(), places = windows();
+    for (int time = 0; time < 200; ++time) useAndClose(*kToneDialogs[time % 3]);
+    EXPECT_LT(drawingObjects(), objects + 40);  // one object an opening of one kind is 66
+    EXPECT_LT(windows(), places + 40);
+}
+
+TEST(DialogLifetime, ClosingTheWindowCancels) {
+    const TempFolder folder;
+    for (const ToneDialogKind* kind : kToneDialogs) {
+        const std::string path = freshFile(*kind, folder, kind->name);
+        const Outcome outcome = openDialog(kind->edit, path, [](const DialogWindow& dialog) {
+            ::SendMessageW(dialog.handle(), WM_CLOSE, 0, 0);
+            EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+        });
+        EXPECT_EQ(outcome.result, 0);
+        EXPECT_EQ(outcome.path, path);
+    }
+}
+
+LRESULT CALLBACK ownerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_APP) ::DestroyWindow(window);
+    if (message == WM_APP + 1)  // opens a dialog from within the message loop of another
+        return reinterpret_cast<int32_t (*)(HWND, char*)>(wParam)(window,
+                                                                  reinterpret_cast<char*>(lParam));
+    return ::DefWindowProcW(window, message, wParam, lParam);
+}
+
+HWND newOwner() {
+    WNDCLASSW description{};
+    description.lpfnWndProc = ownerProcedure;
+    description.hInstance = ::GetModuleHandleW(nullptr);
+    description.lpszClassName = L"DialogTestsOwner";
+    ::RegisterClassW(&description);
+    return ::CreateWindowExW(0, description.lpszClassName, L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
+                             0, 0, 200, 100, nullptr, nullptr, description.hInstance, nullptr);
+}
+
+TEST(DialogLifetime, AnOwnerThatIsDestroyedTakesTheDialogWithIt) {
+    for (const ToneDialogKind* kind : kToneDialogs) {
+        const HWND owner = newOwner();
+        ASSERT_NE(owner, nullptr);
+        const Outcome outcome = openDialog(
+            kind->edit, "",
+            [&](const DialogWindow& dialog) {
+                dialog.drag(dialog.point(0, kind->last, 0), dialog.point(0, kind->last, 100));
+                ::PostMessageW(owner, WM_APP, 0, 0);
+                EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+            },
+            owner);
+        EXPECT_EQ(outcome.result, 0);
+        EXPECT_FALSE(::IsWindow(owner));
+    }
+}
+
+TEST(DialogLifetime, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFirst) {
+    const TempFolder folder;
+    for (const ToneDialogKind* kind : kToneDialogs) {
+        const HWND owner = newOwner();
+        char inner[260] = {};
+        freshFile(*kind, folder, std::string("inner") + kind->extension).copy(inner, 259);
+        const std::string path = freshFile(*kind, folder, std::string("outer") + kind->extension);
+        const Outcome outcome = openDialog(
+            kind->edit, path,
+            [&](const DialogWindow& dialog) {
+                dialog.enter(IDC_PERCENT_K, L"30");
+                ::PostMessageW(owner, WM_APP + 1, reinterpret_cast<WPARAM>(kind->edit),
+                               reinterpret_cast<LPARAM>(inner));
+                HWND second = nullptr;
+                ASSERT_TRUE(eventually([&] {
+                    second = ::GetLastActivePopup(owner);
+                    return second != owner && second != dialog.handle() &&
+                           ::IsWindowVisible(second);
+                }));
+                const DialogWindow other(second);
+                EXPECT_EQ(other.text(IDC_PERCENT_K), L"0");
+                other.enter(IDC_PERCENT_K, L"60");
+                other.click(IDC_SAVE);
+                other.click(IDOK);
+                EXPECT_TRUE(eventually([&] { return !other.isOpen(); }));
+                EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"30");
+                dialog.click(IDC_SAVE);
+                dialog.click(IDOK);
+            },
+            owner);
+        ::DestroyWindow(owner);
+        EXPECT_EQ(outcome.result, 1);
+        const int32_t black = kind->channels == 1 ? 0 : 3;
+        EXPECT_EQ(loaded(*kind, path).value(black, 0), 77);
+        EXPECT_EQ(loaded(*kind, inner).value(black, 0), 153);
+    }
+}
+
+void onClipboard(const std::wstring& text) {
+    ASSERT_TRUE(eventually([] { return ::OpenClipboard(nullptr) != FALSE; }));
+    ::EmptyClipboard();
+    const HGLOBAL block = ::GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t));
+    text.copy(static_cast<wchar_t*>(::GlobalLock(block)), text.size());
+    static_cast<wchar_t*>(::GlobalLock(block))[text.size()] = L'\0';
+    ::GlobalUnlock(block);
+    EXPECT_NE(::SetClipboardData(CF_UNICODETEXT, block), nullptr);
+    ::CloseClipboard();
+}
+
+TEST(DialogLifetime, TenThousandPastedCharactersAreCutOrClampedInEveryField) {
+    const TempFolder folder;
+    for (const wchar_t character : {L'9', L'漢', L'\x263a'}) {
+        const std::wstring text(10000, character);
+        onClipboard(text);
+        for (const ToneDialogKind* kind : kToneDialogs) {
+            SCOPED_TRACE(kind->name);
+            const std::string path = freshFile(*kind, folder, "curve");
+            openDialog(kind->edit, path, [&](const DialogWindow& dialog) {
+                for (const int field :
+                     {IDC_TITLE, IDC_PERCENT_C, IDC_PERCENT_M, IDC_PERCENT_Y, IDC_PERCENT_K,
+                      IDC_PERCENT_GCR, IDC_PERCENT_UCR, IDC_DPI_X, IDC_DPI_Y, IDC_TOTAL_INK,
+                      IDC_LIGHT_INK}) {
+                    const HWND window = dialog.item(field);
+                    if (!window) continue;
+                    dialog.focus(field);
+                    ::SendMessageW(window, EM_SETSEL, 0, -1);
+                    ::SendMessageW(window, WM_PASTE, 0, 0);
+                    const auto pasted = dialog.text(field).size();
+                    EXPECT_GT(pasted, 0u);
+                    EXPECT_LE(pasted, 63u);
+                    dialog.focus(IDC_GRAPH);
+                    // Without the control's limit, as another program may set it.
+                    ::SendMessageW(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+                    dialog.focus(field);
+                    dialog.focus(IDC_GRAPH);
+                    EXPECT_LE(dialog.text(field).size(), 63u);
+                }
+                EXPECT_EQ(dialog.text(IDC_PERCENT_K), character == L'9' ? L"100" : L"0");
+                if (dialog.item(IDC_DPI_X)) {
+                    EXPECT_EQ(dialog.text(IDC_DPI_X), character == L'9' ? L"2147483647" : L"0");
+                }
+                dialog.click(IDC_SAVE);
+            });
+            const CurveFile saved = loaded(*kind, path);
+            EXPECT_LE(saved.title.size(), 63u);
+            EXPECT_EQ(saved.value(kind->channels == 1 ? 0 : 3, 0), character == L'9' ? 255 : 0);
+        }
+    }
+}
+
+}  // namespace

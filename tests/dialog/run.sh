@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Runs a program with dialogs under Wine on a screen of its own, at a resolution.
+#   run.sh DPI PROGRAM [ARGUMENT...]      the language and WINEPREFIX are the caller's
+set -uo pipefail
+readonly dpi=$1
+shift
+scratch=$(mktemp -d)
+wineserver --kill 2> /dev/null  # one that was started without a screen has none
+Xvfb -displayfd 3 -screen 0 1600x1200x24 -nolisten tcp 3> "$scratch/display" 2> "$scratch/xvfb" &
+xvfb=$!
+trap 'wineserver --kill 2> /dev/null; kill $xvfb; rm -rf "$scratch"' EXIT
+for _ in $(seq 100); do
+    [ -s "$scratch/display" ] && break
+    sleep 0.1
+done
+[ -s "$scratch/display" ] || { echo "no screen:"; cat "$scratch/xvfb"; exit 1; }
+DISPLAY=:$(cat "$scratch/display")
+export DISPLAY
+set_value() { wine reg add "$1" /v "$2" /t "$3" /d "$4" /f > /dev/null; }
+set_value 'HKCU\Control Panel\Desktop' LogPixels REG_DWORD "$dpi"
+set_value 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ N  # Wine draws the frames itself
+wineserver --kill
+wine "$@"

@@ -1,0 +1,293 @@
+// The three tone dialogs, opened through their exported functions and used like a person would.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "resources/dialog_ids.h"
+#include "tests/dialog/driver.h"
+
+using namespace ko::test;
+
+namespace {
+
+constexpr int kMessageText = 0xffff;
+
+std::wstring captionWith(const ToneDialogKind& kind, const std::string& path) {
+    return kind.caption + wide(path) + L"]";
+}
+
+// Answers the file dialog that a button has opened.
+void answerWith(const DialogWindow& dialog, std::string_view name) {
+    dialog.asked().chooseFile(name);
+    dialog.waitForQuiet();
+}
+
+class ToneDialogs : public ::testing::TestWithParam<const ToneDialogKind*> {
+protected:
+    const ToneDialogKind& kind() const { return *GetParam(); }
+    Outcome open(std::string_view path, const std::function<void(const DialogWindow&)>& drive) {
+        return openDialog(kind().edit, path, drive);
+    }
+    std::string file(std::string_view name) const { return folder_.path(name) + kind().extension; }
+    std::string fresh(std::string_view name) const {
+        return freshFile(kind(), folder_, std::string(name) + kind().extension);
+    }
+    static void moveTo(const DialogWindow& dialog, int32_t index) {
+        for (int32_t step = 0; step < index; ++step) dialog.key(IDC_GRAPH, VK_RIGHT);
+    }
+    TempFolder folder_;
+};
+INSTANTIATE_TEST_SUITE_P(Kinds, ToneDialogs, ::testing::ValuesIn(kToneDialogs),
+                         [](const auto& instance) { return instance.param->name; });
+
+TEST_P(ToneDialogs, AFolderOpensAnIdentityCurveAndSaveThenAsksForANameInThatFolder) {
+    const Outcome outcome = open(folder_.folder().string() + "\\", [&](const DialogWindow& dialog) {
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), ""));
+        EXPECT_EQ(dialog.text(IDC_TITLE), L"無題");
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"0");
+        dialog.press(IDC_SAVE);
+        answerWith(dialog, "new");
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), file("new")));
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(outcome.path, file("new"));
+    EXPECT_EQ(readText(file("new")), readText(fresh("expected")));
+}
+
+TEST_P(ToneDialogs, Typing50InAPercentageFieldStores128) {
+    const std::string path = fresh("curve");
+    const Outcome outcome = open(path, [&](const DialogWindow& dialog) {
+        moveTo(dialog, 3);
+        dialog.enter(IDC_PERCENT_K, L"50");
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
+        EXPECT_EQ(dialog.text(IDC_INPUT_K), kind().last == 64 ? L"5 %" : L"19 %");
+        dialog.click(IDC_SAVE);
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(outcome.path, path);
+    const int32_t black = kind().channels == 1 ? 0 : 3, x = kind().last == 64 ? 12 : 48;
+    const CurveFile saved = loaded(kind(), path);
+    EXPECT_EQ(saved.value(black, x), 128);
+    EXPECT_TRUE(saved.marked(black, x));
+}
+
+TEST_P(ToneDialogs, ClearingTheFieldOfAnEndPointDoesNotRemoveIt) {
+    const std::string path = fresh("curve");
+    open(path, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_PERCENT_K, L"20");
+        dialog.enter(IDC_PERCENT_K, L"");
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"20");
+        moveTo(dialog, kind().last);
+        dialog.enter(IDC_PERCENT_K, L"80");
+        dialog.enter(IDC_PERCENT_K, L"");
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"80");
+        dialog.click(IDC_SAVE);
+    });
+    const int32_t black = kind().channels == 1 ? 0 : 3;
+    const CurveFile saved = loaded(kind(), path);
+    EXPECT_EQ(saved.value(black, 0), 51);
+    EXPECT_EQ(saved.value(black, 255), 204);
+}
+
+TEST_P(ToneDialogs, ClearingTheFieldOfAnInnerPointRemovesIt) {
+    const std::string path = fresh("curve");
+    const std::string before = readText(path);
+    open(path, [&](const DialogWindow& dialog) {
+        moveTo(dialog, 3);
+        dialog.enter(IDC_PERCENT_K, L"50");
+        dialog.click(IDC_SAVE);
+        EXPECT_NE(readText(path), before);
+        dialog.enter(IDC_PERCENT_K, L"");
+        dialog.click(IDC_SAVE);
+    });
+    EXPECT_EQ(readText(path), before);
+}
+
+TEST_P(ToneDialogs, ARightClickDuringADragRestoresTheCurveAsItWasBefore) {
+    const std::string path = fresh("curve");
+    open(path, [&](const DialogWindow& dialog) {
+        const int32_t last = kind().last;
+        dialog.drag(dialog.point(last, last, 255), dialog.point(last, last, 128));
+        dialog.drop(dialog.point(last, last, 128));
+        dialog.click(IDC_SAVE);
+        const std::string before = readText(path);
+        const int32_t level = dialog.levelAt(dialog.point(last, last, 128).y);
+        dialog.drag(dialog.point(last, last, level), dialog.point(last, last, 30));
+        EXPECT_NE(dialog.text(IDC_PERCENT_K), L"50");
+        dialog.mouse(WM_RBUTTONDOWN, dialog.point(last, last, 30));
+        dialog.drop(dialog.point(last, last, 30));
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
+        dialog.click(IDC_SAVE);
+        EXPECT_EQ(readText(path), before);
+    });
+}
+
+TEST_P(ToneDialogs, CancelAfterASaveReturns0ButThePathOfTheSavedFile) {
+    const Outcome outcome = open("", [&](const DialogWindow& dialog) {
+        dialog.press(IDC_SAVE_AS);
+        answerWith(dialog, file("kept"));
+        dialog.click(IDCANCEL);
+    });
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(outcome.path, file("kept"));
+    EXPECT_TRUE(exists(file("kept")));
+}
+
+TEST_P(ToneDialogs, ADragMovesThePointAndMarksIt) {
+    const std::string path = fresh("curve");
+    open(path, [&](const DialogWindow& dialog) {
+        const int32_t last = kind().last, middle = last / 2;
+        const POINT to = dialog.point(middle, last, 200);
+        dialog.drag(dialog.point(middle, last, 128), to);
+        dialog.drop(to);
+        dialog.mouse(WM_MOUSEMOVE, dialog.point(middle, last, 20));  // not held any more
+        dialog.click(IDC_SAVE);
+        const CurveFile saved = loaded(kind(), path);
+        const int32_t inks = kind().channels == 1 ? 1 : 4;  // GCR and UCR are not selected
+        for (int32_t channel = 0; channel < kind().channels; ++channel) {
+            const bool moved = channel < inks;
+            EXPECT_EQ(saved.value(channel, 128), moved ? dialog.levelAt(to.y) : 128) << channel;
+            EXPECT_EQ(saved.marked(channel, 128), moved) << channel;
+        }
+        dialog.mouse(WM_RBUTTONDOWN, to);  // takes the point away again
+        dialog.click(IDC_SAVE);
+        EXPECT_EQ(readText(path), readText(fresh("expected")));
+    });
+}
+
+TEST_P(ToneDialogs, AMissingFileIsToldAndNoDialogShown) {
+    const std::string path = file("missing");
+    const Outcome outcome = open(path, [&](const DialogWindow& message) {
+        EXPECT_EQ(message.caption(), L"ﾌﾟﾛﾌｧｲﾙｴﾗｰ");
+        EXPECT_EQ(message.text(kMessageText), kind().missingFile + wide(path) + L"]");
+        EXPECT_EQ(message.item(IDC_GRAPH), nullptr);
+        EXPECT_NE(message.item(IDOK) ? message.item(IDOK) : message.item(IDCANCEL), nullptr);
+        ::SendMessageW(message.handle(), WM_CLOSE, 0, 0);
+    });
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(outcome.path, path);
+}
+
+TEST_P(ToneDialogs, NewAsksFirstAndThenForgetsTheFile) {
+    const std::string path = fresh("curve");
+    const Outcome outcome = open(path, [&](const DialogWindow& dialog) {
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), path));
+        dialog.enter(IDC_PERCENT_K, L"50");
+        dialog.press(IDC_NEW);
+        const DialogWindow question = dialog.asked();
+        EXPECT_EQ(question.caption(), L"ﾌﾟﾛﾌｧｲﾙ");
+        EXPECT_EQ(question.text(kMessageText), L"初期化します。いいですか？");
+        question.press(IDNO);
+        dialog.waitForQuiet();
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), path));
+        dialog.press(IDC_NEW);
+        dialog.asked().press(IDYES);
+        dialog.waitForQuiet();
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"0");
+        EXPECT_EQ(dialog.text(IDC_TITLE), L"無題");
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), ""));
+        dialog.press(IDC_SAVE);  // has no file now, so it asks
+        dialog.asked().press(IDCANCEL);
+        dialog.waitForQuiet();
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(outcome.path, "");
+}
+
+TEST_P(ToneDialogs, AFileThatIsNotReplacedKeepsItsContent) {
+    const std::string path = file("other");
+    writeFile(path, "theirs");
+    open("", [&](const DialogWindow& dialog) {
+        dialog.press(IDC_SAVE_AS);
+        const DialogWindow ask = dialog.asked();
+        ask.chooseFile(path);
+        ask.asked().press(IDNO);
+        ask.waitForQuiet();
+        ask.press(IDCANCEL);
+        dialog.waitForQuiet();
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), ""));
+    });
+    EXPECT_EQ(readText(path), "theirs");
+}
+
+TEST_P(ToneDialogs, AFileThatCannotBeWrittenStaysAsItWas) {
+    const std::string path = fresh("curve");
+    const std::string before = readText(path);
+    const HANDLE reader = ::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                        OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(reader, INVALID_HANDLE_VALUE);
+    const Outcome outcome = open(path, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_PERCENT_K, L"50");
+        dialog.click(IDC_SAVE);
+        dialog.waitForQuiet();  // silent
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
+        dialog.click(IDOK);
+    });
+    ::CloseHandle(reader);
+    EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(readText(path), before);
+}
+
+TEST_P(ToneDialogs, AnExtensionInCapitalsIsNotAddedAgain) {
+    std::string capitals = kind().extension;
+    for (char& letter : capitals)
+        if (letter != '.') letter = static_cast<char>(letter - 'a' + 'A');
+    const std::string path = folder_.path("BIG") + capitals;
+    const Outcome outcome = open("", [&](const DialogWindow& dialog) {
+        dialog.press(IDC_SAVE_AS);
+        answerWith(dialog, path);
+    });
+    EXPECT_EQ(outcome.path, path);
+    EXPECT_TRUE(exists(path));
+}
+
+TEST_P(ToneDialogs, ResetKeepsTitleAndPath) {
+    const std::string path = fresh("curve");
+    open(path, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_TITLE, L"press 3");
+        moveTo(dialog, 2);
+        dialog.enter(IDC_PERCENT_K, L"90");
+        dialog.click(IDC_RESET);
+        EXPECT_EQ(dialog.text(IDC_TITLE), L"press 3");
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), path));
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), kind().last == 64 ? L"3" : L"13");
+        dialog.click(IDC_SAVE);
+    });
+    EXPECT_EQ(loaded(kind(), path).table, loaded(kind(), fresh("expected")).table);
+}
+
+TEST_P(ToneDialogs, ReturnPressesOk) {
+    const Outcome outcome = open(fresh("curve"), [&](const DialogWindow& dialog) {
+        dialog.pressKey(IDC_GRAPH, VK_RETURN);
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    EXPECT_EQ(outcome.result, 1);
+}
+
+TEST_P(ToneDialogs, EscapeCancels) {
+    const Outcome outcome = open(fresh("curve"), [&](const DialogWindow& dialog) {
+        dialog.pressKey(IDC_PERCENT_K, VK_ESCAPE);
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    EXPECT_EQ(outcome.result, 0);
+}
+
+TEST_P(ToneDialogs, TheArrowsMoveAPointAndDeleteUnmarksIt) {
+    const std::string path = fresh("curve");
+    open(path, [&](const DialogWindow& dialog) {
+        moveTo(dialog, 4);
+        const std::wstring before = dialog.text(IDC_PERCENT_K);
+        for (int step = 0; step < 20; ++step) dialog.key(IDC_GRAPH, VK_UP);
+        EXPECT_NE(dialog.text(IDC_PERCENT_K), before);
+        dialog.key(IDC_GRAPH, VK_DELETE);
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), before);
+        dialog.click(IDC_SAVE);
+    });
+    EXPECT_EQ(readText(path), readText(fresh("expected")));
+}
+
+}  // namespace
