@@ -36,7 +36,8 @@ void LinkColour(benchmark::State& state) {
     const auto pixels = randomPixels(channels);
     for (auto _ : state)
         for (size_t at = 0; at < pixels.size(); at += static_cast<size_t>(channels)) {
-            int32_t values[4] = {pixels[at], pixels[at + 1], pixels[at + 2], channels == 4 ? pixels[at + 3] : 0};
+            int32_t values[4] = {pixels[at], pixels[at + 1], pixels[at + 2],
+                                 channels == 4 ? pixels[at + 3] : 0};
             jKoLinkCOLtoCMYK16(link.get(), values);
             benchmark::DoNotOptimize(values);
         }
@@ -66,7 +67,8 @@ void LittleCmsTransform(benchmark::State& state) {
     cmsStageSampleCLut16bit(
         clut,
         [](const cmsUInt16Number*, cmsUInt16Number* out, void* cargo) {
-            for (int k = 0; k < 4; ++k) out[k] = static_cast<cmsUInt16Number>((*static_cast<std::mt19937*>(cargo))());
+            for (int k = 0; k < 4; ++k)
+                out[k] = static_cast<cmsUInt16Number>((*static_cast<std::mt19937*>(cargo))());
             return 1;
         },
         &random, 0);
@@ -77,8 +79,8 @@ void LittleCmsTransform(benchmark::State& state) {
     cmsSetColorSpace(profile, channels == 3 ? cmsSigRgbData : cmsSigCmykData);
     cmsSetPCS(profile, cmsSigCmykData);
     cmsWriteTag(profile, cmsSigAToB0Tag, pipeline);
-    cmsHTRANSFORM transform = cmsCreateTransform(profile, channels == 3 ? TYPE_RGB_8 : TYPE_CMYK_8, nullptr,
-                                                 TYPE_CMYK_8, 0, cmsFLAGS_NOCACHE);
+    cmsHTRANSFORM transform = cmsCreateTransform(profile, channels == 3 ? TYPE_RGB_8 : TYPE_CMYK_8,
+                                                 nullptr, TYPE_CMYK_8, 0, cmsFLAGS_NOCACHE);
     const auto pixels = randomPixels(static_cast<int32_t>(channels));
     std::vector<uint8_t> output(size_t{4} << 20);
     if (!transform) state.SkipWithError("no transform");
@@ -95,7 +97,8 @@ void LittleCmsTransform(benchmark::State& state) {
 BENCHMARK(LittleCmsTransform)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
 
 // A link from two of Debian's press profiles, or a monitor and a press.
-void LinkBuild(benchmark::State& state, LinkProfile* (*build)(const CmsLinkSettings*), const char* source) {
+void LinkBuild(benchmark::State& state, LinkProfile* (*build)(const CmsLinkSettings*),
+               const char* source) {
     CmsLinkSettings settings;
     jCmsInitCms(&settings);
     std::strcpy(settings.sourcePath, source);
@@ -110,9 +113,13 @@ void LinkBuild(benchmark::State& state, LinkProfile* (*build)(const CmsLinkSetti
 }
 constexpr char kRgb[] = "/usr/share/color/icc/ghostscript/default_rgb.icc";
 constexpr char kCmyk[] = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
-BENCHMARK_CAPTURE(LinkBuild, own_rgb, jKoLinkCombineRgbProfile, kRgb)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(LinkBuild, own_cmyk, jKoLinkCombineCmykProfile, kCmyk)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(LinkBuild, system_rgb, jKoLinkCombineIcmRgbProfile, kRgb)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(LinkBuild, system_cmyk, jKoLinkCombineIcmCmykProfile, kCmyk)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinkBuild, own_rgb, jKoLinkCombineRgbProfile, kRgb)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinkBuild, own_cmyk, jKoLinkCombineCmykProfile, kCmyk)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinkBuild, system_rgb, jKoLinkCombineIcmRgbProfile, kRgb)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinkBuild, system_cmyk, jKoLinkCombineIcmCmykProfile, kCmyk)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -53,18 +53,21 @@ __m128i blend4(const uint8_t (*node)[4], __m128i lowWeights, __m128i highWeights
 }
 
 // The four outputs of a colour, one to a byte, the first lowest.
-uint32_t interpolate(const uint8_t (&table)[builtin::kTableNodes][4], const uint8_t* levels) noexcept {
+uint32_t interpolate(const uint8_t (&table)[builtin::kTableNodes][4],
+                     const uint8_t* levels) noexcept {
     const Level& x = kLevels[levels[0]];
     const Level& y = kLevels[levels[1]];
     const Level& z = kLevels[levels[2]];
     const size_t base = (x.index * kTablePoints + y.index) * kTablePoints + z.index;
 
     const __m128i zPair = _mm_set1_epi32(static_cast<int32_t>(z.weights));
-    const __m128i lowWeights = _mm_mullo_epi16(_mm_set1_epi16(static_cast<int16_t>(y.weights)), zPair);
+    const __m128i lowWeights =
+        _mm_mullo_epi16(_mm_set1_epi16(static_cast<int16_t>(y.weights)), zPair);
     const __m128i highWeights =
         _mm_mullo_epi16(_mm_set1_epi16(static_cast<int16_t>(y.weights >> 16)), zPair);
     const __m128i low = blend4(table + base, lowWeights, highWeights);
-    const __m128i high = blend4(table + base + kTablePoints * kTablePoints, lowWeights, highWeights);
+    const __m128i high =
+        blend4(table + base + kTablePoints * kTablePoints, lowWeights, highWeights);
 
     const __m128d lowWeight = _mm_set1_pd(static_cast<double>(x.weights & 0xffff));
     const __m128d highWeight = _mm_set1_pd(static_cast<double>(x.weights >> 16));
@@ -82,7 +85,8 @@ uint32_t interpolate(const uint8_t (&table)[builtin::kTableNodes][4], const uint
 
 // Row by row of a small buffer through a link; store takes a pixel's four values.
 template <class Store>
-void throughLink(const LinkProfile& link, const uint8_t* input, int32_t pixels, Store store) noexcept {
+void throughLink(const LinkProfile& link, const uint8_t* input, int32_t pixels,
+                 Store store) noexcept {
     constexpr int32_t kPixels = 512;
     uint16_t values[kPixels * 4];
     const int32_t channels = link.inputChannels == 3 ? 3 : 4;
@@ -120,7 +124,8 @@ void cmykToRgbRow(const uint8_t* cmyk, int32_t pixels, uint8_t* rgb) noexcept {
     for (; pixels > 0; --pixels, cmyk += 4, rgb += 3) {
         const uint32_t light = interpolate(builtin::kCmyToRgb, cmyk);
         const uint32_t left = 255u - cmyk[3];
-        for (uint32_t k = 0; k < 3; ++k) rgb[k] = static_cast<uint8_t>((light >> 8 * k & 255) * left / 255);
+        for (uint32_t k = 0; k < 3; ++k)
+            rgb[k] = static_cast<uint8_t>((light >> 8 * k & 255) * left / 255);
     }
 }
 

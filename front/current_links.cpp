@@ -11,7 +11,8 @@ namespace {
 
 link::Link rgbToCmykCurrent, cmykToRgbCurrent;
 
-bool fill(CmsLinkSettings& settings, const char* source, const char* destination, int32_t intent) noexcept {
+bool fill(CmsLinkSettings& settings, const char* source, const char* destination,
+          int32_t intent) noexcept {
     initSettings(settings);
     settings.intent = intent;
     settings.whiteMode = 1;

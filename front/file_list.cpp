@@ -53,7 +53,8 @@ int32_t loadIccFileList(char* list, int32_t maxCount, const char* colourSpace) {
     for (const std::string& name : names) {
         const std::string path = joinPath(folder, name);
         if (path.size() >= KOLINK_PATH_SIZE || !passes(path, colourSpace)) continue;
-        std::memcpy(list + static_cast<size_t>(count) * KOLINK_PATH_SIZE, path.c_str(), path.size() + 1);
+        std::memcpy(list + static_cast<size_t>(count) * KOLINK_PATH_SIZE, path.c_str(),
+                    path.size() + 1);
         if (++count == maxCount) break;
     }
     return count;

@@ -36,7 +36,8 @@ public:
     }
     // An 8-bit table with identity matrix and curves; fill writes the grid.
     template <class Fill>
-    void lut(uint32_t signature, int32_t inputs, int32_t outputs, int32_t gridPoints, Fill fill) noexcept {
+    void lut(uint32_t signature, int32_t inputs, int32_t outputs, int32_t gridPoints,
+             Fill fill) noexcept {
         auto block = icc::makeLut({inputs, outputs, gridPoints, 1});
         if (block) {
             identity(block->inputTables, inputs);
@@ -70,7 +71,8 @@ void blackPoint(const DeviceProfile& profile, float (&xyz)[3]) noexcept {
     for (size_t i = 0; i < 3; ++i) xyz[i] = static_cast<float>(colour[i]);
 }
 
-void bindInks(TagBinder& tags, uint32_t signature, const uint32_t (&words)[KOLINK_LAB_NODES]) noexcept {
+void bindInks(TagBinder& tags, uint32_t signature,
+              const uint32_t (&words)[KOLINK_LAB_NODES]) noexcept {
     tags.lut(signature, 3, 4, kLabPoints, [&](uint8_t* grid) {
         for (const uint32_t word : words) {
             const uint32_t reversed = icc::revLong(word);  // the first ink comes first
@@ -110,7 +112,8 @@ int32_t saveDeviceProfile(DeviceProfile& profile, const char* path) {
              [&](uint8_t* grid) { std::memcpy(grid, profile.gamut, sizeof profile.gamut); });
     tags.lut(fourcc("A2B0"), 4, 3, kDevicePoints, [&](uint8_t* grid) {
         for (const uint32_t lab : profile.labGrid)
-            for (uint32_t shift = 0; shift < 24; shift += 8) *grid++ = static_cast<uint8_t>(lab >> shift);
+            for (uint32_t shift = 0; shift < 24; shift += 8)
+                *grid++ = static_cast<uint8_t>(lab >> shift);
     });
     bindInks(tags, fourcc("B2A0"), profile.toCmyk0);
     bindInks(tags, fourcc("B2A1"), profile.toCmyk1);

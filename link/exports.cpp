@@ -3,7 +3,8 @@
 
 namespace {
 
-LinkProfile* built(ko::link::Link (*builder)(const CmsLinkSettings&), const CmsLinkSettings* settings) {
+LinkProfile* built(ko::link::Link (*builder)(const CmsLinkSettings&),
+                   const CmsLinkSettings* settings) {
     if (!settings) return nullptr;
     return ko::atBoundary<LinkProfile*>(nullptr, [&] { return builder(*settings).release(); });
 }

@@ -72,7 +72,9 @@ void MatrixSource::toXyz16(int32_t* values) const noexcept {
     }
     double xyz[3];
     for (size_t i = 0; i < 3; ++i)
-        xyz[i] = (colorants[0][i] * light[0] + colorants[1][i] * light[1] + colorants[2][i] * light[2]) / 255;
+        xyz[i] =
+            (colorants[0][i] * light[0] + colorants[1][i] * light[1] + colorants[2][i] * light[2]) /
+            255;
     icc::xyzEncode(xyz, 2);
     for (size_t i = 0; i < 3; ++i) values[i] = truncateToInt32(xyz[i]);
 }

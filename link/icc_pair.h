@@ -55,6 +55,7 @@ struct IccPair {
 
 // The profiles of the settings, ready for a source of that colour space ("RGB " or "CMYK"); empty
 // when anything that the conversion needs is missing.
-[[nodiscard]] std::optional<IccPair> openPair(const CmsLinkSettings& settings, uint32_t colourSpace);
+[[nodiscard]] std::optional<IccPair> openPair(const CmsLinkSettings& settings,
+                                              uint32_t colourSpace);
 
 }  // namespace ko::link

@@ -58,7 +58,8 @@ constexpr bool fractionsAreWhole() {
         const Cell cell = locateCell(value, kGridPoints);
         const float fraction = static_cast<float>(cell.distance) / static_cast<float>(cell.width);
         const double scaled = static_cast<double>(fraction) * (1 << kFractionBits);
-        if (scaled != static_cast<double>(kLevels[static_cast<size_t>(value)].fraction)) return false;
+        if (scaled != static_cast<double>(kLevels[static_cast<size_t>(value)].fraction))
+            return false;
         if (cell.width != 15 && cell.width != 16) return false;
     }
     return true;
@@ -95,7 +96,8 @@ void row3(const uint16_t* grid, const uint8_t* input, int32_t pixels, uint16_t* 
         const Level& r = kLevels[input[0]];
         const Level& g = kLevels[input[1]];
         const Level& b = kLevels[input[2]];
-        const uint16_t* base = grid + (r.index * kStride0 + g.index * kStride1 + b.index * kStride2);
+        const uint16_t* base =
+            grid + (r.index * kStride0 + g.index * kStride1 + b.index * kStride2);
 
         // Sorted with their strides beside them, without a branch that depends on the colour.
         const uint64_t x = static_cast<uint64_t>(r.fraction) << 32 | kStride0;
@@ -105,7 +107,8 @@ void row3(const uint16_t* grid, const uint8_t* input, int32_t pixels, uint16_t* 
         const uint64_t first = std::max(larger, z), other = std::min(larger, z);
         const uint64_t second = std::max(smaller, other), third = std::min(smaller, other);
 
-        const auto fa = static_cast<uint32_t>(first >> 32), fb = static_cast<uint32_t>(second >> 32),
+        const auto fa = static_cast<uint32_t>(first >> 32),
+                   fb = static_cast<uint32_t>(second >> 32),
                    fc = static_cast<uint32_t>(third >> 32);
         const uint16_t* cornerA = base + static_cast<uint32_t>(first);
         const uint16_t* cornerB = cornerA + static_cast<uint32_t>(second);
@@ -164,8 +167,10 @@ void row4(const uint16_t* grid, const uint8_t* input, int32_t pixels, uint16_t* 
         const __m128d highWeight = _mm_set1_pd(static_cast<double>(cHigh));
         const double inverse = kInverseVolumes[c.fifteen + m.fifteen + y.fifteen + k.fifteen];
         // Gives back what the signed nodes took away, 32768 * volume, and the half.
-        const uint32_t inner = (mLow + mHigh) * (yLow + yHigh) * ((k.weights & 0xffff) + (k.weights >> 16));
-        const __m128d offset = _mm_set1_pd(static_cast<double>(inner * (cLow + cHigh)) * 32768.0 + 0.5);
+        const uint32_t inner =
+            (mLow + mHigh) * (yLow + yHigh) * ((k.weights & 0xffff) + (k.weights >> 16));
+        const __m128d offset =
+            _mm_set1_pd(static_cast<double>(inner * (cLow + cHigh)) * 32768.0 + 0.5);
         const auto results = [&](__m128i lowPair, __m128i highPair) noexcept {
             const __m128d sum = _mm_add_pd(_mm_mul_pd(_mm_cvtepi32_pd(lowPair), lowWeight),
                                            _mm_mul_pd(_mm_cvtepi32_pd(highPair), highWeight));

@@ -58,9 +58,9 @@ void closeProfile(Profile* profile) noexcept {
 // Best quality: every colour goes through the profiles' own curves and tables, none through a
 // grid sampled in advance; and nothing is cached, since no colour comes twice.
 Transform* createTransform(const Profile& source, const Profile& destination, uint32_t intent) {
-    cmsHTRANSFORM handle =
-        cmsCreateTransform(source.handle, formatOf(source.handle), destination.handle,
-                           formatOf(destination.handle), intent, cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE);
+    cmsHTRANSFORM handle = cmsCreateTransform(source.handle, formatOf(source.handle),
+                                              destination.handle, formatOf(destination.handle),
+                                              intent, cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE);
     if (!handle) return nullptr;
     if (auto* transform = new (std::nothrow) Transform{handle}) return transform;
     cmsDeleteTransform(handle);

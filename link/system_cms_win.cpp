@@ -73,7 +73,9 @@ void translate(Transform& transform, const uint16_t (&input)[4], Colours inputs,
     COLOR from{}, to{};  // the channels are the union's first words, in their order
     static_assert(sizeof from >= sizeof input);
     std::memcpy(&from, input, sizeof input);
-    const auto type = [](Colours colours) { return colours == Colours::rgb ? COLOR_RGB : COLOR_CMYK; };
+    const auto type = [](Colours colours) {
+        return colours == Colours::rgb ? COLOR_RGB : COLOR_CMYK;
+    };
     ::TranslateColors(transform.handle, &from, 1, type(inputs), &to, type(outputs));
     std::memcpy(output, &to, sizeof output);
 }

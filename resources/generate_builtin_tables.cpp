@@ -83,9 +83,11 @@ public:
             const int levels[3] = {levelOf(r), levelOf(g), levelOf(b)};
             for (size_t k = 0; k < 3; ++k) light_[node][k] = levels[k];
             for (size_t k = 0; k < 3; ++k) inks_[node][k] = 255 - levels[k];
-            black_[node] = (255.0 - levels[0]) * (255 - levels[1]) * (255 - levels[2]) / (255 * 255);
+            black_[node] =
+                (255.0 - levels[0]) * (255 - levels[1]) * (255 - levels[2]) / (255 * 255);
         });
-        for (const Anchor& anchor : kAnchors) inks_[nodeOf(anchor.r, anchor.g, anchor.b)] = anchor.inks;
+        for (const Anchor& anchor : kAnchors)
+            inks_[nodeOf(anchor.r, anchor.g, anchor.b)] = anchor.inks;
     }
 
     void relax() {
@@ -127,10 +129,11 @@ private:
         for (size_t axis = 0; axis < 3; ++axis) {
             const auto at = [&](int i) {
                 const int step = i - place[axis];
-                return inks_[static_cast<size_t>(static_cast<int>(node) + step * static_cast<int>(kStrides[axis]))][ink];
+                return inks_[static_cast<size_t>(static_cast<int>(node) +
+                                                 step * static_cast<int>(kStrides[axis]))][ink];
             };
-            for (int middle = std::max(1, place[axis] - 1); middle <= std::min(kLast - 1, place[axis] + 1);
-                 ++middle) {
+            for (int middle = std::max(1, place[axis] - 1);
+                 middle <= std::min(kLast - 1, place[axis] + 1); ++middle) {
                 const double share = middle == place[axis] ? -2 : 1;
                 pull += kStiffness * share * (at(middle - 1) - 2 * at(middle) + at(middle + 1));
                 weight += kStiffness * share * share;
@@ -170,7 +173,8 @@ Tables generateTables() {
         tables.rgbToCmyk[node] = separation.entry(node);
         Colour covered;
         for (size_t ink = 0; ink < 3; ++ink)
-            covered[ink] = coverage(levelOf(static_cast<int>(node / kStrides[ink] % kTablePoints)), ink);
+            covered[ink] =
+                coverage(levelOf(static_cast<int>(node / kStrides[ink] % kTablePoints)), ink);
         const Colour light = patch(covered);
         tables.cmyToRgb[node] = {rounded(light[0]), rounded(light[1]), rounded(light[2]), 0};
     }

@@ -28,8 +28,8 @@ public:
         cmsHPROFILE press = cmsOpenProfileFromFile(path, "r");
         cmsHPROFILE lab = cmsCreateLab2Profile(nullptr);
         cmsHTRANSFORM instrument =
-            press ? cmsCreateTransform(press, TYPE_CMYK_8, lab, TYPE_Lab_DBL, INTENT_RELATIVE_COLORIMETRIC,
-                                       cmsFLAGS_NOOPTIMIZE)
+            press ? cmsCreateTransform(press, TYPE_CMYK_8, lab, TYPE_Lab_DBL,
+                                       INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_NOOPTIMIZE)
                   : nullptr;
         if (instrument) {
             for (size_t node = 0; node < patches_.size(); ++node) {
@@ -38,7 +38,8 @@ public:
                     inks[ink] = static_cast<uint8_t>(levelOf(rest % kPoints));
                 cmsDoTransform(instrument, inks, patches_[node].data(), 1);
             }
-            if (const auto* white = static_cast<cmsCIEXYZ*>(cmsReadTag(press, cmsSigMediaWhitePointTag)))
+            if (const auto* white =
+                    static_cast<cmsCIEXYZ*>(cmsReadTag(press, cmsSigMediaWhitePointTag)))
                 white_ = {white->X, white->Y, white->Z};
             cmsDeleteTransform(instrument);
         }
@@ -89,14 +90,16 @@ double distance2(const Lab& a, const Lab& b) {
 double cost(const Lab& printed, const Lab& wanted, const Inks& inks) {
     const double dark = 1 - wanted[0] / 100, black = 255 * dark * dark * dark;
     const double excess = std::max(0, inks[0] + inks[1] + inks[2] + inks[3] - 3 * 255);
-    return distance2(printed, wanted) + 0.005 * (inks[3] - black) * (inks[3] - black) + 0.001 * excess * excess;
+    return distance2(printed, wanted) + 0.005 * (inks[3] - black) * (inks[3] - black) +
+           0.001 * excess * excess;
 }
 
 Inks inksFor(const Printer& printer, const Lab& wanted) {
     Inks best{};
     double least = 1e30;
     for (int node = 0; node < KOLINK_DEVICE_NODES; ++node) {  // the best patch
-        const Inks inks = {levelOf(node / 729), levelOf(node / 81 % 9), levelOf(node / 9 % 9), levelOf(node % 9)};
+        const Inks inks = {levelOf(node / 729), levelOf(node / 81 % 9), levelOf(node / 9 % 9),
+                           levelOf(node % 9)};
         const double found = cost(printer.patch(static_cast<size_t>(node)), wanted, inks);
         if (found < least) least = found, best = inks;
     }
@@ -120,7 +123,9 @@ uint32_t packed(const Inks& inks) {
 }
 
 uint32_t encoded(const Lab& lab) {
-    const auto byte = [](double value) { return static_cast<uint32_t>(std::clamp(value, 0.0, 255.0) + 0.5); };
+    const auto byte = [](double value) {
+        return static_cast<uint32_t>(std::clamp(value, 0.0, 255.0) + 0.5);
+    };
     return byte(lab[0] * 255 / 100) | byte(lab[1] + 128) << 8 | byte(lab[2] + 128) << 16;
 }
 
@@ -133,16 +138,19 @@ int main(int argc, char** argv) {
                                        : "device_profile: the press profile cannot be used\n");
         return argc != 3 ? 2 : 1;
     }
-    const std::unique_ptr<DeviceProfile, int32_t (*)(DeviceProfile*)> device(jKoDevsCreateProfile(), &jKoDevsReleaseProfile);
+    const std::unique_ptr<DeviceProfile, int32_t (*)(DeviceProfile*)> device(
+        jKoDevsCreateProfile(), &jKoDevsReleaseProfile);
     if (!device) return 1;
     std::snprintf(device->description, sizeof device->description, "Simulated measurements");
     for (int i = 0; i < 3; ++i) device->whitePoint[i] = static_cast<float>(printer.white()[i]);
-    for (size_t node = 0; node < KOLINK_DEVICE_NODES; ++node) device->labGrid[node] = encoded(printer.patch(node));
+    for (size_t node = 0; node < KOLINK_DEVICE_NODES; ++node)
+        device->labGrid[node] = encoded(printer.patch(node));
 
     double sum = 0;
     int printable = 0;
     for (int node = 0; node < KOLINK_LAB_NODES; ++node) {
-        const Lab lab = {node / 289 * 100 / 16.0, node / 17 % 17 * 255 / 16.0 - 128, node % 17 * 255 / 16.0 - 128};
+        const Lab lab = {node / 289 * 100 / 16.0, node / 17 % 17 * 255 / 16.0 - 128,
+                         node % 17 * 255 / 16.0 - 128};
         const Inks inks = inksFor(printer, lab);
         device->toCmyk1[node] = packed(inks);
         const double error = std::sqrt(distance2(printer.print(inks), lab));
@@ -150,10 +158,11 @@ int main(int argc, char** argv) {
         if (error < 3) sum += error, ++printable;
         // Perceptual: all lightness between paper and the darkest black, colours drawn in a little.
         const double darkest = printer.blackest();
-        device->toCmyk0[node] =
-            packed(inksFor(printer, {darkest + lab[0] * (100 - darkest) / 100, lab[1] * 0.9, lab[2] * 0.9}));
+        device->toCmyk0[node] = packed(inksFor(
+            printer, {darkest + lab[0] * (100 - darkest) / 100, lab[1] * 0.9, lab[2] * 0.9}));
     }
-    std::printf("%d of %d Lab nodes can be printed, to %.2f on average\n", printable, KOLINK_LAB_NODES, sum / printable);
+    std::printf("%d of %d Lab nodes can be printed, to %.2f on average\n", printable,
+                KOLINK_LAB_NODES, sum / printable);
     if (jKoDevsSaveProfile(device.get(), argv[2]) != 1) return 1;
     std::printf("darkest L* %.1f, written to %s\n", printer.blackest(), argv[2]);
     return 0;

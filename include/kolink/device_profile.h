@@ -17,7 +17,8 @@ typedef struct DeviceProfile {
      * 16..23, in the 8-bit ICC encoding (L* 100 is 255, a* and b* 0 are 128). The last one, all
      * inks full, is the black point too. */
     uint32_t labGrid[KOLINK_DEVICE_NODES];
-    /* Inks for node (L * 17 + a) * 17 + b of the encoding's range: C << 24 | M << 16 | Y << 8 | K. */
+    /* Inks for node (L * 17 + a) * 17 + b of the encoding's range:
+     * C << 24 | M << 16 | Y << 8 | K. */
     uint32_t toCmyk0[KOLINK_LAB_NODES];  /* perceptual, B2A0 */
     uint32_t toCmyk1[KOLINK_LAB_NODES];  /* colorimetric, B2A1 */
     uint8_t gamut[KOLINK_LAB_NODES];     /* 0 in gamut, others out of it */

@@ -11,7 +11,9 @@
 
 namespace {
 
-constexpr uint32_t cmyk(uint32_t c, uint32_t m, uint32_t y, uint32_t k) { return c << 24 | m << 16 | y << 8 | k; }
+constexpr uint32_t cmyk(uint32_t c, uint32_t m, uint32_t y, uint32_t k) {
+    return c << 24 | m << 16 | y << 8 | k;
+}
 constexpr uint32_t rgb(uint32_t r, uint32_t g, uint32_t b) { return r | g << 8 | b << 16; }
 
 TEST(BuiltinConversion, WhiteGetsNoInk) { EXPECT_EQ(jColorRGBtoCMYK(255, 255, 255), 0u); }
@@ -52,10 +54,12 @@ TEST(BuiltinConversion, InterpolatesWithTheWidthOfTheCell) {
     // Along the yellow axis only blue changes, from 224's value to 0 at full ink.
     const uint32_t at224 = jColorCMYKtoRGB(0, 0, 224, 0) >> 16 & 255;
     for (uint32_t y = 224; y < 256; ++y)
-        EXPECT_EQ(jColorCMYKtoRGB(0, 0, static_cast<int32_t>(y), 0) >> 16 & 255, at224 * (255 - y) / 31);
+        EXPECT_EQ(jColorCMYKtoRGB(0, 0, static_cast<int32_t>(y), 0) >> 16 & 255,
+                  at224 * (255 - y) / 31);
     const uint32_t at32 = jColorCMYKtoRGB(0, 0, 32, 0) >> 16 & 255;
     for (uint32_t y = 0; y < 32; ++y)
-        EXPECT_EQ(jColorCMYKtoRGB(0, 0, static_cast<int32_t>(y), 0) >> 16 & 255, (255 * (32 - y) + at32 * y) / 32);
+        EXPECT_EQ(jColorCMYKtoRGB(0, 0, static_cast<int32_t>(y), 0) >> 16 & 255,
+                  (255 * (32 - y) + at32 * y) / 32);
 }
 
 TEST(BuiltinConversion, ClampsItsInputs) {
@@ -113,7 +117,10 @@ std::vector<uint8_t> randomBytes(size_t count, uint32_t seed) {
     std::vector<uint8_t> bytes(count);
     for (uint8_t& byte : bytes) {
         const auto choice = random() % 8, value = random();
-        byte = static_cast<uint8_t>(choice == 0 ? 0 : choice == 1 ? 255 : choice == 2 ? value % 8 * 32 : value);
+        byte = static_cast<uint8_t>(choice == 0   ? 0
+                                    : choice == 1 ? 255
+                                    : choice == 2 ? value % 8 * 32
+                                                  : value);
     }
     return bytes;
 }
@@ -135,7 +142,8 @@ TEST(BuiltinRows, OfRgbEqualTheSingleColour) {
     const auto output = rgbRow(input);
     for (size_t pixel = 0; pixel < input.size() / 3; ++pixel) {
         const uint8_t *in = &input[pixel * 3], *out = &output[pixel * 4];
-        ASSERT_EQ(cmyk(out[0], out[1], out[2], out[3]), jColorRGBtoCMYK(in[0], in[1], in[2])) << pixel;
+        ASSERT_EQ(cmyk(out[0], out[1], out[2], out[3]), jColorRGBtoCMYK(in[0], in[1], in[2]))
+            << pixel;
     }
 }
 
@@ -144,7 +152,8 @@ TEST(BuiltinRows, OfCmykEqualTheSingleColour) {
     const auto output = cmykRow(input);
     for (size_t pixel = 0; pixel < input.size() / 4; ++pixel) {
         const uint8_t *in = &input[pixel * 4], *out = &output[pixel * 3];
-        ASSERT_EQ(rgb(out[0], out[1], out[2]), jColorCMYKtoRGB(in[0], in[1], in[2], in[3])) << pixel;
+        ASSERT_EQ(rgb(out[0], out[1], out[2]), jColorCMYKtoRGB(in[0], in[1], in[2], in[3]))
+            << pixel;
     }
 }
 
@@ -182,8 +191,10 @@ struct Light {
 };
 Light thereAndBack(int32_t r, int32_t g, int32_t b) {
     const uint32_t inks = jColorRGBtoCMYK(r, g, b);
-    const uint32_t light = jColorCMYKtoRGB(inks >> 24, inks >> 16 & 255, inks >> 8 & 255, inks & 255);
-    return {static_cast<int32_t>(light & 255), static_cast<int32_t>(light >> 8 & 255), static_cast<int32_t>(light >> 16)};
+    const uint32_t light =
+        jColorCMYKtoRGB(inks >> 24, inks >> 16 & 255, inks >> 8 & 255, inks & 255);
+    return {static_cast<int32_t>(light & 255), static_cast<int32_t>(light >> 8 & 255),
+            static_cast<int32_t>(light >> 16)};
 }
 int32_t furthest(const Light& a, int32_t r, int32_t g, int32_t b) {
     return std::max({std::abs(a.r - r), std::abs(a.g - g), std::abs(a.b - b)});
@@ -192,7 +203,8 @@ int32_t furthest(const Light& a, int32_t r, int32_t g, int32_t b) {
 TEST(BuiltinRoundTrip, KeepsGreysNeutralWithin7AndTheirLevelWithin10) {
     for (int32_t grey = 0; grey < 256; ++grey) {
         const Light back = thereAndBack(grey, grey, grey);
-        EXPECT_LE(std::max({back.r, back.g, back.b}) - std::min({back.r, back.g, back.b}), 7) << grey;
+        EXPECT_LE(std::max({back.r, back.g, back.b}) - std::min({back.r, back.g, back.b}), 7)
+            << grey;
         EXPECT_LE(furthest(back, grey, grey, grey), 10) << grey;
     }
 }
@@ -220,7 +232,8 @@ TEST(BuiltinRoundTrip, OfColoursThatInksCanShowStaysWithin6OnAverageAnd52AtMost)
         for (int32_t m = 0; m < 256; m += 15)
             for (int32_t y = 0; y < 256; y += 15) {
                 const uint32_t light = jColorCMYKtoRGB(c, m, y, 0);
-                const auto r = static_cast<int32_t>(light & 255), g = static_cast<int32_t>(light >> 8 & 255),
+                const auto r = static_cast<int32_t>(light & 255),
+                           g = static_cast<int32_t>(light >> 8 & 255),
                            b = static_cast<int32_t>(light >> 16);
                 const Light back = thereAndBack(r, g, b);
                 sum += std::abs(back.r - r) + std::abs(back.g - g) + std::abs(back.b - b);

@@ -11,7 +11,10 @@ using namespace ko::test;
 
 class CurrentLinks : public testing::Test {
 protected:
-    CurrentLinks() { writeFile(press, pressProfile()); writeFile(monitor, readFile(testData("sRGB-v2-magic.icc"))); }
+    CurrentLinks() {
+        writeFile(press, pressProfile());
+        writeFile(monitor, readFile(testData("sRGB-v2-magic.icc")));
+    }
     ~CurrentLinks() override { jColorEndProfile(); }
     TempFolder folder;
     const std::string press = folder.path("press.icc"), monitor = folder.path("monitor.icc");
@@ -28,7 +31,8 @@ protected:
 };
 
 uint32_t packed(const Colour& values) {
-    return static_cast<uint32_t>(values[0] / 16) << 24 | static_cast<uint32_t>(values[1] / 16) << 16 |
+    return static_cast<uint32_t>(values[0] / 16) << 24 |
+           static_cast<uint32_t>(values[1] / 16) << 16 |
            static_cast<uint32_t>(values[2] / 16) << 8 | static_cast<uint32_t>(values[3] / 16);
 }
 
@@ -52,9 +56,11 @@ TEST_F(CurrentLinks, ConvertCmykThroughTheOtherOneAndPackItsFirstThreeOutputs) {
         for (int32_t k = 0; k < 256; k += 31) {
             Colour values = {c, 5, 200, k};
             jKoLinkCOLtoCMYK16(link.get(), values.data());
-            const uint32_t light = static_cast<uint32_t>(values[0] / 16 | values[1] / 16 << 8 | values[2] / 16 << 16);
+            const uint32_t light =
+                static_cast<uint32_t>(values[0] / 16 | values[1] / 16 << 8 | values[2] / 16 << 16);
             ASSERT_EQ(jColorCMYKtoRGB(c, 5, 200, k), light);
-            ASSERT_EQ(jColorCMYKtoGRAY(c, 5, 200, k), jColorRGBtoGRAY(values[0] / 16, values[1] / 16, values[2] / 16));
+            ASSERT_EQ(jColorCMYKtoGRAY(c, 5, 200, k),
+                      jColorRGBtoGRAY(values[0] / 16, values[1] / 16, values[2] / 16));
         }
 }
 
@@ -65,7 +71,8 @@ TEST_F(CurrentLinks, ClampTheirInputs) {
 }
 
 TEST_F(CurrentLinks, AreGoneAfterEnd) {
-    const uint32_t builtinInks = jColorRGBtoCMYK(10, 20, 30), builtinLight = jColorCMYKtoRGB(10, 20, 30, 40);
+    const uint32_t builtinInks = jColorRGBtoCMYK(10, 20, 30),
+                   builtinLight = jColorCMYKtoRGB(10, 20, 30, 40);
     ASSERT_EQ(jColorSetupProfile(monitor.c_str(), press.c_str(), 0), 1);
     EXPECT_NE(jColorRGBtoCMYK(10, 20, 30), builtinInks);
     EXPECT_NE(jColorCMYKtoRGB(10, 20, 30, 40), builtinLight);
@@ -76,12 +83,17 @@ TEST_F(CurrentLinks, AreGoneAfterEnd) {
 }
 
 TEST_F(CurrentLinks, AreNoneInEitherDirectionWhenAProfileIsMissing) {
-    const uint32_t builtinInks = jColorRGBtoCMYK(10, 20, 30), builtinLight = jColorCMYKtoRGB(10, 20, 30, 40);
+    const uint32_t builtinInks = jColorRGBtoCMYK(10, 20, 30),
+                   builtinLight = jColorCMYKtoRGB(10, 20, 30, 40);
     const std::string none = folder.path("none.icc");
     const std::string longPath(KOLINK_PATH_SIZE, 'x');
-    for (const auto& [rgb, cmyk] : {std::pair{none.c_str(), press.c_str()}, {monitor.c_str(), none.c_str()}, {"", press.c_str()},
-                                    {static_cast<const char*>(nullptr), press.c_str()}, {monitor.c_str(), static_cast<const char*>(nullptr)},
-                                    {longPath.c_str(), press.c_str()}, {press.c_str(), monitor.c_str()}}) {
+    for (const auto& [rgb, cmyk] : {std::pair{none.c_str(), press.c_str()},
+                                    {monitor.c_str(), none.c_str()},
+                                    {"", press.c_str()},
+                                    {static_cast<const char*>(nullptr), press.c_str()},
+                                    {monitor.c_str(), static_cast<const char*>(nullptr)},
+                                    {longPath.c_str(), press.c_str()},
+                                    {press.c_str(), monitor.c_str()}}) {
         ASSERT_EQ(jColorSetupProfile(monitor.c_str(), press.c_str(), 0), 1);
         EXPECT_EQ(jColorSetupProfile(rgb, cmyk, 0), 0);
         EXPECT_EQ(jColorRGBtoCMYK(10, 20, 30), builtinInks);
@@ -91,7 +103,8 @@ TEST_F(CurrentLinks, AreNoneInEitherDirectionWhenAProfileIsMissing) {
 
 // A profile that only reads ink gives one link of the two.
 TEST_F(CurrentLinks, AreNoneInEitherDirectionWhenOnlyOneCanBeBuilt) {
-    const uint32_t builtinInks = jColorRGBtoCMYK(10, 20, 30), builtinLight = jColorCMYKtoRGB(10, 20, 30, 40);
+    const uint32_t builtinInks = jColorRGBtoCMYK(10, 20, 30),
+                   builtinLight = jColorCMYKtoRGB(10, 20, 30, 40);
     const std::string reading = folder.path("reading.icc");
     writeFile(reading, readFile(testData("CGATS001Compat-v2-micro.icc")));
     const CmsLinkSettings settings = settingsFor(reading, monitor);
@@ -114,12 +127,15 @@ TEST_F(CurrentLinks, ConvertRowsLikeSingleColours) {
     jColorCMYKtoRGBRow(input.data(), 3000, light.data());
     for (size_t pixel = 0; pixel < 4000; ++pixel) {
         const uint8_t *in = &input[pixel * 3], *out = &inks[pixel * 4];
-        const uint32_t word = static_cast<uint32_t>(out[0]) << 24 | static_cast<uint32_t>(out[1]) << 16 | static_cast<uint32_t>(out[2]) << 8 | out[3];
+        const uint32_t word = static_cast<uint32_t>(out[0]) << 24 |
+                              static_cast<uint32_t>(out[1]) << 16 |
+                              static_cast<uint32_t>(out[2]) << 8 | out[3];
         ASSERT_EQ(word, jColorRGBtoCMYK(in[0], in[1], in[2])) << pixel;
     }
     for (size_t pixel = 0; pixel < 3000; ++pixel) {
         const uint8_t *in = &input[pixel * 4], *out = &light[pixel * 3];
-        const uint32_t word = out[0] | static_cast<uint32_t>(out[1]) << 8 | static_cast<uint32_t>(out[2]) << 16;
+        const uint32_t word =
+            out[0] | static_cast<uint32_t>(out[1]) << 8 | static_cast<uint32_t>(out[2]) << 16;
         ASSERT_EQ(word, jColorCMYKtoRGB(in[0], in[1], in[2], in[3])) << pixel;
     }
 }
@@ -128,7 +144,9 @@ TEST(RowsFromSeveralThreads, ThroughTheCurrentLinksEqualTheOnesOfOneThread) {
     const TempFolder folder;
     writeFile(folder.path("press.icc"), pressProfile());
     writeFile(folder.path("monitor.icc"), readFile(testData("sRGB-v2-magic.icc")));
-    ASSERT_EQ(jColorSetupProfile(folder.path("monitor.icc").c_str(), folder.path("press.icc").c_str(), 1), 1);
+    ASSERT_EQ(
+        jColorSetupProfile(folder.path("monitor.icc").c_str(), folder.path("press.icc").c_str(), 1),
+        1);
     const auto input = randomLevels(12000, 5);
     const auto convert = [&] {
         std::vector<uint8_t> output(16000 + 9000);

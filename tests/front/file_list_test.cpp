@@ -16,7 +16,8 @@ using Names = std::vector<std::string>;
 class FileList : public testing::Test {
 protected:
     void addProfile(const std::string& name, std::string_view colourSpace) const {
-        writeFile(folder.path(name), ko::test::profileBytes({}, ko::test::profileHeader("mntr", colourSpace)));
+        writeFile(folder.path(name),
+                  ko::test::profileBytes({}, ko::test::profileHeader("mntr", colourSpace)));
     }
     // Paths relative to the folder.
     Names list(const std::string& pattern, const char* colourSpace, int32_t maxCount = 10) const {
@@ -48,7 +49,8 @@ TEST_F(FileList, IgnoresTheCaseOfNames) {
 }
 
 TEST_F(FileList, TakesStarsAndQuestionMarks) {
-    for (const char* name : {"press1.icc", "press22.icc", "press3.icc", "other.icc"}) addProfile(name, "CMYK");
+    for (const char* name : {"press1.icc", "press22.icc", "press3.icc", "other.icc"})
+        addProfile(name, "CMYK");
     EXPECT_EQ(list("press?.icc", nullptr), (Names{"press1.icc", "press3.icc"}));
     EXPECT_EQ(list("p*s*.i*", nullptr), (Names{"press1.icc", "press22.icc", "press3.icc"}));
     EXPECT_EQ(list("*", nullptr).size(), 4u);
@@ -88,7 +90,8 @@ TEST_F(FileList, HoldsAFileWithoutReadableHeaderWithEveryFilter) {
 }
 
 TEST_F(FileList, StopsAtItsCapacityWithTheFirstNames) {
-    for (int i = 0; i < 20; ++i) addProfile(std::string(1, static_cast<char>('a' + i)) + ".icc", "RGB ");
+    for (int i = 0; i < 20; ++i)
+        addProfile(std::string(1, static_cast<char>('a' + i)) + ".icc", "RGB ");
     EXPECT_EQ(list("*.icc", "RGB ", 3), (Names{"a.icc", "b.icc", "c.icc"}));
     EXPECT_EQ(list("*.icc", "RGB ", 20).size(), 20u);
 }
@@ -118,8 +121,10 @@ TEST_F(FileList, WritesNothingWithACapacityBelow1) {
 TEST_F(FileList, SkipsPathsThatDoNotFitASlot) {
     addProfile("a.icc", "RGB ");
     const size_t room = KOLINK_PATH_SIZE - 1 - folder.path("").size();
-    if (room > 250) GTEST_SKIP() << "the temporary folder is too short for a name that does not fit";
-    const std::string fits = std::string(room - 4, 'x') + ".icc", tooLong = std::string(room - 3, 'y') + ".icc";
+    if (room > 250)
+        GTEST_SKIP() << "the temporary folder is too short for a name that does not fit";
+    const std::string fits = std::string(room - 4, 'x') + ".icc",
+                      tooLong = std::string(room - 3, 'y') + ".icc";
     addProfile(fits, "RGB ");
     std::error_code ignored;
     std::filesystem::copy_file(folder.folder() / "a.icc", folder.folder() / tooLong, ignored);
@@ -139,7 +144,8 @@ TEST_F(FileList, RefusesAPatternThatFillsItsSlotWithoutAnEnd) {
 }
 
 TEST_F(FileList, HoldsAThousandOfTwoThousandProfiles) {
-    for (int i = 0; i < 2000; ++i) addProfile("p" + std::to_string(i) + ".icc", i % 2 ? "RGB " : "CMYK");
+    for (int i = 0; i < 2000; ++i)
+        addProfile("p" + std::to_string(i) + ".icc", i % 2 ? "RGB " : "CMYK");
     EXPECT_EQ(list("*.icc", "CMYK", 2000).size(), 1000u);
 }
 

@@ -99,7 +99,8 @@ size_t power(int32_t base, int32_t exponent) {
 // rise with some noise, grid values are anything.
 IccLut* makeLut(const Shape& shape, uint32_t seed) {
     const size_t inputSize = static_cast<size_t>(shape.inputs * shape.inputEntries);
-    const size_t gridSize = power(shape.gridPoints, shape.inputs) * static_cast<size_t>(shape.outputs);
+    const size_t gridSize =
+        power(shape.gridPoints, shape.inputs) * static_cast<size_t>(shape.outputs);
     const size_t outputSize = static_cast<size_t>(shape.outputs * shape.outputEntries);
     const size_t entries = inputSize + gridSize + outputSize;
     auto* lut = static_cast<IccLut*>(
@@ -281,7 +282,8 @@ void saveAndLoadTones() {
         for (const uint32_t damage : {0u, 1u, 2u}) {
             const auto given = [&](const std::string& path) {
                 const std::string copy = "d" + std::to_string(damage) + path;
-                writeFile(copy, damage == 0 ? readFile(path) : damaged(readFile(path), damage * seed));
+                writeFile(copy,
+                          damage == 0 ? readFile(path) : damaged(readFile(path), damage * seed));
                 return copy;
             };
             jKoToneLoadBkcCurve(one, given(bkc).c_str());
@@ -317,8 +319,8 @@ void saveAndLoadTones() {
 
 // Sets in every printf format, saved, damaged and read again; values of both interpolations.
 void calibrate() {
-    constexpr const char* kFormats[] = {"%.0f", "%.3f", "%.9g", "%+.6e", "%08.2f", "%-9.1G", "%#.4g",
-                                        "% .20f", "%n"};
+    constexpr const char* kFormats[] = {"%.0f",   "%.3f",  "%.9g",   "%+.6e", "%08.2f",
+                                        "%-9.1G", "%#.4g", "% .20f", "%n"};
     Results out("calibration.txt");
     Random random(5);
     const auto put = [&](const CalibCurveSet* set) {
@@ -342,9 +344,11 @@ void calibrate() {
         std::strcpy(set->formatY, kFormats[(turn + turn / 9) % 9]);
         set->ctype = 1 + turn % 2;
         for (int32_t channel = 0; channel < set->channelCount; ++channel) {
-            jKoCalibSetToneName(set, channel, "1,5", static_cast<uint32_t>(random.between(0, 0xffffff)));
+            jKoCalibSetToneName(set, channel, "1,5",
+                                static_cast<uint32_t>(random.between(0, 0xffffff)));
             for (int32_t tone = random.between(0, 40); tone > 0; --tone)
-                jKoCalibSetToneValue(set, channel, static_cast<float>(random.fraction() * set->range),
+                jKoCalibSetToneValue(set, channel,
+                                     static_cast<float>(random.fraction() * set->range),
                                      static_cast<float>(random.fraction() * 1100));
         }
         put(set);
@@ -376,7 +380,8 @@ void makeProfile(const char* path, const char (&space)[5], uint8_t precision) {
     for (const char* tag : {"A2B0", "A2B1", "A2B2", "B2A0", "B2A1", "B2A2"}) {
         const bool toDevice = tag[0] == 'B';
         const char name[5] = {tag[0], tag[1], tag[2], tag[3], 0};
-        const Shape shape{toDevice ? 3 : 4, toDevice ? 4 : 3, toDevice ? 11 : 5, 256, 256, precision};
+        const Shape shape{toDevice ? 3 : 4, toDevice ? 4 : 3, toDevice ? 11 : 5, 256, 256,
+                          precision};
         require(jIccBindTag(profile, signature(name), makeLut(shape, seed++)) == 1, "no tag");
     }
     auto* white = static_cast<float*>(jMemAlloc(3 * sizeof(float)));
@@ -459,7 +464,8 @@ void combine() {
             for (int32_t curve = 0; curve < 8; ++curve)
                 for (int32_t point = 8; point < 64; point += 8 + curve) {
                     profile->curveFlags[curve][point] = 1;
-                    profile->curveValues[curve][point] = static_cast<uint8_t>(random.between(0, 255));
+                    profile->curveValues[curve][point] =
+                        static_cast<uint8_t>(random.between(0, 255));
                 }
             const std::string path = job.name + std::string("_link.icc");
             require(jKoCmykSaveProfile(profile, path.c_str()) == 1, "a link was not saved");
@@ -478,7 +484,8 @@ void makeMonitor(const char* path) {
     };
     IccProfile* profile = jIccCreate(2);
     require(profile, "no profile");
-    for (int32_t field = 0; field < 4; ++field) put(field == 2 ? 0x02100000 : field == 3 ? signature("mntr") : 0);
+    for (int32_t field = 0; field < 4; ++field)
+        put(field == 2 ? 0x02100000 : field == 3 ? signature("mntr") : 0);
     put(signature("RGB "));
     put(signature("XYZ "));
     for (int32_t field = 0; field < 3; ++field) put(0);
@@ -494,7 +501,8 @@ void makeMonitor(const char* path) {
         put(132 + 72 + tag * 20);
         put(20);
     }
-    constexpr uint32_t kColorants[3][3] = {{0x6fa2, 0x38f5, 0x0390}, {0x6299, 0xb785, 0x18da}, {0x24a0, 0x0f84, 0xb6cf}};
+    constexpr uint32_t kColorants[3][3] = {
+        {0x6fa2, 0x38f5, 0x0390}, {0x6299, 0xb785, 0x18da}, {0x24a0, 0x0f84, 0xb6cf}};
     for (const auto& colorant : kColorants) {
         put(signature("XYZ "));
         put(0);
@@ -538,12 +546,14 @@ void buildLinks() {
         LinkProfile* link = job.build(&settings);
         require(link, job.source + std::string(" made no link"));
         out.text(job.source).text(" ");
-        out.number(static_cast<int64_t>(hashOf(link->grid, power(17, link->inputChannels) * 8))).endLine();
+        out.number(static_cast<int64_t>(hashOf(link->grid, power(17, link->inputChannels) * 8)))
+            .endLine();
 
         std::vector<uint8_t> input(40000);
         for (uint8_t& level : input) level = static_cast<uint8_t>(random.between(0, 255));
         std::vector<uint16_t> output(input.size() / static_cast<size_t>(link->inputChannels) * 4);
-        jKoLinkCOLtoCMYK16Row(link, input.data(), static_cast<int32_t>(output.size() / 4), output.data());
+        jKoLinkCOLtoCMYK16Row(link, input.data(), static_cast<int32_t>(output.size() / 4),
+                              output.data());
         for (const uint16_t value : output) out.number(value);
         for (int32_t colour = 0; colour < 1000; ++colour) {
             int32_t values[4];
@@ -562,7 +572,9 @@ void convertForHosts() {
         for (int32_t b = 0; b < 256; b += 15)
             for (int32_t c = 0; c < 256; c += 15) {
                 out.number(jColorRGBtoCMYK(a, b, c)).number(jColorCMYKtoRGB(a, b, c, (a + b) / 2));
-                out.number(jColorRGBtoGRAY(a, b, c)).number(jColorCMYKtoGRAY(a, b, c, a / 2)).endLine();
+                out.number(jColorRGBtoGRAY(a, b, c))
+                    .number(jColorCMYKtoGRAY(a, b, c, a / 2))
+                    .endLine();
             }
     for (int32_t value = -1; value <= 256; ++value)
         out.number(Value255to100(value)).number(Value100to255(value)).endLine();
@@ -575,8 +587,10 @@ void saveDevice() {
     std::strcpy(device->description, "measured");
     for (float& value : device->whitePoint) value = static_cast<float>(random.fraction());
     for (uint32_t& lab : device->labGrid) lab = static_cast<uint32_t>(random.between(0, 0xffffff));
-    for (uint32_t& inks : device->toCmyk0) inks = static_cast<uint32_t>(random.between(0, INT32_MAX - 1));
-    for (uint32_t& inks : device->toCmyk1) inks = static_cast<uint32_t>(random.between(0, INT32_MAX - 1)) * 2;
+    for (uint32_t& inks : device->toCmyk0)
+        inks = static_cast<uint32_t>(random.between(0, INT32_MAX - 1));
+    for (uint32_t& inks : device->toCmyk1)
+        inks = static_cast<uint32_t>(random.between(0, INT32_MAX - 1)) * 2;
     for (uint8_t& gamut : device->gamut) gamut = static_cast<uint8_t>(random.between(0, 255));
     require(jKoDevsSaveProfile(device, "device.icc") == 1, "a device profile was not saved");
     jKoDevsReleaseProfile(device);
@@ -585,7 +599,8 @@ void saveDevice() {
 // One table: its text file, itself from that file, colours one by one and the same in a row.
 template <size_t Channels, class Table>
 void convertThroughTable(Results& out, Table* table, const char* path, uint32_t used,
-                         int32_t (*save)(const Table*, const char*), int32_t (*load)(Table*, const char*),
+                         int32_t (*save)(const Table*, const char*),
+                         int32_t (*load)(Table*, const char*),
                          int32_t (*convert)(const Table*, int32_t*),
                          void (*convertRow)(const Table*, const uint8_t*, int32_t, uint16_t*)) {
     Random random(14);
@@ -604,7 +619,8 @@ void convertThroughTable(Results& out, Table* table, const char* path, uint32_t 
         int32_t values[4] = {};
         for (size_t k = 0; k < Channels; ++k) values[k] = input[at + k];
         out.number(convert(table, values));
-        for (size_t k = 0; k < Channels; ++k) require(values[k] == row[at + k], "a row differs from its colours");
+        for (size_t k = 0; k < Channels; ++k)
+            require(values[k] == row[at + k], "a row differs from its colours");
         for (size_t k = 0; k < Channels; ++k) out.number(values[k]);
     }
     out.endLine();
@@ -629,7 +645,8 @@ int main(int argc, char** argv) {
     require(argc == 2, "usage: library_script LOCALE");
     require(std::setlocale(LC_ALL, argv[1]), std::string("there is no locale ") + argv[1]);
     const bool comma = std::localeconv()->decimal_point == std::string_view(",");
-    require(comma == (std::string_view(argv[1]) != "C"), "the decimal sign is not the expected one");
+    require(comma == (std::string_view(argv[1]) != "C"),
+            "the decimal sign is not the expected one");
     evaluateLuts();
     convertColours();
     drawCurves();

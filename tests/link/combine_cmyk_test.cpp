@@ -6,7 +6,9 @@
 namespace {
 using namespace ko::test;
 
-LinkHolder build(const CmsLinkSettings& settings) { return LinkHolder(jKoLinkCombineCmykProfile(&settings)); }
+LinkHolder build(const CmsLinkSettings& settings) {
+    return LinkHolder(jKoLinkCombineCmykProfile(&settings));
+}
 
 class CmykLink : public testing::Test {
 protected:
@@ -24,7 +26,8 @@ protected:
     }
     TempFolder folder;
     const std::string lab = add("lab.icc", pressProfile("Lab "));
-    const std::string xyz = add("xyz.icc", pressProfile("XYZ ", true, {{"wtpt", xyzElement(0xe000, 0xf000, 0xa000)}}));
+    const std::string xyz =
+        add("xyz.icc", pressProfile("XYZ ", true, {{"wtpt", xyzElement(0xe000, 0xf000, 0xa000)}}));
 };
 
 TEST_F(CmykLink, HasSeventeenPointsFourChannelsAndOtherwiseTheFieldsOfANewOne) {
@@ -51,11 +54,14 @@ TEST_F(CmykLink, TakesTablesOfEightBitsOnTheSixteenBitScaleToo) {
 
 TEST_F(CmykLink, TakesTheTablesOfItsIntent) {
     CmsLinkSettings settings = settingsFor(lab, lab);
-    const FileLut source1(lab, "A2B1"), destination1(lab, "B2A1"), source2(lab, "A2B2"), destination2(lab, "B2A2");
+    const FileLut source1(lab, "A2B1"), destination1(lab, "B2A1"), source2(lab, "A2B2"),
+        destination2(lab, "B2A2");
     settings.intent = 1;
-    expectNodes(*build(settings), [&](const Colour& input) { return printed(destination1, source1(input)); });
+    expectNodes(*build(settings),
+                [&](const Colour& input) { return printed(destination1, source1(input)); });
     settings.intent = 2;
-    expectNodes(*build(settings), [&](const Colour& input) { return printed(destination2, source2(input)); });
+    expectNodes(*build(settings),
+                [&](const Colour& input) { return printed(destination2, source2(input)); });
 }
 
 TEST_F(CmykLink, FailsForAnIntentOf3AndMore) {
@@ -98,7 +104,8 @@ TEST_F(CmykLink, DoesNotTakeTheHeadersIlluminantForWhite) {
 }
 
 TEST_F(CmykLink, BridgesLabToXyzByHandAgainstTheSourcesMediaWhite) {
-    const std::string white = add("white.icc", pressProfile("Lab ", true, {{"wtpt", xyzElement(0xe000, 0xf000, 0xa000)}}));
+    const std::string white = add(
+        "white.icc", pressProfile("Lab ", true, {{"wtpt", xyzElement(0xe000, 0xf000, 0xa000)}}));
     const double point[3] = {0.875 * 100, 0.9375 * 100, 0.625 * 100};
     const FileLut source(white, "A2B0"), destination(xyz, "B2A0");
     const LinkHolder link = build(settingsFor(white, xyz));
@@ -107,15 +114,19 @@ TEST_F(CmykLink, BridgesLabToXyzByHandAgainstTheSourcesMediaWhite) {
         Colour pcs = source(input);
         double colour[3] = {100.0 * pcs[0] / 65280, pcs[1] / 256.0 - 128, pcs[2] / 256.0 - 128};
         jIccLabtoXYZ(colour, point);
-        for (size_t i = 0; i < 3; ++i) pcs[i] = static_cast<int32_t>(std::clamp(colour[i] * 32768 / 100, -1.0, 70000.0));
+        for (size_t i = 0; i < 3; ++i)
+            pcs[i] = static_cast<int32_t>(std::clamp(colour[i] * 32768 / 100, -1.0, 70000.0));
         return printed(destination, pcs);
     });
 }
 
 TEST_F(CmykLink, StaysWholeWithAMediaWhiteOfZeros) {
-    const std::string black = add("black.icc", pressProfile("XYZ ", true, {{"wtpt", xyzElement(0, 0, 0)}}));
+    const std::string black =
+        add("black.icc", pressProfile("XYZ ", true, {{"wtpt", xyzElement(0, 0, 0)}}));
     EXPECT_TRUE(build(settingsFor(black, lab)));
-    const std::string blackLab = add("blacklab.icc", pressProfile("Lab ", true, {{"wtpt", xyzElement(0, 0x80000000, 0x7fffffff)}}));
+    const std::string blackLab =
+        add("blacklab.icc",
+            pressProfile("Lab ", true, {{"wtpt", xyzElement(0, 0x80000000, 0x7fffffff)}}));
     EXPECT_TRUE(build(settingsFor(blackLab, xyz)));
 }
 
@@ -126,7 +137,8 @@ TEST_F(CmykLink, GivesWhiteNoInkWithWhiteMode1) {
     settings.whiteMode = 1;
     const LinkHolder clean = build(settings);
     EXPECT_EQ(nodeOf(*clean, 0), Colour{});
-    for (size_t node = 1; node < 83521; ++node) ASSERT_EQ(nodeOf(*clean, node), nodeOf(*converted, node));
+    for (size_t node = 1; node < 83521; ++node)
+        ASSERT_EQ(nodeOf(*clean, node), nodeOf(*converted, node));
 }
 
 TEST_F(CmykLink, ConvertsWhiteLikeAnyNodeWithOtherWhiteModes) {
@@ -151,10 +163,13 @@ TEST_F(CmykLink, KeepsPurePrimariesSingleInkWithPreservation1) {
     settings.preservation = 1;
     const LinkHolder link = build(settings);
     for (int i = 1; i <= 16; ++i) {
-        for (const auto& [node, inks] : {std::pair{cmykNode(i, 0, 0, 0), "C"}, {cmykNode(0, i, 0, 0), "M"}, {cmykNode(0, 0, i, 0), "Y"}})
+        for (const auto& [node, inks] : {std::pair{cmykNode(i, 0, 0, 0), "C"},
+                                         {cmykNode(0, i, 0, 0), "M"},
+                                         {cmykNode(0, 0, i, 0), "Y"}})
             EXPECT_EQ(nodeOf(*link, node), only(nodeOf(*plain, node), inks)) << inks << i;
-        for (const size_t node : {cmykNode(i, 17 - i, 0, 0), cmykNode(0, i, 1, 0), cmykNode(i, 0, i, 0), cmykNode(i, i, i, 0),
-                                  cmykNode(i, 0, 0, 1), cmykNode(0, 0, 0, i), cmykNode(i, i, i, i)})
+        for (const size_t node : {cmykNode(i, 17 - i, 0, 0), cmykNode(0, i, 1, 0),
+                                  cmykNode(i, 0, i, 0), cmykNode(i, i, i, 0), cmykNode(i, 0, 0, 1),
+                                  cmykNode(0, 0, 0, i), cmykNode(i, i, i, i)})
             EXPECT_EQ(nodeOf(*link, node), nodeOf(*plain, node)) << node;
     }
     EXPECT_EQ(nodeOf(*link, 0), nodeOf(*plain, 0));
@@ -167,10 +182,15 @@ TEST_F(CmykLink, KeepsTwoInkSecondariesToTheirInksWithPreservation2) {
     const LinkHolder link = build(settings);
     for (int i = 1; i <= 16; ++i) {
         const int j = 17 - i;
-        for (const auto& [node, inks] : {std::pair{cmykNode(i, 0, 0, 0), "C"}, {cmykNode(0, i, 0, 0), "M"}, {cmykNode(0, 0, i, 0), "Y"},
-                                         {cmykNode(0, i, j, 0), "MY"}, {cmykNode(i, j, 0, 0), "CM"}, {cmykNode(i, 0, j, 0), "CY"}})
+        for (const auto& [node, inks] : {std::pair{cmykNode(i, 0, 0, 0), "C"},
+                                         {cmykNode(0, i, 0, 0), "M"},
+                                         {cmykNode(0, 0, i, 0), "Y"},
+                                         {cmykNode(0, i, j, 0), "MY"},
+                                         {cmykNode(i, j, 0, 0), "CM"},
+                                         {cmykNode(i, 0, j, 0), "CY"}})
             EXPECT_EQ(nodeOf(*link, node), only(nodeOf(*plain, node), inks)) << inks << i;
-        for (const size_t node : {cmykNode(i, i, i, 0), cmykNode(i, 0, 0, 1), cmykNode(i, j, 0, 1), cmykNode(0, 0, 0, i), cmykNode(i, i, i, i)})
+        for (const size_t node : {cmykNode(i, i, i, 0), cmykNode(i, 0, 0, 1), cmykNode(i, j, 0, 1),
+                                  cmykNode(0, 0, 0, i), cmykNode(i, i, i, i)})
             EXPECT_EQ(nodeOf(*link, node), nodeOf(*plain, node)) << node;
     }
 }
@@ -206,8 +226,9 @@ TEST_F(CmykLink, FailsForAnEmptyPathANullRecordAndFilesThatAreNotThere) {
 }
 
 TEST_F(CmykLink, FailsForASourceOrDestinationThatIsNotCmyk) {
-    const std::string rgb = add("rgb.icc", profileBytes({{"A2B0", randomLut(3, 3, 1)}, {"B2A0", randomLut(3, 3, 2)}},
-                                                        profileHeader("prtr", "RGB ", "Lab ")));
+    const std::string rgb =
+        add("rgb.icc", profileBytes({{"A2B0", randomLut(3, 3, 1)}, {"B2A0", randomLut(3, 3, 2)}},
+                                    profileHeader("prtr", "RGB ", "Lab ")));
     EXPECT_FALSE(build(settingsFor(rgb, lab)));
     EXPECT_FALSE(build(settingsFor(lab, rgb)));
 }
@@ -231,7 +252,8 @@ TEST_F(CmykLink, AcceptsADestinationWhoseConnectionSpaceIsNeitherLabNorXyz) {
 }
 
 TEST_F(CmykLink, FailsWithoutTheTablesOfTheIntent) {
-    const std::string only1 = add("only1.icc", profileBytes({{"A2B1", randomLut(4, 3, 1)}, {"B2A1", randomLut(3, 4, 2)}}));
+    const std::string only1 = add(
+        "only1.icc", profileBytes({{"A2B1", randomLut(4, 3, 1)}, {"B2A1", randomLut(3, 4, 2)}}));
     CmsLinkSettings settings = settingsFor(only1, lab);
     EXPECT_FALSE(build(settings));
     settings.intent = 1;
@@ -247,15 +269,18 @@ TEST_F(CmykLink, FailsForTablesThatCannotBeEvaluatedOrDoNotFit) {
     const Bytes good4 = randomLut(4, 3, 1), good3 = randomLut(3, 4, 2);
     EXPECT_FALSE(build(settingsFor(with(randomLut(3, 3, 1), good3), lab)));  // three channels in
     EXPECT_FALSE(build(settingsFor(with(randomLut(4, 2, 1), good3), lab)));
-    EXPECT_FALSE(build(settingsFor(with(randomLut(4, 3, 1, true, 1), good3), lab)));  // one grid point
+    EXPECT_FALSE(
+        build(settingsFor(with(randomLut(4, 3, 1, true, 1), good3), lab)));  // one grid point
     EXPECT_FALSE(build(settingsFor(lab, with(good4, randomLut(4, 4, 1)))));
     EXPECT_FALSE(build(settingsFor(lab, with(good4, randomLut(3, 3, 1)))));
     EXPECT_FALSE(build(settingsFor(lab, with(good4, randomLut(3, 4, 1, true, 1)))));
 }
 
 TEST_F(CmykLink, TakesTheFirstOfTablesThatAreThereTwice) {
-    const Bytes twice = profileBytes({{"A2B0", randomLut(4, 3, 1)}, {"A2B0", randomLut(4, 3, 9)}, {"B2A0", randomLut(3, 4, 4)}});
-    const LinkHolder once = build(settingsFor(lab, lab)), link = build(settingsFor(add("twice.icc", twice), lab));
+    const Bytes twice = profileBytes(
+        {{"A2B0", randomLut(4, 3, 1)}, {"A2B0", randomLut(4, 3, 9)}, {"B2A0", randomLut(3, 4, 4)}});
+    const LinkHolder once = build(settingsFor(lab, lab)),
+                     link = build(settingsFor(add("twice.icc", twice), lab));
     ASSERT_TRUE(link);
     EXPECT_EQ(std::memcmp(once->grid, link->grid, 83521 * 8), 0);
 }

@@ -8,25 +8,35 @@
 namespace {
 using namespace ko::test;
 
-LinkHolder rgbLink(const CmsLinkSettings& settings) { return LinkHolder(jKoLinkCombineIcmRgbProfile(&settings)); }
-LinkHolder cmykLink(const CmsLinkSettings& settings) { return LinkHolder(jKoLinkCombineIcmCmykProfile(&settings)); }
+LinkHolder rgbLink(const CmsLinkSettings& settings) {
+    return LinkHolder(jKoLinkCombineIcmRgbProfile(&settings));
+}
+LinkHolder cmykLink(const CmsLinkSettings& settings) {
+    return LinkHolder(jKoLinkCombineIcmCmykProfile(&settings));
+}
 
 class SystemLink : public testing::Test {
 protected:
-    SystemLink() { writeFile(press, pressProfile("Lab ", true, {{"wtpt", xyzElement(0xf6d6, 0x10000, 0xd32d)},
-                                                                {"desc", descriptionElement("press")}, {"cprt", textElement("free")}})); }
+    SystemLink() {
+        writeFile(press, pressProfile("Lab ", true,
+                                      {{"wtpt", xyzElement(0xf6d6, 0x10000, 0xd32d)},
+                                       {"desc", descriptionElement("press")},
+                                       {"cprt", textElement("free")}}));
+    }
     std::string copy(const char* name) const {  // with the platform's own separators
         writeFile(folder.path(name), readFile(testData(name)));
         return folder.path(name);
     }
     TempFolder folder;
     const std::string press = folder.path("press.icc");
-    const std::string monitor = copy("sRGB-v2-magic.icc"), wide = copy("AdobeCompat-v2.icc"), grey = copy("sGrey-v2-micro.icc");
+    const std::string monitor = copy("sRGB-v2-magic.icc"), wide = copy("AdobeCompat-v2.icc"),
+                      grey = copy("sGrey-v2-micro.icc");
 };
 
 TEST_F(SystemLink, HasSeventeenPointsAndTheChannelsOfItsSource) {
     for (const int32_t channels : {3, 4}) {
-        const LinkHolder link = channels == 3 ? rgbLink(settingsFor(monitor, press)) : cmykLink(settingsFor(press, press));
+        const LinkHolder link = channels == 3 ? rgbLink(settingsFor(monitor, press))
+                                              : cmykLink(settingsFor(press, press));
         ASSERT_TRUE(link);
         const LinkHolder fresh(jKoLinkCreateProfile(channels, 17));
         EXPECT_EQ(std::memcmp(link.get(), fresh.get(), offsetof(LinkProfile, grid)), 0);
@@ -45,7 +55,8 @@ TEST_F(SystemLink, OfAProfileWithItselfKeepsTheLightThatGoesIn) {
 }
 
 TEST_F(SystemLink, WithAnRgbDestinationHasAFourthOutputOf0OnEveryNode) {
-    for (const LinkHolder& link : {rgbLink(settingsFor(monitor, wide)), cmykLink(settingsFor(press, monitor))}) {
+    for (const LinkHolder& link :
+         {rgbLink(settingsFor(monitor, wide)), cmykLink(settingsFor(press, monitor))}) {
         ASSERT_TRUE(link);
         for (size_t i = 3; i < gridSize(*link); i += 4) ASSERT_EQ(link->grid[i], 0);
     }

@@ -30,9 +30,11 @@ protected:
         return settingsFor(folder.path(source), folder.path("damaged.icc"));
     }
     TempFolder folder;
-    const Bytes press = profileBytes({{"wtpt", xyzElement(0xe000, 0xf000, 0xa000)}, {"A2B0", randomLut(4, 3, 1, false, 2)},
+    const Bytes press = profileBytes({{"wtpt", xyzElement(0xe000, 0xf000, 0xa000)},
+                                      {"A2B0", randomLut(4, 3, 1, false, 2)},
                                       {"B2A0", randomLut(3, 4, 2, true, 3)}});
-    const Bytes scanner = profileBytes({{"A2B0", randomLut(3, 3, 3, true, 2)}}, profileHeader("scnr", "RGB ", "XYZ "));
+    const Bytes scanner = profileBytes({{"A2B0", randomLut(3, 3, 3, true, 2)}},
+                                       profileHeader("scnr", "RGB ", "XYZ "));
     const Bytes monitor = readFile(testData("sRGB-v2-magic.icc"));
 };
 
@@ -78,8 +80,13 @@ TEST_F(DamagedLinkSource, WithExtremeNumbersGivesAWholeLink) {
         const Bytes curve = curveElement({65535}), colorant = xyzElement(extreme, extreme, extreme);
         Bytes header = profileHeader("mntr", "RGB ", "XYZ ");
         for (size_t at = 68; at < 80; at += 4) put32(header, at, extreme);
-        const Bytes matrix = profileBytes({{"rXYZ", colorant}, {"gXYZ", colorant}, {"bXYZ", colorant}, {"rTRC", curve},
-                                           {"gTRC", curve}, {"bTRC", curve}}, header);
+        const Bytes matrix = profileBytes({{"rXYZ", colorant},
+                                           {"gXYZ", colorant},
+                                           {"bXYZ", colorant},
+                                           {"rTRC", curve},
+                                           {"gTRC", curve},
+                                           {"bTRC", curve}},
+                                          header);
         const CmsLinkSettings settings = from(matrix, "press.icc");
         EXPECT_TRUE(LinkHolder(jKoLinkCombineRgbProfile(&settings)));
         expectWholeOrNone(jKoLinkCombineRgbProfile, settings);

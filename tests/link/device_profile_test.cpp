@@ -41,12 +41,16 @@ protected:
 // A table's element: 8-bit shape, identity matrix, identity curves; its grid.
 Bytes gridOf(const Bytes& element, uint8_t inputs, uint8_t outputs, uint8_t gridPoints) {
     EXPECT_EQ(std::string(element.begin(), element.begin() + 4), "mft1");
-    EXPECT_EQ(Bytes(element.begin() + 8, element.begin() + 11), (Bytes{inputs, outputs, gridPoints}));
-    for (size_t i = 0; i < 9; ++i) EXPECT_EQ(get32(element, 12 + i * 4), i % 4 == 0 ? 0x10000u : 0u);
+    EXPECT_EQ(Bytes(element.begin() + 8, element.begin() + 11),
+              (Bytes{inputs, outputs, gridPoints}));
+    for (size_t i = 0; i < 9; ++i)
+        EXPECT_EQ(get32(element, 12 + i * 4), i % 4 == 0 ? 0x10000u : 0u);
     const size_t gridAt = 48 + inputs * 256u, outputAt = element.size() - outputs * 256u;
     for (size_t at = 48; at < gridAt; ++at) EXPECT_EQ(element[at], (at - 48) % 256);
-    for (size_t at = outputAt; at < element.size(); ++at) EXPECT_EQ(element[at], (at - outputAt) % 256);
-    return Bytes(element.begin() + static_cast<std::ptrdiff_t>(gridAt), element.begin() + static_cast<std::ptrdiff_t>(outputAt));
+    for (size_t at = outputAt; at < element.size(); ++at)
+        EXPECT_EQ(element[at], (at - outputAt) % 256);
+    return Bytes(element.begin() + static_cast<std::ptrdiff_t>(gridAt),
+                 element.begin() + static_cast<std::ptrdiff_t>(outputAt));
 }
 
 TEST(DeviceProfileRecord, StartsZeroedAndUntitled) {
@@ -81,7 +85,8 @@ TEST_F(DeviceFile, HoldsItsTagsInOrderWithSharedTables) {
     std::vector<std::string> names;
     const Bytes file = saved(*filled());
     for (const DirectoryEntry& entry : directoryOf(file)) names.push_back(entry.signature);
-    EXPECT_EQ(names, (std::vector<std::string>{"cprt", "desc", "wtpt", "bkpt", "gamt", "A2B0", "A2B1", "A2B2", "B2A0", "B2A1", "B2A2"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"cprt", "desc", "wtpt", "bkpt", "gamt", "A2B0",
+                                               "A2B1", "A2B2", "B2A0", "B2A1", "B2A2"}));
     EXPECT_EQ(elementOf(file, "A2B1"), elementOf(file, "A2B0"));
     EXPECT_EQ(elementOf(file, "A2B2"), elementOf(file, "A2B0"));
     EXPECT_EQ(elementOf(file, "B2A2"), elementOf(file, "B2A1"));
@@ -89,7 +94,8 @@ TEST_F(DeviceFile, HoldsItsTagsInOrderWithSharedTables) {
 }
 
 TEST_F(DeviceFile, SaysItsMarkerALineFeedAndTheDescription) {
-    EXPECT_EQ(elementOf(saved(*filled()), "desc"), descriptionElement("_KOLINK_10J\nmade for a test"));
+    EXPECT_EQ(elementOf(saved(*filled()), "desc"),
+              descriptionElement("_KOLINK_10J\nmade for a test"));
 }
 
 TEST_F(DeviceFile, HoldsTheWhitePoint) {
@@ -115,13 +121,15 @@ TEST_F(DeviceFile, HoldsTheMeasurementsAsLab) {
     const Bytes grid = gridOf(elementOf(saved(*device), "A2B0"), 4, 3, 9);
     ASSERT_EQ(grid.size(), 19683u);
     for (size_t i = 0; i < KOLINK_DEVICE_NODES; ++i)
-        ASSERT_EQ(grid[i * 3] | grid[i * 3 + 1] << 8 | grid[i * 3 + 2] << 16, static_cast<int32_t>(device->labGrid[i]));
+        ASSERT_EQ(grid[i * 3] | grid[i * 3 + 1] << 8 | grid[i * 3 + 2] << 16,
+                  static_cast<int32_t>(device->labGrid[i]));
 }
 
 TEST_F(DeviceFile, HoldsTheInksWithTheWordsMostSignificantByteFirst) {
     const Device device = filled();
     const Bytes file = saved(*device);
-    const Bytes perceptual = gridOf(elementOf(file, "B2A0"), 3, 4, 17), colorimetric = gridOf(elementOf(file, "B2A1"), 3, 4, 17);
+    const Bytes perceptual = gridOf(elementOf(file, "B2A0"), 3, 4, 17),
+                colorimetric = gridOf(elementOf(file, "B2A1"), 3, 4, 17);
     ASSERT_EQ(perceptual.size(), 19652u);
     for (size_t i = 0; i < KOLINK_LAB_NODES; ++i) {
         ASSERT_EQ(get32(perceptual, i * 4), device->toCmyk0[i]);
@@ -147,8 +155,8 @@ TEST_F(DeviceFile, OfANeverFilledRecordIsValidWithZerosInItsTablesAndWhitePoint)
     const ProfileHandle profile(jIccLoadHeader(path.c_str()));
     ASSERT_TRUE(profile);
     for (const uint32_t tag : kLoadableTags)
-        if (tag != signature("rXYZ") && tag != signature("gXYZ") && tag != signature("bXYZ") && tag != signature("rTRC") &&
-            tag != signature("gTRC") && tag != signature("bTRC")) {
+        if (tag != signature("rXYZ") && tag != signature("gXYZ") && tag != signature("bXYZ") &&
+            tag != signature("rTRC") && tag != signature("gTRC") && tag != signature("bTRC")) {
             EXPECT_NE(jIccLoadTag(profile.get(), tag), nullptr) << tag;
         }
 }
@@ -156,7 +164,8 @@ TEST_F(DeviceFile, OfANeverFilledRecordIsValidWithZerosInItsTablesAndWhitePoint)
 TEST_F(DeviceFile, ADescriptionWithoutEndEndsWithItsField) {
     const Device device(jKoDevsCreateProfile());
     std::memset(device->description, 'd', sizeof device->description);
-    EXPECT_EQ(elementOf(saved(*device), "desc"), descriptionElement("_KOLINK_10J\n" + std::string(500, 'd')));
+    EXPECT_EQ(elementOf(saved(*device), "desc"),
+              descriptionElement("_KOLINK_10J\n" + std::string(500, 'd')));
 }
 
 TEST_F(DeviceFile, ItsPathIsKeptInTheRecord) {

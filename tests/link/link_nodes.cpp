@@ -11,7 +11,8 @@
 
 int main(int argc, char** argv) {
     if (argc != 7) {
-        std::fputs("usage: link_nodes rgb|cmyk own|system SOURCE DESTINATION INTENT COUNT\n", stderr);
+        std::fputs("usage: link_nodes rgb|cmyk own|system SOURCE DESTINATION INTENT COUNT\n",
+                   stderr);
         return 2;
     }
     const bool rgb = std::string_view(argv[1]) == "rgb", own = std::string_view(argv[2]) == "own";

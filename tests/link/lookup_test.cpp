@@ -98,7 +98,8 @@ TEST(LinkLookup, BlendsRgbInTheTetrahedronOfTheFractionsOrder) {
     const double a = static_cast<double>(200.0f / 255.0f), b = static_cast<double>(150.0f / 255.0f),
                  c = static_cast<double>(50.0f / 255.0f);
     // r >= g >= b runs through both corners, r >= b >= g through the first only.
-    EXPECT_EQ(converted(*link, {200, 150, 50, 0})[0], static_cast<int32_t>(1000 * (a - b) + 100 * (b - c)));
+    EXPECT_EQ(converted(*link, {200, 150, 50, 0})[0],
+              static_cast<int32_t>(1000 * (a - b) + 100 * (b - c)));
     EXPECT_EQ(converted(*link, {200, 50, 150, 0})[0], static_cast<int32_t>(1000 * (a - b)));
     EXPECT_EQ(converted(*link, {150, 200, 50, 0})[0], static_cast<int32_t>(100 * (b - c)));
     EXPECT_EQ(converted(*link, {50, 200, 150, 0})[0], 0);
@@ -114,12 +115,14 @@ TEST(LinkLookup, GivesTheSameInWhicheverTetrahedronWhenFractionsAreEqual) {
         const double low = static_cast<double>(static_cast<float>(b) / 15.0f);
         EXPECT_EQ(r, g);
         const uint16_t middle = rFirst ? at(1, 0, 0) : at(0, 1, 0);
-        return static_cast<int32_t>(at(0, 0, 0) * (1 - f) + middle * (f - f) + at(1, 1, 0) * (f - low) +
-                                    at(1, 1, 1) * low);
+        return static_cast<int32_t>(at(0, 0, 0) * (1 - f) + middle * (f - f) +
+                                    at(1, 1, 0) * (f - low) + at(1, 1, 1) * low);
     };
     for (int32_t level = 0; level < 15; ++level) {
-        EXPECT_EQ(converted(*link, {level, level, level / 2, 0})[0], blended(level, level, level / 2, true));
-        EXPECT_EQ(converted(*link, {level, level, level / 2, 0})[0], blended(level, level, level / 2, false));
+        EXPECT_EQ(converted(*link, {level, level, level / 2, 0})[0],
+                  blended(level, level, level / 2, true));
+        EXPECT_EQ(converted(*link, {level, level, level / 2, 0})[0],
+                  blended(level, level, level / 2, false));
     }
 }
 
@@ -159,16 +162,19 @@ TEST(LinkLookup, BlendsCmykOverAllSixteenCornersWithOneDivision) {
 // The two ways differ on purpose: the diagonal of a cell whose corners are alternately 0 and 4080
 // stays at the ends in a tetrahedron and passes through all corners in the full blend.
 TEST(LinkLookup, InterpolatesRgbAndCmykDifferently) {
-    const LinkHolder rgb = gridOf(3, 2, [](size_t node) { return node == 0 || node == 7 ? 0 : 4080; });
+    const LinkHolder rgb =
+        gridOf(3, 2, [](size_t node) { return node == 0 || node == 7 ? 0 : 4080; });
     EXPECT_EQ(converted(*rgb, {128, 128, 128, 0})[0], 0);
-    const LinkHolder cmyk = gridOf(4, 2, [](size_t node) { return node == 0 || node == 15 ? 0 : 4080; });
+    const LinkHolder cmyk =
+        gridOf(4, 2, [](size_t node) { return node == 0 || node == 15 ? 0 : 4080; });
     EXPECT_GT(converted(*cmyk, {128, 128, 128, 128})[0], 3000);
 }
 
 TEST(LinkLookup, ClampsInputsToTheLevelsThereAre) {
     for (const int32_t channels : {3, 4}) {
         const LinkHolder link = randomLink(channels, 17, 10, 4095);
-        EXPECT_EQ(converted(*link, {-1, 256, INT32_MIN, INT32_MAX}), converted(*link, {0, 255, 0, 255}));
+        EXPECT_EQ(converted(*link, {-1, 256, INT32_MIN, INT32_MAX}),
+                  converted(*link, {0, 255, 0, 255}));
     }
 }
 

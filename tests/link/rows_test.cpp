@@ -26,7 +26,8 @@ std::vector<uint16_t> oneByOne(const LinkProfile& link, const std::vector<uint8_
 std::vector<uint16_t> asRow(const LinkProfile& link, const std::vector<uint8_t>& input) {
     const size_t channels = link.inputChannels == 3 ? 3 : 4;
     std::vector<uint16_t> output(input.size() / channels * 4, 0xaaaa);
-    jKoLinkCOLtoCMYK16Row(&link, input.data(), static_cast<int32_t>(input.size() / channels), output.data());
+    jKoLinkCOLtoCMYK16Row(&link, input.data(), static_cast<int32_t>(input.size() / channels),
+                          output.data());
     return output;
 }
 
@@ -41,7 +42,8 @@ TEST_P(RowsOfEveryGrid, EqualTheOneColourLookup) {
 
 // 4095 is what a builder makes, 65535 what a host may.
 INSTANTIATE_TEST_SUITE_P(Link, RowsOfEveryGrid,
-                         testing::Combine(testing::Values(3, 4), testing::Values(2, 9, 16, 17, 18, 33),
+                         testing::Combine(testing::Values(3, 4),
+                                          testing::Values(2, 9, 16, 17, 18, 33),
                                           testing::Values(4095u, 65535u)));
 
 TEST(LinkRows, EqualTheOneColourLookupForEveryGreyAndEveryRampOfACell) {
@@ -49,7 +51,9 @@ TEST(LinkRows, EqualTheOneColourLookupForEveryGreyAndEveryRampOfACell) {
     std::vector<uint8_t> input;
     for (int r = 0; r < 256; ++r)
         for (int g = 0; g < 256; ++g)
-            for (const int b : {0, 7, 128, g, 255}) input.insert(input.end(), {static_cast<uint8_t>(r), static_cast<uint8_t>(g), static_cast<uint8_t>(b)});
+            for (const int b : {0, 7, 128, g, 255})
+                input.insert(input.end(), {static_cast<uint8_t>(r), static_cast<uint8_t>(g),
+                                           static_cast<uint8_t>(b)});
     EXPECT_EQ(asRow(*link, input), oneByOne(*link, input));
 }
 
@@ -58,7 +62,8 @@ TEST(LinkRows, AreExactWhereTheBlendIsAWholeNumber) {
     for (const uint16_t value : std::initializer_list<uint16_t>{1, 15, 16, 17, 4079, 4080}) {
         const LinkHolder link(jKoLinkCreateProfile(4, 17));
         for (size_t i = 0; i < ko::test::gridSize(*link); ++i) link->grid[i] = value;
-        for (const uint16_t result : asRow(*link, randomLevels(40000, value))) ASSERT_EQ(result, value);
+        for (const uint16_t result : asRow(*link, randomLevels(40000, value)))
+            ASSERT_EQ(result, value);
     }
 }
 
@@ -98,7 +103,9 @@ TEST(RowsFromSeveralThreads, OfOneLinkEqualTheOnesOfOneThread) {
         std::vector<std::vector<uint16_t>> outputs(4);
         std::vector<std::thread> threads;
         for (auto& output : outputs)
-            threads.emplace_back([&] { for (int round = 0; round < 5; ++round) output = asRow(*link, input); });
+            threads.emplace_back([&] {
+                for (int round = 0; round < 5; ++round) output = asRow(*link, input);
+            });
         for (std::thread& thread : threads) thread.join();
         for (const auto& output : outputs) EXPECT_EQ(output, expected);
     }

@@ -16,7 +16,8 @@ namespace ko::test {
 
 using Colour = std::array<int32_t, 4>;
 
-inline Bytes randomLut(uint8_t inputs, uint8_t outputs, uint32_t seed, bool wide = true, uint8_t gridPoints = 5) {
+inline Bytes randomLut(uint8_t inputs, uint8_t outputs, uint32_t seed, bool wide = true,
+                       uint8_t gridPoints = 5) {
     LutElement lut;
     lut.inputs = inputs;
     lut.outputs = outputs;
@@ -29,9 +30,10 @@ inline Bytes randomLut(uint8_t inputs, uint8_t outputs, uint32_t seed, bool wide
 // A press in both directions, every intent with tables of its own.
 inline Bytes pressProfile(std::string_view connectionSpace = "Lab ", bool wide = true,
                           std::vector<Tag> more = {}) {
-    std::vector<Tag> tags = {{"A2B0", randomLut(4, 3, 1, wide)}, {"A2B1", randomLut(4, 3, 2, wide)},
-                             {"A2B2", randomLut(4, 3, 3, wide)}, {"B2A0", randomLut(3, 4, 4, wide)},
-                             {"B2A1", randomLut(3, 4, 5, wide)}, {"B2A2", randomLut(3, 4, 6, wide)}};
+    std::vector<Tag> tags = {
+        {"A2B0", randomLut(4, 3, 1, wide)}, {"A2B1", randomLut(4, 3, 2, wide)},
+        {"A2B2", randomLut(4, 3, 3, wide)}, {"B2A0", randomLut(3, 4, 4, wide)},
+        {"B2A1", randomLut(3, 4, 5, wide)}, {"B2A2", randomLut(3, 4, 6, wide)}};
     for (Tag& tag : more) tags.push_back(std::move(tag));
     return profileBytes(tags, profileHeader("prtr", "CMYK", connectionSpace));
 }
@@ -67,7 +69,9 @@ inline Colour nodeOf(const LinkProfile& link, size_t node) {
     const uint16_t* values = link.grid + node * 4;
     return {values[0], values[1], values[2], values[3]};
 }
-inline size_t cmykNode(int c, int m, int y, int k) { return static_cast<size_t>(((c * 17 + m) * 17 + y) * 17 + k); }
+inline size_t cmykNode(int c, int m, int y, int k) {
+    return static_cast<size_t>(((c * 17 + m) * 17 + y) * 17 + k);
+}
 inline size_t rgbNode(int r, int g, int b) { return static_cast<size_t>((r * 17 + g) * 17 + b); }
 
 // What goes into the source at a node: index * 65280 / 16 a channel.
