@@ -33,8 +33,8 @@ add_library(ko_warnings INTERFACE)
 target_compile_options(ko_warnings INTERFACE -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)  # GCC 12 sees overlap inside std::string's operator+
 
-# Linked by what need not be fast, the tool's and the tests' own code: it is most of the source
-# and, with its headers, would take most of the time that everything takes to build.
+# Linked by what need not be fast, the tests' own code and the sanitized tool's: it is most of the
+# source and, with its headers, would take most of the time that everything takes to build.
 add_library(ko_quickly_built INTERFACE)
 if(KOLINK_SANITIZE)
     target_compile_options(ko_quickly_built INTERFACE -Og -g1)
