@@ -15,7 +15,7 @@ FORMATS = {1: "B", 2: "B", 3: "H", 4: "I", 7: "B"}
 
 def make(path, width, height, samples, bits, photometric, seed):
     rng = random.Random(seed)
-    data = bytes(rng.randrange(256) for _ in range(width * height * samples * bits // 8))
+    data = rng.randbytes(width * height * samples * bits // 8)
     description = b"a test\0"
     extra = b""
     entries = []
