@@ -1,4 +1,4 @@
-#include "front/display.h"
+#include "frame/display.h"
 #include "front/front.h"
 #include "frame/boundary.h"
 
@@ -46,8 +46,8 @@ extern "C" void jColorCMYKtoRGBRow(const uint8_t* cmyk, int32_t pixels, uint8_t*
     ko::front::cmykToRgbRow(cmyk, pixels, rgb);
 }
 
-extern "C" int32_t Value255to100(int32_t v) { return ko::front::value255to100(v); }
-extern "C" int32_t Value100to255(int32_t v) { return ko::front::value100to255(v); }
+extern "C" int32_t Value255to100(int32_t v) { return ko::value255to100(v); }
+extern "C" int32_t Value100to255(int32_t v) { return ko::value100to255(v); }
 
 extern "C" int32_t jColorLoadIccFileList(char* list, int32_t maxCount, const char* colourSpace) {
     return ko::atBoundary<int32_t>(

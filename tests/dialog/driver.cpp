@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "kolink/tone_dialog.h"
-#include "resources/dialog_ids.h"
 #include "tests/tone/curves.h"
 
 namespace ko::test {
@@ -98,9 +97,9 @@ void DialogWindow::type(int id, std::wstring_view text) const {
     for (const wchar_t character : text) send(item(id), WM_CHAR, character);
 }
 
-void DialogWindow::enter(int id, std::wstring_view text) const {
+void DialogWindow::enter(int id, std::wstring_view text, int leaveFor) const {
     type(id, text);
-    focus(IDC_GRAPH);
+    focus(leaveFor);
 }
 
 void DialogWindow::key(int id, WPARAM key) const {
@@ -158,19 +157,17 @@ int32_t DialogWindow::levelAt(int y) const {
     return level < 0 ? 0 : level > 255 ? 255 : level;
 }
 
-void DialogWindow::mouse(UINT message, POINT at) const {
-    send(item(IDC_GRAPH), message, 0, MAKELPARAM(at.x, at.y));
+void DialogWindow::mouse(UINT message, POINT at, int control) const {
+    send(item(control), message, 0, MAKELPARAM(at.x, at.y));
 }
 
-void DialogWindow::drag(POINT from, POINT to) const {
-    mouse(WM_LBUTTONDOWN, from);
-    mouse(WM_MOUSEMOVE, to);
+void DialogWindow::drag(POINT from, POINT to, int control) const {
+    mouse(WM_LBUTTONDOWN, from, control);
+    mouse(WM_MOUSEMOVE, to, control);
 }
 
-Outcome openDialog(int32_t (*edit)(HWND, char*), std::string_view path,
-                   const std::function<void(const DialogWindow&)>& drive, HWND owner) {
-    char buffer[260] = {};
-    path.copy(buffer, sizeof buffer - 1);
+void openDialog(const std::function<void()>& call,
+                const std::function<void(const DialogWindow&)>& drive) {
     const DWORD thread = ::GetCurrentThreadId();
     std::atomic<bool> closed = false;
     std::thread driver([&] {
@@ -192,9 +189,17 @@ Outcome openDialog(int32_t (*edit)(HWND, char*), std::string_view path,
         std::fflush(stdout);
         ::TerminateProcess(::GetCurrentProcess(), 3);
     });
-    const int32_t result = edit(owner, buffer);
+    call();
     closed = true;
     driver.join();
+}
+
+Outcome openDialog(int32_t (*edit)(HWND, char*), std::string_view path,
+                   const std::function<void(const DialogWindow&)>& drive, HWND owner) {
+    char buffer[260] = {};
+    path.copy(buffer, sizeof buffer - 1);
+    int32_t result = 0;
+    openDialog([&] { result = edit(owner, buffer); }, drive);
     return {result, buffer};
 }
 

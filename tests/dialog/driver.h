@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "resources/dialog_ids.h"
 #include "tests/support/files.h"
 
 namespace ko::test {
@@ -46,7 +47,7 @@ public:
 
     void focus(int id) const;
     void type(int id, std::wstring_view text) const;  // in place of what the field holds
-    void enter(int id, std::wstring_view text) const;  // types, then leaves for the graph
+    void enter(int id, std::wstring_view text, int leaveFor = IDC_GRAPH) const;  // types and leaves
     void key(int id, WPARAM key) const;                // handled by the control itself
     void pressKey(int id, WPARAM key) const;           // queued, as from the keyboard
     void click(int id) const;                          // waits until it is handled
@@ -59,9 +60,9 @@ public:
     // The graph of a curve editor. Rows follow from the control's own size.
     POINT point(int32_t index, int32_t last, int32_t level) const;
     int32_t levelAt(int y) const;  // what a drag to that row gives
-    void mouse(UINT message, POINT at) const;
-    void drag(POINT from, POINT to) const;  // without letting go
-    void drop(POINT at) const { mouse(WM_LBUTTONUP, at); }
+    void mouse(UINT message, POINT at, int control = IDC_GRAPH) const;
+    void drag(POINT from, POINT to, int control = IDC_GRAPH) const;  // without letting go
+    void drop(POINT at, int control = IDC_GRAPH) const { mouse(WM_LBUTTONUP, at, control); }
 
 private:
     HWND window_;
@@ -72,7 +73,12 @@ struct Outcome {
     std::string path;  // of the caller's buffer
 };
 
-// Calls a dialog's function and drive beside it. A dialog that drive leaves open is cancelled.
+// Runs call, which opens a dialog and returns when that is closed, and drive beside it. A dialog
+// that drive leaves open is cancelled.
+void openDialog(const std::function<void()>& call,
+                const std::function<void(const DialogWindow&)>& drive);
+
+// The same for a function that edits a file.
 Outcome openDialog(int32_t (*edit)(HWND, char*), std::string_view path,
                    const std::function<void(const DialogWindow&)>& drive, HWND owner = nullptr);
 

@@ -1,11 +1,7 @@
 // Dialogs that end in unusual ways, texts of any length, and what is left behind.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <vector>
-
-#include "resources/dialog_ids.h"
-#include "tests/dialog/driver.h"
+#include "tests/dialog/lifetime.h"
 
 using namespace ko::test;
 
@@ -63,24 +59,6 @@ TEST(DialogLifetime, ClosingTheWindowCancels) {
     }
 }
 
-LRESULT CALLBACK ownerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_APP) ::DestroyWindow(window);
-    if (message == WM_APP + 1)  // opens a dialog from within the message loop of another
-        return reinterpret_cast<int32_t (*)(HWND, char*)>(wParam)(window,
-                                                                  reinterpret_cast<char*>(lParam));
-    return ::DefWindowProcW(window, message, wParam, lParam);
-}
-
-HWND newOwner() {
-    WNDCLASSW description{};
-    description.lpfnWndProc = ownerProcedure;
-    description.hInstance = ::GetModuleHandleW(nullptr);
-    description.lpszClassName = L"DialogTestsOwner";
-    ::RegisterClassW(&description);
-    return ::CreateWindowExW(0, description.lpszClassName, L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
-                             0, 0, 200, 100, nullptr, nullptr, description.hInstance, nullptr);
-}
-
 TEST(DialogLifetime, AnOwnerThatIsDestroyedTakesTheDialogWithIt) {
     for (const ToneDialogKind* kind : kToneDialogs) {
         const HWND owner = newOwner();
@@ -89,7 +67,7 @@ TEST(DialogLifetime, AnOwnerThatIsDestroyedTakesTheDialogWithIt) {
             kind->edit, "",
             [&](const DialogWindow& dialog) {
                 dialog.drag(dialog.point(0, kind->last, 0), dialog.point(0, kind->last, 100));
-                ::PostMessageW(owner, WM_APP, 0, 0);
+                postDestruction(owner);
                 EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
             },
             owner);
@@ -109,8 +87,7 @@ TEST(DialogLifetime, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFirst) {
             kind->edit, path,
             [&](const DialogWindow& dialog) {
                 dialog.enter(IDC_PERCENT_K, L"30");
-                ::PostMessageW(owner, WM_APP + 1, reinterpret_cast<WPARAM>(kind->edit),
-                               reinterpret_cast<LPARAM>(inner));
+                postCall(owner, [&, edit = kind->edit] { edit(owner, inner); });
                 HWND second = nullptr;
                 ASSERT_TRUE(eventually([&] {
                     second = ::GetLastActivePopup(owner);
@@ -134,17 +111,6 @@ TEST(DialogLifetime, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFirst) {
         EXPECT_EQ(loaded(*kind, path).value(black, 0), 77);
         EXPECT_EQ(loaded(*kind, inner).value(black, 0), 153);
     }
-}
-
-void onClipboard(const std::wstring& text) {
-    ASSERT_TRUE(eventually([] { return ::OpenClipboard(nullptr) != FALSE; }));
-    ::EmptyClipboard();
-    const HGLOBAL block = ::GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t));
-    text.copy(static_cast<wchar_t*>(::GlobalLock(block)), text.size());
-    static_cast<wchar_t*>(::GlobalLock(block))[text.size()] = L'\0';
-    ::GlobalUnlock(block);
-    EXPECT_NE(::SetClipboardData(CF_UNICODETEXT, block), nullptr);
-    ::CloseClipboard();
 }
 
 TEST(DialogLifetime, TenThousandPastedCharactersAreCutOrClampedInEveryField) {

@@ -5,7 +5,7 @@
 
 #include "frame/arithmetic.h"
 
-namespace ko::front {
+namespace ko {
 
 // Rounded half up in double.
 constexpr int32_t value255to100(int32_t value) noexcept {
@@ -25,4 +25,4 @@ constexpr int32_t valueFromDisplay(int32_t mode, int32_t value) noexcept {
     return mode != 0 ? clampTo(value, 0, 255) : value100to255(value);
 }
 
-}  // namespace ko::front
+}  // namespace ko

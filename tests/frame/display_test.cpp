@@ -1,9 +1,9 @@
-#include "front/display.h"
+#include "frame/display.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-using namespace ko::front;
+using namespace ko;
 
 TEST(DisplayValue, ShowsLevelsAsTheyAreWhenTheModeIsNotZero) {
     for (const int32_t mode : {1, -1, 255}) {
