@@ -7,6 +7,7 @@
 
 #include "frame/language.h"
 #include "frame/platform.h"
+#include "frame/text.h"
 
 namespace ko {
 
@@ -36,9 +37,17 @@ struct AttachSettings {
 void attach(const AttachSettings& settings = {}) noexcept;
 void detach() noexcept;
 
-// The text to show for a Japanese text, in the language of the user.
+// The text to show for a Japanese text, in the language of the user. In the table's own encoding,
+// or the Japanese text itself: frame/dialog shows either.
 inline const char* translated(const char* japanese) noexcept {
     return jRegsLangConv(processState().languageTable, japanese);
+}
+
+// Of the tables' translations and of what the user types into records.
+inline Encoding userEncoding() noexcept {
+    const bool chinese = jRegsLangGetDstLanguage(processState().languageTable) ==
+                         std::string_view("chinese");
+    return chinese ? Encoding::gb2312 : Encoding::shiftJis;
 }
 
 }  // namespace ko

@@ -10,6 +10,16 @@ constexpr bool isShiftJisLead(uint8_t byte) noexcept {
     return (byte >= 0x81 && byte <= 0x9f) || (byte >= 0xe0 && byte <= 0xfc);
 }
 
+constexpr bool isLead(char character, Encoding encoding) noexcept {
+    const auto byte = static_cast<uint8_t>(character);
+    return encoding == Encoding::shiftJis ? isShiftJisLead(byte) : byte >= 0x81 && byte <= 0xfe;
+}
+
+// Bytes of the first character of a text that is not empty: 1 or 2.
+size_t lengthOfFirst(std::string_view text, Encoding encoding) noexcept {
+    return text.size() > 1 && isLead(text[0], encoding) ? 2 : 1;
+}
+
 constexpr char lower(char character) noexcept {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
 }
@@ -45,10 +55,11 @@ PathSplit splitPath(std::string_view path) noexcept {
 }
 
 // Where a text that was cut must end so that no half of a character is left.
-size_t endOfWholeCharacters(std::string_view text) noexcept {
+size_t endOfWholeCharacters(std::string_view text,
+                            Encoding encoding = Encoding::shiftJis) noexcept {
     size_t at = 0;
     while (at < text.size()) {
-        const size_t length = isShiftJisLead(static_cast<uint8_t>(text[at])) ? 2 : 1;
+        const size_t length = isLead(text[at], encoding) ? 2 : 1;
         if (at + length > text.size()) break;
         at += length;
     }
@@ -57,24 +68,38 @@ size_t endOfWholeCharacters(std::string_view text) noexcept {
 
 }  // namespace
 
-size_t shiftJisLength(std::string_view text) noexcept {
-    return text.size() > 1 && isShiftJisLead(static_cast<uint8_t>(text[0])) ? 2 : 1;
+bool couldBeGb2312(std::string_view text) noexcept {
+    const auto isBetween = [](char character, int low, int high) {
+        const auto byte = static_cast<uint8_t>(character);
+        return byte >= low && byte <= high;
+    };
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (isBetween(text[at], 0, 0x7f)) continue;
+        if (!isBetween(text[at], 0xa1, 0xf7) || ++at == text.size() ||
+            !isBetween(text[at], 0xa1, 0xfe))
+            return false;
+    }
+    return true;
 }
 
-size_t wholeCharacters(std::string_view text, size_t limit) noexcept {
+size_t shiftJisLength(std::string_view text) noexcept {
+    return lengthOfFirst(text, Encoding::shiftJis);
+}
+
+size_t wholeCharacters(std::string_view text, size_t limit, Encoding encoding) noexcept {
     size_t at = 0;
     while (at < text.size()) {
-        const size_t length = shiftJisLength(text.substr(at));
+        const size_t length = lengthOfFirst(text.substr(at), encoding);
         if (at + length > limit) break;
         at += length;
     }
     return at;
 }
 
-void copyText(std::span<char> field, std::string_view text) noexcept {
+void copyText(std::span<char> field, std::string_view text, Encoding encoding) noexcept {
     if (field.empty()) return;
     text = text.substr(0, text.find('\0'));
-    text = text.substr(0, wholeCharacters(text, field.size() - 1));
+    text = text.substr(0, wholeCharacters(text, field.size() - 1, encoding));
     copyPart(field, text);
 }
 
@@ -136,11 +161,11 @@ bool jFilesGetFileTime(const char* path, platform::DateTime& time) noexcept {
     return path && platform::fileTime(path, time);
 }
 
-void jStrCorrect(std::span<char> text) noexcept {
+void jStrCorrect(std::span<char> text, Encoding encoding) noexcept {
     if (text.empty()) return;
     std::string_view kept = textIn(text);
     if (kept.size() == text.size()) kept.remove_suffix(1);  // room for the terminator
-    kept = kept.substr(0, endOfWholeCharacters(kept));
+    kept = kept.substr(0, endOfWholeCharacters(kept, encoding));
     const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
     while (!kept.empty() && isBlank(kept.front())) kept.remove_prefix(1);
     while (!kept.empty() && isBlank(kept.back())) kept.remove_suffix(1);

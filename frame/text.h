@@ -1,4 +1,4 @@
-// Shift-JIS text in fixed fields, paths, and lines of text files.
+// Text in fixed fields, paths, and lines of text files.
 #pragma once
 
 #include <cstddef>
@@ -11,16 +11,26 @@
 
 namespace ko {
 
+// Texts of records are Shift-JIS, but where the user's language is Chinese: what the Chinese
+// table gave, and what a Chinese user typed, is GB2312 (or GBK, which contains it).
+enum class Encoding { shiftJis, gb2312 };
+
+// Whether text is plain GB2312 throughout. Kana and kanji in Shift-JIS are not: their first bytes
+// lie below GB2312's.
+bool couldBeGb2312(std::string_view text) noexcept;
+
 // Bytes of the first Shift-JIS character of a text that is not empty: 1 or 2.
 size_t shiftJisLength(std::string_view text) noexcept;
 
 // Length of the longest beginning of text that has at most limit bytes and ends at a whole
-// Shift-JIS character.
-size_t wholeCharacters(std::string_view text, size_t limit) noexcept;
+// character.
+size_t wholeCharacters(std::string_view text, size_t limit,
+                       Encoding encoding = Encoding::shiftJis) noexcept;
 
-// Copies Shift-JIS text into a field: up to the first NUL, cut at a whole character, the rest of
-// the field zeroed.
-void copyText(std::span<char> field, std::string_view text) noexcept;
+// Copies text into a field: up to the first NUL, cut at a whole character, the rest of the field
+// zeroed.
+void copyText(std::span<char> field, std::string_view text,
+              Encoding encoding = Encoding::shiftJis) noexcept;
 
 // The text in a field of a record that may lack its terminator.
 std::string_view textIn(std::span<const char> field) noexcept;
@@ -42,9 +52,9 @@ void jFilesSplitPath(std::string_view path, std::span<char> folder, std::span<ch
 // The file's last change in local time; false, the time untouched, when there is no such file.
 [[nodiscard]] bool jFilesGetFileTime(const char* path, platform::DateTime& time) noexcept;
 
-// Corrects what was typed into a dialog's field: blanks at both ends go, and half a Shift-JIS
-// character that the field's size left at its end.
-void jStrCorrect(std::span<char> text) noexcept;
+// Corrects what was typed into a dialog's field: blanks at both ends go, and half a character that
+// the field's size left at its end.
+void jStrCorrect(std::span<char> text, Encoding encoding = Encoding::shiftJis) noexcept;
 
 // Compares at most n characters without regard to ASCII case; 0 when equal.
 int jStrCmpNI(const char* a, const char* b, size_t n) noexcept;

@@ -5,6 +5,7 @@
 
 #include "frame/boundary.h"
 #include "frame/dialog/win32.h"
+#include "resources/dialog_ids.h"
 
 namespace ko::dialog {
 namespace {
@@ -36,21 +37,35 @@ void fill(HDC dc, const RECT& area, COLORREF colour) {
     ::DeleteObject(brush);
 }
 
-void paintCurve(HDC dc, const GraphCurve& curve) {
+void paintLine(HDC dc, const GraphCurve& curve, COLORREF colour, int width) {
     static_assert(sizeof(Point) == sizeof(POINT) && offsetof(Point, y) == offsetof(POINT, y));
+    const Selected pen(dc, ::CreatePen(PS_SOLID, width, colour));
+    ::Polyline(dc, reinterpret_cast<const POINT*>(curve.line.data()),
+               static_cast<int>(curve.line.size()));
+}
+
+// A colour that hardly stands out from the paper, such as a pure yellow, gets a darker edge.
+bool isPale(COLORREF colour) noexcept {
+    return 2 * GetRValue(colour) + 5 * GetGValue(colour) + GetBValue(colour) > 8 * 150;
+}
+COLORREF edgeOf(COLORREF colour) noexcept {
+    return RGB(GetRValue(colour) / 2, GetGValue(colour) / 2, GetBValue(colour) / 2);
+}
+
+void paintCurve(HDC dc, const GraphCurve& curve) {
     const int width = scaled(dc, 2);
+    const COLORREF edge = isPale(curve.colour) ? edgeOf(curve.colour) : curve.colour;
     if (!curve.line.empty()) {
-        const Selected pen(dc, ::CreatePen(PS_SOLID, width, curve.colour));
-        ::Polyline(dc, reinterpret_cast<const POINT*>(curve.line.data()),
-                   static_cast<int>(curve.line.size()));
+        if (edge != curve.colour) paintLine(dc, curve, edge, width + 2 * scaled(dc, 1));
+        paintLine(dc, curve, curve.colour, width);
     }
     const int small = scaled(dc, 1), large = scaled(dc, 3);
     for (const Point at : curve.computedPoints)
         jRectangle(dc, kRectangleBoth, at.x - small, at.y - small, at.x + small + 1,
-                   at.y + small + 1, kPaper, curve.colour);
+                   at.y + small + 1, kPaper, edge);
     for (const Point at : curve.controlPoints)
-        jRectangle(dc, kRectangleFill, at.x - large, at.y - large, at.x + large + 1,
-                   at.y + large + 1, curve.colour, 0);
+        jRectangle(dc, kRectangleBoth, at.x - large, at.y - large, at.x + large + 1,
+                   at.y + large + 1, curve.colour, edge);
 }
 
 }  // namespace
@@ -200,6 +215,27 @@ void registerGraphClass() { static const GraphClass once; }
 
 void attachGraph(HWND dialog, int control, GraphEvents& events) {
     ::SetWindowLongPtrW(::GetDlgItem(dialog, control), 0, reinterpret_cast<LONG_PTR>(&events));
+}
+
+void makeGraphSquare(HWND dialog) {
+    const auto rectangleOf = [&](int control) {
+        RECT area{};
+        ::GetWindowRect(::GetDlgItem(dialog, control), &area);
+        ::MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&area), 2);
+        return area;
+    };
+    const RECT graph = rectangleOf(IDC_GRAPH);
+    const int width = graph.right - graph.left, height = graph.bottom - graph.top;
+    const int narrower = std::max(0, width - height), lower = std::max(0, height - width);
+    const auto change = [&](int control, int left, int top, int wider, int higher) {
+        const RECT area = rectangleOf(control);
+        ::MoveWindow(::GetDlgItem(dialog, control), area.left + left, area.top + top,
+                     area.right - area.left + wider, area.bottom - area.top + higher, FALSE);
+    };
+    change(IDC_GRAPH, 0, 0, -narrower, -lower);
+    change(IDC_STRIP_OUTPUT, 0, 0, 0, -lower);
+    change(IDC_STRIP_INPUT, 0, -lower, -narrower, 0);
+    change(IDC_INPUT_LABEL, -narrower, -lower, 0, 0);
 }
 
 }  // namespace ko::dialog

@@ -3,15 +3,21 @@
 #include <commdlg.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "frame/boundary.h"
 #include "frame/platform.h"
+#include "frame/state.h"
 #include "frame/text.h"
 
 namespace ko::dialog {
 namespace {
 
-constexpr UINT kShiftJis = 932;
+constexpr UINT kShiftJis = 932, kGbk = 936;
+
+UINT codePageOf(Encoding encoding) noexcept {
+    return encoding == Encoding::gb2312 ? kGbk : kShiftJis;
+}
 
 std::wstring toWide(std::string_view text, UINT codePage) {
     if (text.empty()) return {};
@@ -58,6 +64,39 @@ std::wstring filled(std::string_view pattern, std::wstring_view text) {
     return wide;
 }
 
+std::wstring wideText(std::string_view text, Encoding encoding) {
+    return toWide(text, codePageOf(encoding));
+}
+
+std::wstring wideTranslated(const char* japanese) {
+    const char* const text = translated(japanese);
+    return wideText(text, text == japanese ? Encoding::shiftJis : userEncoding());
+}
+
+std::wstring wideRecordText(std::string_view text) {
+    const bool gb2312 = userEncoding() == Encoding::gb2312 && couldBeGb2312(text);
+    return wideText(text, gb2312 ? Encoding::gb2312 : Encoding::shiftJis);
+}
+
+RecordText recordText(std::wstring_view wide) {
+    for (const Encoding encoding : {userEncoding(), Encoding::shiftJis}) {
+        RecordText record{fromWide(wide, codePageOf(encoding), nullptr), encoding};
+        if (wideRecordText(record.text) == wide) return record;
+    }
+    return {fromWide(wide, codePageOf(userEncoding()), nullptr), userEncoding()};
+}
+
+std::wstring filled(std::wstring_view pattern, std::initializer_list<std::wstring_view> texts) {
+    std::wstring whole;
+    for (const std::wstring_view text : texts) {
+        const size_t at = std::min(pattern.find(L"%s"), pattern.find(L"%d"));
+        if (at == pattern.npos) break;
+        whole.append(pattern.substr(0, at)).append(text);
+        pattern.remove_prefix(at + 2);
+    }
+    return whole.append(pattern);
+}
+
 HINSTANCE module() noexcept { return static_cast<HINSTANCE>(platform::moduleHandle()); }
 
 std::wstring textOf(HWND dialog, int control) {
@@ -94,7 +133,10 @@ int showMessage(HWND owner, std::wstring_view caption, std::wstring_view text, U
 }
 
 int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::string_view filter) {
-    std::wstring patterns = wideText(filter);
+    return jFilesOpen(owner, mode, path, wideText(filter));
+}
+
+int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::wstring patterns) {
     std::replace(patterns.begin(), patterns.end(), L'|', L'\0');
     patterns += L'\0';
     const std::string_view initial = textIn(path);
@@ -122,12 +164,29 @@ bool WindowHost::ask(std::string_view caption, std::string_view question) {
                        MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
-std::optional<std::string> WindowHost::chooseSavePath(std::string_view initial,
-                                                      std::string_view filter) {
+namespace {
+std::optional<std::string> savePath(HWND owner, std::string_view initial, std::wstring filter) {
     char path[MAX_PATH] = {};
     if (!copyPath(path, std::string(initial).c_str())) path[0] = '\0';
-    if (jFilesOpen(owner_, 1, path, filter) == -1) return std::nullopt;
+    if (jFilesOpen(owner, 1, path, std::move(filter)) == -1) return std::nullopt;
     return std::string(textIn(path));
+}
+}  // namespace
+
+std::optional<std::string> WindowHost::chooseSavePath(std::string_view initial,
+                                                      std::string_view filter) {
+    return savePath(owner_, initial, wideText(filter));
+}
+
+bool TranslatingHost::ask(std::string_view caption, std::string_view question) {
+    return showMessage(owner_, wideRecordText(caption),
+                       wideTranslated(std::string(question).c_str()),
+                       MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+std::optional<std::string> TranslatingHost::chooseSavePath(std::string_view initial,
+                                                           std::string_view filter) {
+    return savePath(owner_, initial, wideTranslated(std::string(filter).c_str()));
 }
 
 INT_PTR ModalDialog::run(HWND owner, const wchar_t* templateName) {

@@ -8,12 +8,14 @@
 #define NOMINMAX
 #include <windows.h>
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "frame/dialog/graph_picture.h"
 #include "frame/dialog/host.h"
+#include "frame/text.h"
 
 namespace ko::dialog {
 
@@ -24,6 +26,19 @@ std::string shiftJisText(std::wstring_view wide);  // what cannot be written bec
 std::optional<std::string> systemPath(std::wstring_view wide);  // nothing when it cannot be named
 // A Shift-JIS pattern with one %s, filled with a wide text.
 std::wstring filled(std::string_view pattern, std::wstring_view text);
+
+// The same for dialogs in the user's language. A text of a record may be in the user's encoding
+// or in Japanese; RecordText is written so that it reads back as it was typed.
+std::wstring wideText(std::string_view text, Encoding encoding);
+std::wstring wideTranslated(const char* japanese);
+std::wstring wideRecordText(std::string_view text);
+struct RecordText {
+    std::string text;
+    Encoding encoding;
+};
+RecordText recordText(std::wstring_view wide);
+// A pattern with one %s or %d for each of the texts, in their order.
+std::wstring filled(std::wstring_view pattern, std::initializer_list<std::wstring_view> texts);
 
 HINSTANCE module() noexcept;  // the library's: templates and window classes belong to it
 
@@ -38,12 +53,27 @@ bool isChecked(HWND dialog, int control) noexcept;
 // Message boxes and the file dialog on an owner.
 int showMessage(HWND owner, std::wstring_view caption, std::wstring_view text, UINT style);
 // mode 0 opens, 1 saves. path: a name to begin with, a folder when it ends in a separator; takes
-// the chosen name. filter: "description|pattern|" pairs in Shift-JIS. -1 when nothing was chosen.
+// the chosen name. filter: "description|pattern|" pairs, in Shift-JIS or wide. -1 when nothing was
+// chosen.
 int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::string_view filter);
+int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::wstring filter);
 
 class WindowHost : public EditorHost {
 public:
     explicit WindowHost(HWND owner) noexcept : owner_(owner) {}
+    bool ask(std::string_view caption, std::string_view question) override;
+    std::optional<std::string> chooseSavePath(std::string_view initial,
+                                              std::string_view filter) override;
+
+private:
+    HWND owner_;
+};
+
+// The same for dialogs in the user's language: captions are a record's text, questions and filters
+// Japanese texts that the language tables translate.
+class TranslatingHost : public EditorHost {
+public:
+    explicit TranslatingHost(HWND owner) noexcept : owner_(owner) {}
     bool ask(std::string_view caption, std::string_view question) override;
     std::optional<std::string> chooseSavePath(std::string_view initial,
                                               std::string_view filter) override;
@@ -96,6 +126,9 @@ protected:
 };
 void registerGraphClass();  // before a dialog with a graph is opened
 void attachGraph(HWND dialog, int control, GraphEvents& events);
+// A template's units are as wide and as high as the font makes them; the graph is square with any,
+// its longer side cut to the shorter. Its strips and the label below follow.
+void makeGraphSquare(HWND dialog);
 
 // A modal dialog: an object that handles its window's messages from WM_INITDIALOG on.
 class ModalDialog {

@@ -93,6 +93,33 @@ TEST(Text, CorrectionOfBlanksAloneIsEmpty) {
     EXPECT_STREQ(text, "");
 }
 
+TEST(Text, PlainGb2312IsToldFromJapanese) {
+    EXPECT_TRUE(couldBeGb2312("\xcd\xa8\xb5\xc0 1"));       // "channel 1" in Chinese
+    EXPECT_TRUE(couldBeGb2312("Cyan"));
+    EXPECT_FALSE(couldBeGb2312("\x83\x56\x83\x41\x83\x93"));  // katakana in Shift-JIS
+    EXPECT_FALSE(couldBeGb2312("\xbc\xb1\xdd"));              // half of a character is left
+    EXPECT_FALSE(couldBeGb2312("\xb0"));
+}
+
+TEST(Text, IsCutAtAWholeCharacterOfItsEncoding) {
+    // The second byte of this Chinese character is a first byte in Shift-JIS.
+    const std::string text = "a\xb5\xe3";
+    EXPECT_EQ(wholeCharacters(text, 2, Encoding::gb2312), 1u);
+    EXPECT_EQ(wholeCharacters(text, 3, Encoding::gb2312), 3u);
+    char field[4];
+    copyText(field, text + "\xb5\xe3", Encoding::gb2312);
+    EXPECT_EQ(textIn(field), text);
+}
+
+TEST(Text, CorrectionKeepsAChineseCharacterAtTheEnd) {
+    char field[8] = " \xb5\xe3 ";
+    jStrCorrect(field, Encoding::gb2312);
+    EXPECT_EQ(textIn(field), "\xb5\xe3");
+    std::memcpy(field, "\xb5\xe3\xb5\0", 4);
+    jStrCorrect(field, Encoding::gb2312);
+    EXPECT_EQ(textIn(field), "\xb5\xe3");
+}
+
 TEST(Path, IsSplitAtItsLastSeparator) {
     const std::string path = native("/app/bin/a.icc");
     EXPECT_EQ(folderOf(path), native("/app/bin"));

@@ -55,7 +55,7 @@ private:
 
     void opened() override {
         placeOf(kind()).apply(window());
-        makeGraphSquare();
+        makeGraphSquare(window());
         attachGraph(window(), IDC_GRAPH, *this);
         ::SendMessageW(item(IDC_TITLE), EM_SETLIMITTEXT, KOLINK_NAME_SIZE - 1, 0);
         for (const ChannelControls& channel : channels_)
@@ -64,29 +64,6 @@ private:
             if (item(setting.control)) ::SendMessageW(item(setting.control), EM_SETLIMITTEXT, 10, 0);
         if (item(IDC_ALL_INKS)) ::CheckDlgButton(window(), IDC_ALL_INKS, BST_CHECKED);
         showAll();
-    }
-
-    // A template's units are as wide and as high as the font makes them; the graph is square with
-    // any, its longer side cut to the shorter. The strips and the label below follow.
-    void makeGraphSquare() {
-        const auto rectangleOf = [&](int control) {
-            RECT area;
-            ::GetWindowRect(item(control), &area);
-            ::MapWindowPoints(nullptr, window(), reinterpret_cast<POINT*>(&area), 2);
-            return area;
-        };
-        const RECT graph = rectangleOf(IDC_GRAPH);
-        const int width = graph.right - graph.left, height = graph.bottom - graph.top;
-        const int narrower = std::max(0, width - height), lower = std::max(0, height - width);
-        const auto change = [&](int control, int left, int top, int wider, int higher) {
-            const RECT area = rectangleOf(control);
-            ::MoveWindow(item(control), area.left + left, area.top + top,
-                         area.right - area.left + wider, area.bottom - area.top + higher, FALSE);
-        };
-        change(IDC_GRAPH, 0, 0, -narrower, -lower);
-        change(IDC_STRIP_OUTPUT, 0, 0, 0, -lower);
-        change(IDC_STRIP_INPUT, 0, -lower, -narrower, 0);
-        change(IDC_INPUT_LABEL, -narrower, -lower, 0, 0);
     }
 
     void closing() override { placeOf(kind()).remember(window()); }
