@@ -1,5 +1,5 @@
 /* KoLink: everything that the library exports on every platform. The dialogs, which need
- * <windows.h>, have headers of their own: kolink/tone_dialog.h. */
+ * <windows.h>, have headers of their own, kolink/..._dialog.h. */
 #ifndef KOLINK_H
 #define KOLINK_H
 

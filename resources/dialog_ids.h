@@ -41,4 +41,10 @@
 #define IDC_TOTAL_INK 1113
 #define IDC_LIGHT_INK 1114
 
+/* The CMYK profile: the frame and its page of tone curves. */
+#define IDC_COMMENT 1081
+#define IDC_PAGES 1165
+#define IDC_CURVES_INPUT 1047
+#define IDC_CURVES_OUTPUT 1048
+
 #endif

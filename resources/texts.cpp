@@ -17,4 +17,10 @@ const char kProfileErrorCaption[] = "ﾌﾟﾛﾌｧｲﾙｴﾗｰ";
 const char kToneFileMissing[] = "ﾄｰﾝｶｰﾌﾞﾌｧｲﾙが見つかりません。\n[%s]";
 const char kDccFileMissing[] = "DCCﾌｧｲﾙが見つかりません。\n[%s]";
 
+const char kProfileEditCaption[] = "ﾌﾟﾛﾌｧｲﾙ編集 - [%s]";
+const char kProfileFilter[] = "ICCﾌﾟﾛﾌｧｲﾙ (*.ICC)|*.icc|";
+const char kProfileMissing[] = "ﾌﾟﾛﾌｧｲﾙが見つかりません。";
+const char kTonePage[] = "ﾄｰﾝｶｰﾌﾞ";
+const char kCorrectionPage[] = "ｶﾗｰｺﾚｸｼｮﾝ";
+
 }  // namespace ko::texts

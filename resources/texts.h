@@ -23,6 +23,13 @@ extern const char kProfileErrorCaption[];
 extern const char kToneFileMissing[];  // with one %s
 extern const char kDccFileMissing[];   // with one %s
 
+// The CMYK profile dialog.
+extern const char kProfileEditCaption[];  // with one %s
+extern const char kProfileFilter[];
+extern const char kProfileMissing[];
+extern const char kTonePage[];        // the names of its pages
+extern const char kCorrectionPage[];
+
 // A language table by the name of its resource, such as "TEXT_ENGLISH"; empty when there is none.
 // Windows modules carry them as resources instead.
 std::span<const char> table(std::string_view name) noexcept;

@@ -189,35 +189,91 @@ std::optional<std::string> TranslatingHost::chooseSavePath(std::string_view init
     return savePath(owner_, initial, wideTranslated(std::string(filter).c_str()));
 }
 
-INT_PTR ModalDialog::run(HWND owner, const wchar_t* templateName) {
-    return ::DialogBoxParamW(module(), templateName, owner, procedure,
-                             reinterpret_cast<LPARAM>(this));
-}
-
-void ModalDialog::end(INT_PTR result) {
-    closing();
-    ::EndDialog(window_, result);
-}
-
-INT_PTR CALLBACK ModalDialog::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK Dialog::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     // An exception must not pass through the system's frames: a dialog that cannot open ends, a
     // message that cannot be handled is left alone.
     if (message == WM_INITDIALOG) {
-        auto* const dialog = reinterpret_cast<ModalDialog*>(lParam);
+        auto* const dialog = reinterpret_cast<Dialog*>(lParam);
         dialog->window_ = window;
         ::SetWindowLongPtrW(window, DWLP_USER, lParam);
-        if (!atBoundary(false, [&] { return dialog->opened(), true; })) ::EndDialog(window, -1);
-        return TRUE;
+        return dialog->started(atBoundary(false, [&] { return dialog->opened(), true; }));
     }
-    auto* const dialog = reinterpret_cast<ModalDialog*>(::GetWindowLongPtrW(window, DWLP_USER));
+    auto* const dialog = reinterpret_cast<Dialog*>(::GetWindowLongPtrW(window, DWLP_USER));
     if (!dialog) return FALSE;
+    if (message == WM_NCDESTROY) {
+        ::SetWindowLongPtrW(window, DWLP_USER, 0);
+        dialog->window_ = nullptr;
+        return FALSE;
+    }
     return atBoundary<INT_PTR>(FALSE, [&]() -> INT_PTR {
         switch (message) {
-            case WM_COMMAND: return dialog->command(LOWORD(wParam), HIWORD(wParam));
+            case WM_COMMAND: {
+                // The outermost dialog is told of a default button that stands on a page.
+                const HWND parent = ::GetParent(reinterpret_cast<HWND>(lParam));
+                if (parent && parent != window && ::IsChild(window, parent))
+                    return ::SendMessageW(parent, message, wParam, lParam);
+                return dialog->command(LOWORD(wParam), HIWORD(wParam));
+            }
             case WM_DRAWITEM: return dialog->drawItem(*reinterpret_cast<DRAWITEMSTRUCT*>(lParam));
             default: return dialog->message(message, wParam, lParam);
         }
     });
+}
+
+void Dialog::leaveFocusedField() noexcept {
+    const HWND focus = ::GetFocus();
+    if (!window_ || !::IsChild(window_, focus)) return;
+    ::SendMessageW(::GetParent(focus), WM_COMMAND,
+                   MAKEWPARAM(::GetDlgCtrlID(focus), EN_KILLFOCUS),
+                   reinterpret_cast<LPARAM>(focus));
+}
+
+INT_PTR ModalDialog::run(HWND owner, const wchar_t* templateName) {
+    return ::DialogBoxParamW(module(), templateName, owner, procedure,
+                             reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
+}
+
+INT_PTR ModalDialog::started(bool complete) noexcept {
+    if (!complete) ::EndDialog(window(), -1);
+    return TRUE;
+}
+
+void ModalDialog::end(INT_PTR result) {
+    closing();
+    ::EndDialog(window(), result);
+}
+
+bool ChildDialog::create(HWND parent, const wchar_t* templateName) {
+    destroy();
+    ::CreateDialogParamW(module(), templateName, parent, procedure,
+                         reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
+    if (window() && !complete_) destroy();
+    return window() != nullptr;
+}
+
+INT_PTR ChildDialog::started(bool complete) noexcept {
+    complete_ = complete;
+    return FALSE;  // the focus stays where the parent puts it
+}
+
+void ChildDialog::place(const RECT& area, HWND before) noexcept {
+    ::SetWindowPos(window(), before, area.left, area.top, area.right - area.left,
+                   area.bottom - area.top, SWP_NOACTIVATE);
+}
+
+void ChildDialog::show(bool on) noexcept { ::ShowWindow(window(), on ? SW_SHOWNA : SW_HIDE); }
+
+void ChildDialog::destroy() noexcept {
+    const HWND going = std::exchange(window_, nullptr);
+    if (!going) return;
+    // What the controls still tell on their way out no longer finds the page.
+    ::SetWindowLongPtrW(going, DWLP_USER, 0);
+    ::DestroyWindow(going);
+}
+
+void registerTabsAndSpins() noexcept {
+    const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TAB_CLASSES | ICC_UPDOWN_CLASS};
+    ::InitCommonControlsEx(&classes);
 }
 
 void RememberedPlace::remember(HWND window) noexcept {

@@ -8,6 +8,8 @@
 #define NOMINMAX
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -130,27 +132,67 @@ void attachGraph(HWND dialog, int control, GraphEvents& events);
 // its longer side cut to the shorter. Its strips and the label below follow.
 void makeGraphSquare(HWND dialog);
 
-// A modal dialog: an object that handles its window's messages from WM_INITDIALOG on.
-class ModalDialog {
+// A dialog: an object that handles its window's messages from WM_INITDIALOG on.
+class Dialog {
+public:
+    virtual ~Dialog() = default;
+    Dialog(const Dialog&) = delete;
+    Dialog& operator=(const Dialog&) = delete;
+    HWND window() const noexcept { return window_; }  // null before it is made and after it is gone
+    HWND item(int control) const noexcept { return ::GetDlgItem(window_, control); }
+
+protected:
+    Dialog() = default;
+    virtual void opened() = 0;
+    virtual bool command(int control, int notification) = 0;
+    virtual bool drawItem(const DRAWITEMSTRUCT&) { return false; }
+    virtual INT_PTR message(UINT, WPARAM, LPARAM) { return FALSE; }
+    // A default button or an access key presses a button while a field still has the focus, here
+    // or on a page: the field is told that it is left.
+    void leaveFocusedField() noexcept;
+
+private:
+    friend class ModalDialog;
+    friend class ChildDialog;
+    virtual INT_PTR started(bool complete) noexcept = 0;  // answers WM_INITDIALOG
+    static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    HWND window_ = nullptr;
+};
+
+class ModalDialog : public Dialog {
 public:
     // -1 when the template cannot be opened.
     INT_PTR run(HWND owner, const wchar_t* templateName);
 
 protected:
-    virtual ~ModalDialog() = default;
-    virtual void opened() = 0;
-    virtual bool command(int control, int notification) = 0;
-    virtual bool drawItem(const DRAWITEMSTRUCT&) { return false; }
-    virtual INT_PTR message(UINT, WPARAM, LPARAM) { return FALSE; }
     virtual void closing() {}
     void end(INT_PTR result);
-    HWND window() const noexcept { return window_; }
-    HWND item(int control) const noexcept { return ::GetDlgItem(window_, control); }
 
 private:
-    static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    HWND window_ = nullptr;
+    INT_PTR started(bool complete) noexcept override;
 };
+
+// A page within another dialog: a modeless child, made from a template with DS_CONTROL and
+// WS_EX_CONTROLPARENT, so that tabs, arrows and access keys reach its controls while it is shown.
+// Page and parent may go in any order. A page's own class ends its destructor with destroy() when
+// its controls hold on to members of it, such as a graph to its events.
+class ChildDialog : public Dialog {
+public:
+    ~ChildDialog() override { destroy(); }
+    // Hidden at first. False when the template cannot be opened or the page could not fill itself.
+    [[nodiscard]] bool create(HWND parent, const wchar_t* templateName);
+    // In the parent's client area; its controls follow those of the sibling before it.
+    void place(const RECT& area, HWND before) noexcept;
+    void show(bool on) noexcept;
+    void destroy() noexcept;
+
+private:
+    INT_PTR started(bool complete) noexcept override;
+    bool complete_ = false;
+};
+
+// The classes of tabs and spin buttons; before a dialog that has some is opened.
+void registerTabsAndSpins() noexcept;
 
 // Where a kind of dialog was closed last; it opens there again while the library is loaded.
 struct RememberedPlace {

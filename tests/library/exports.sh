@@ -22,7 +22,8 @@ grep -hE '^[A-Za-z]' "${lists[@]}" | sort > "$scratch/list"
 
 # Every function that the headers declare, with KOLINK_API or without: what the preprocessor
 # leaves of our own files, records and attributes taken out, up to each parameter list.
-printf '#include "kolink.h"\n#include "kolink/tone_dialog.h"\n' | "$compiler" -E -I "$top/include" - |
+{ echo '#include "kolink.h"'; cd "$top/include" && printf '#include "%s"\n' kolink/*_dialog.h; } |
+    "$compiler" -E -I "$top/include" - |
     awk '/^# [0-9]+ "/ { ours = $3 ~ /kolink[^"]*\.h"/; next } ours' |
     tr '\n' ' ' | sed -E 's/__attribute__ ?\(\([^;{}]*\)\)\)//g; s/\{[^{}]*\}//g' | tr ';' '\n' |
     grep -v typedef | sed -nE 's/.*[^A-Za-z0-9_]([A-Za-z_][A-Za-z0-9_]*) *\([^()]*\) *$/\1/p' |

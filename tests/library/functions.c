@@ -3,6 +3,7 @@
 #include <stdio.h>
 
 #include "kolink.h"
+#include "kolink/profile_dialog.h"
 #include "kolink/tone_dialog.h"
 
 typedef void (*Function)(void);

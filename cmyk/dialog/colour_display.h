@@ -1,0 +1,14 @@
+// How output colours look on the screen. The conversions stand above this folder: whoever opens
+// the dialog hands one in.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace ko::cmyk {
+
+// Packed CMYK words (C in the highest byte) into packed RGB words (R in the lowest), one each; rgb
+// is as long as cmyk.
+using ColourDisplay = void (*)(std::span<const uint32_t> cmyk, std::span<uint32_t> rgb);
+
+}  // namespace ko::cmyk

@@ -1,0 +1,45 @@
+// The model behind the CMYK profile dialog's frame: name, comment and file of one profile. What
+// its pages edit, they edit in the record themselves. It has no window.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "cmyk/cmyk.h"
+#include "frame/dialog/host.h"
+#include "frame/text.h"
+
+namespace ko::cmyk {
+
+class ProfileEditor {
+public:
+    // Edits the profile in place. Its path is where it was loaded from; an empty one, or a folder
+    // that ends in a separator, means a new profile for that folder.
+    explicit ProfileEditor(CmykProfile& profile);
+
+    std::string_view path() const noexcept { return textIn(profile_.path); }  // for the caption
+    std::string_view name() const noexcept { return textIn(profile_.name); }
+    // Every line ends with CR LF, however the record's own do.
+    std::string comment() const;
+
+    // Fields that lost the focus, in Shift-JIS; cut at a whole character. A comment that is still
+    // the one shown keeps its own line ends.
+    void leaveName(std::string_view name);
+    void leaveComment(std::string_view comment);
+
+    // True when the person agreed: the pages have to show the new profile.
+    bool startNew(dialog::EditorHost& host);
+    // Without a file it asks for one like saveAs, beginning in the root folder.
+    void save(dialog::EditorHost& host);
+    void saveAs(dialog::EditorHost& host);
+
+private:
+    void askAndSave(dialog::EditorHost& host, const std::string& start);
+    void saveTo(std::string path);
+
+    CmykProfile& profile_;
+    std::string workingFolder_;
+    bool hasFile_ = false;
+};
+
+}  // namespace ko::cmyk

@@ -1,0 +1,28 @@
+/* The CMYK profile editor. Windows only. */
+#ifndef KOLINK_PROFILE_DIALOG_H
+#define KOLINK_PROFILE_DIALOG_H
+
+#include "kolink/api.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+KOLINK_BEGIN
+
+/* A modal editor of a CMYK profile, in Japanese: its name, its comment, its eight tone curves and
+ * its colours. One may be open at a time, on the calling thread. Colours are shown through the
+ * current CMYK link of jColorSetupProfile or, without one, the built-in table.
+ *   owner  the window that waits for the dialog; may be null
+ *   path   char[260], in the system's code page: what jKoCmykLoadProfile reads; empty, or a
+ *          folder that ends in a backslash, for a new profile. Takes the path last saved under,
+ *          also after Cancel; empty when a new profile was not saved.
+ * OK saves first; a profile without a file asks for one, and a person who cancels that closes the
+ * editor all the same. Files that are not named .icc get ".icc" appended to their name.
+ * Returns 1 for OK and 0 for Cancel. A file that cannot be read is told to the user; the result
+ * is then 0 and path stays as it was. */
+KOLINK_API int32_t jKoCmykProfileDlg(HWND owner, char *path);
+
+KOLINK_END
+
+#endif
+#endif
