@@ -11,6 +11,7 @@
 #include "frame/block.h"
 #include "kolink/cmyk_profile.h"
 #include "kolink/cmyk_table.h"
+#include "kolink/link_settings.h"
 #include "kolink/tone_curve.h"
 
 namespace ko::cmyk {
@@ -50,6 +51,11 @@ int32_t loadProfile(CmykProfile& profile, const char* path);
 int32_t loadLutable(CmykProfile& profile, const char* path) noexcept;
 int32_t loadLutableAmatch(CmykProfile& profile, const char* path) noexcept;
 int32_t saveProfile(CmykProfile& profile, const char* path);
+
+// The whole chain of a settings record baked into a new grid, as the exported functions of these
+// names; null when something does not load.
+[[nodiscard]] Block<CmykProfile> combineProfile(const CmsLinkSettings& settings);
+[[nodiscard]] Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings);
 
 // Pixels of 4 bytes through the profile's grid alone, 4 words each; bit for bit like one by one.
 void cmykToCmyk16Row(const CmykProfile& profile, const uint8_t* input, int32_t pixels,

@@ -1,5 +1,5 @@
 // What a combination loads, in which order, and what it gives back.
-#include "cmyk/combine.h"
+#include "cmyk/cmyk.h"
 
 #include <optional>
 #include <string>

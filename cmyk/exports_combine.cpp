@@ -1,7 +1,7 @@
 // The exported functions of CMYK conversion and combination.
 #include <algorithm>
 
-#include "cmyk/combine.h"
+#include "cmyk/cmyk.h"
 #include "cmyk/convert.h"
 #include "frame/boundary.h"
 

@@ -161,15 +161,35 @@ bool jFilesGetFileTime(const char* path, platform::DateTime& time) noexcept {
     return path && platform::fileTime(path, time);
 }
 
+namespace {
+std::string_view withoutBlanks(std::string_view text) noexcept {
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+}  // namespace
+
 void jStrCorrect(std::span<char> text, Encoding encoding) noexcept {
     if (text.empty()) return;
     std::string_view kept = textIn(text);
     if (kept.size() == text.size()) kept.remove_suffix(1);  // room for the terminator
     kept = kept.substr(0, endOfWholeCharacters(kept, encoding));
-    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-    while (!kept.empty() && isBlank(kept.front())) kept.remove_prefix(1);
-    while (!kept.empty() && isBlank(kept.back())) kept.remove_suffix(1);
-    copyPart(text, kept);
+    copyPart(text, withoutBlanks(kept));
+}
+
+void copyTypedPath(std::span<char> field, std::string_view typed) noexcept {
+    if (field.empty()) return;
+    typed = withoutBlanks(typed.substr(0, typed.find('\0')));
+    if (typed.size() >= 2 && typed.front() == '"' && typed.back() == '"')
+        typed = withoutBlanks(typed.substr(1, typed.size() - 2));
+    size_t end = 0;
+    while (end < typed.size()) {
+        const size_t length = platform::characterLength(typed.substr(end));
+        if (end + length >= field.size()) break;
+        end += length;
+    }
+    copyPart(field, withoutBlanks(typed.substr(0, end)));
 }
 
 int jStrCmpNI(const char* a, const char* b, size_t n) noexcept {

@@ -55,6 +55,9 @@ void jFilesSplitPath(std::string_view path, std::span<char> folder, std::span<ch
 // Corrects what was typed into a dialog's field: blanks at both ends go, and half a character that
 // the field's size left at its end.
 void jStrCorrect(std::span<char> text, Encoding encoding = Encoding::shiftJis) noexcept;
+// The same for a path of any length, whose characters are those of the system's code page, into
+// its field. Quotation marks around one that was copied from elsewhere go as well.
+void copyTypedPath(std::span<char> field, std::string_view typed) noexcept;
 
 // Compares at most n characters without regard to ASCII case; 0 when equal.
 int jStrCmpNI(const char* a, const char* b, size_t n) noexcept;

@@ -23,4 +23,15 @@ const char kProfileMissing[] = "ﾌﾟﾛﾌｧｲﾙが見つかりません。
 const char kTonePage[] = "ﾄｰﾝｶｰﾌﾞ";
 const char kCorrectionPage[] = "ｶﾗｰｺﾚｸｼｮﾝ";
 
+#define ICC_FILTER "ICCﾌﾟﾛﾌｧｲﾙ (*.icc, *.icm)|*.icc;*.icm|"
+const char kLinkCaption[] = "ﾃﾞﾊﾞｲｽﾘﾝｸ";
+const char kLinkBaseFilter[] = ICC_FILTER "LUTﾌｧｲﾙ (*.LUT)|*.lut|";
+const char kLinkTargetFilter[] = ICC_FILTER "NQPﾌｧｲﾙ (*.nqp)|*.nqp|";
+const char kLinkPrinterFilter[] = ICC_FILTER "DCCﾌｧｲﾙ (*.dcc)|*.dcc|";
+const char kLinkBlackFilter[] = "LUTﾌｧｲﾙ (*.bkc)|*.bkc|";
+const char kLinkOutputFilter[] = ICC_FILTER;
+const char kLinkNotMade[] = "ﾌﾟﾛﾌｧｲﾙ作成に失敗しました。\nﾊﾟﾗﾒｰﾀを確かめてください。";
+const char kLinkNotWritten[] = "ﾌﾟﾛﾌｧｲﾙ書き込みに失敗しました。\n作成ﾌﾟﾛﾌｧｲﾙﾊﾟｽを確かめてください。";
+const char kLinkMade[] = "ﾌﾟﾛﾌｧｲﾙを作成しました。";
+
 }  // namespace ko::texts

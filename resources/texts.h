@@ -30,6 +30,17 @@ extern const char kProfileMissing[];
 extern const char kTonePage[];        // the names of its pages
 extern const char kCorrectionPage[];
 
+// The device-link dialog.
+extern const char kLinkCaption[];
+extern const char kLinkBaseFilter[];
+extern const char kLinkTargetFilter[];
+extern const char kLinkPrinterFilter[];
+extern const char kLinkBlackFilter[];
+extern const char kLinkOutputFilter[];
+extern const char kLinkNotMade[];
+extern const char kLinkNotWritten[];
+extern const char kLinkMade[];
+
 // A language table by the name of its resource, such as "TEXT_ENGLISH"; empty when there is none.
 // Windows modules carry them as resources instead.
 std::span<const char> table(std::string_view name) noexcept;

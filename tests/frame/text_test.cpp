@@ -120,6 +120,22 @@ TEST(Text, CorrectionKeepsAChineseCharacterAtTheEnd) {
     EXPECT_EQ(textIn(field), "\xb5\xe3");
 }
 
+TEST(Path, ATypedOneLosesBlanksAndQuotationMarks) {
+    char field[12];
+    copyTypedPath(field, " \" a b.icc\" ");
+    EXPECT_STREQ(field, "a b.icc");
+    copyTypedPath(field, "12345678901 ");
+    EXPECT_STREQ(field, "12345678901");
+    copyTypedPath(field, "1234567890 2");
+    EXPECT_STREQ(field, "1234567890");
+}
+
+TEST(Path, ATypedOneKeepsALastByteThatBeginsACharacterElsewhere) {
+    char field[12];
+    copyTypedPath(field, "caf\xe9");  // half a character of Shift-JIS, a whole one of Latin 1
+    EXPECT_STREQ(field, "caf\xe9");
+}
+
 TEST(Path, IsSplitAtItsLastSeparator) {
     const std::string path = native("/app/bin/a.icc");
     EXPECT_EQ(folderOf(path), native("/app/bin"));

@@ -1,0 +1,135 @@
+#include "front/dialog/device_link.h"
+
+#include <algorithm>
+
+#include "cmyk/cmyk.h"
+#include "frame/colour_words.h"
+#include "frame/display.h"
+#include "frame/scan.h"
+#include "frame/text.h"
+#include "icc/icc.h"
+#include "resources/texts.h"
+
+namespace ko::front {
+namespace {
+
+using PathField = char (&)[KOLINK_PATH_SIZE];
+
+PathField fieldOf(CmsLinkSettings& settings, LinkPath which) noexcept {
+    switch (which) {
+        case LinkPath::base: return settings.basePath;
+        case LinkPath::source: return settings.sourcePath;
+        case LinkPath::destination: return settings.destinationPath;
+        case LinkPath::black: return settings.blackPath;
+        case LinkPath::output: break;
+    }
+    return settings.outputPath;
+}
+
+const char* filterOf(LinkPath which) noexcept {
+    switch (which) {
+        case LinkPath::base: return texts::kLinkBaseFilter;
+        case LinkPath::source: return texts::kLinkTargetFilter;
+        case LinkPath::destination: return texts::kLinkPrinterFilter;
+        case LinkPath::black: return texts::kLinkBlackFilter;
+        case LinkPath::output: break;
+    }
+    return texts::kLinkOutputFilter;
+}
+
+// A save counts as done also when the file could not be created, so the person is told of success
+// only when the file holds what was made.
+bool holds(const std::string& path, const CmykProfile& profile) {
+    const icc::ProfilePtr link = icc::loadHeader(path.c_str());
+    const auto* const lut =
+        link ? static_cast<const IccLut*>(icc::loadTag(*link, fourcc("A2B0"))) : nullptr;
+    if (!lut || lut->inputChannels != 4 || lut->outputChannels != 4 || lut->precision != 1 ||
+        lut->gridPoints != cmyk::kGridPoints)
+        return false;
+    const auto* node = static_cast<const uint8_t*>(lut->clut);
+    return std::all_of(std::begin(profile.grid), std::end(profile.grid), [&](uint32_t word) {
+        const bool same = cmyk::packCmyk(node[0], node[1], node[2], node[3]) == word;
+        node += 4;
+        return same;
+    });
+}
+
+}  // namespace
+
+DeviceLinkModel::DeviceLinkModel(const CmsLinkSettings& settings)
+    : settings_(settings), amountText_(std::to_string(value255to100(settings.limit))) {}
+
+std::string_view DeviceLinkModel::path(LinkPath which) const noexcept {
+    return textIn(fieldOf(const_cast<CmsLinkSettings&>(settings_), which));
+}
+
+std::optional<dialog::Colour> DeviceLinkModel::swatch() const noexcept {
+    if (!hasPaperColour()) return std::nullopt;
+    // A record can hold any number: summed wider, then limited.
+    const int64_t light = int64_t{255} - settings_.paperK;
+    const auto channel = [&](int32_t ink) {
+        return static_cast<int32_t>(std::clamp<int64_t>(light - ink, 0, 255));
+    };
+    const int32_t r = channel(settings_.paperC), g = channel(settings_.paperM),
+                  b = channel(settings_.paperY);
+    return jRGBcorrect(&r, &g, &b);
+}
+
+std::optional<LinkPath> DeviceLinkModel::firstRefused() const noexcept {
+    const auto* const found = std::find_if(std::begin(kLinkPaths), std::end(kLinkPaths),
+                                           [&](LinkPath which) { return isRefused(which); });
+    if (found == std::end(kLinkPaths)) return std::nullopt;
+    return *found;
+}
+
+void DeviceLinkModel::leavePath(LinkPath which, std::optional<std::string_view> typed) {
+    refused_[static_cast<size_t>(which)] = !typed;
+    if (typed) copyTypedPath(fieldOf(settings_, which), *typed);
+}
+
+void DeviceLinkModel::leaveAmount(std::string_view percent) {
+    const int32_t amount = clampTo(integerIn(percent.substr(0, 3)), 0, 400);
+    settings_.limit = amount * 255 / 100;
+    amountText_ = std::to_string(amount);
+}
+
+bool DeviceLinkModel::browse(LinkPath which, DeviceLinkHost& host) {
+    const auto choice = which == LinkPath::output ? DeviceLinkHost::Choice::fileToSave
+                                                  : DeviceLinkHost::Choice::fileToOpen;
+    const auto chosen = host.choosePath(choice, std::string(path(which)), filterOf(which));
+    if (chosen) leavePath(which, *chosen);
+    return chosen.has_value();
+}
+
+bool DeviceLinkModel::pickPaperColour(DeviceLinkHost& host) {
+    if (!hasPaperColour()) return false;
+    const uint32_t given = jCMYKcorrect(&settings_.paperC, &settings_.paperM, &settings_.paperY,
+                                        &settings_.paperK);
+    const uint32_t picked = host.pickColour(given);
+    if (picked == given) return false;
+    settings_.paperC = static_cast<int32_t>(picked >> 24);
+    settings_.paperM = static_cast<int32_t>(picked >> 16 & 255);
+    settings_.paperY = static_cast<int32_t>(picked >> 8 & 255);
+    settings_.paperK = static_cast<int32_t>(picked & 255);
+    return true;
+}
+
+bool DeviceLinkModel::create(DeviceLinkHost& host) {
+    const auto refused = firstRefused();
+    const auto fail = [&](const char* text) {
+        host.tell(text, DeviceLinkHost::Icon::exclamation);
+        return false;
+    };
+    if (refused && *refused != LinkPath::output) return fail(texts::kLinkNotMade);
+    {
+        const auto profile = cmyk::combineProfile(settings_);
+        if (!profile) return fail(texts::kLinkNotMade);
+        const std::string output(path(LinkPath::output));
+        if (refused || cmyk::saveProfile(*profile, output.c_str()) != 1 || !holds(output, *profile))
+            return fail(texts::kLinkNotWritten);
+    }
+    host.tell(texts::kLinkMade, DeviceLinkHost::Icon::information);
+    return true;
+}
+
+}  // namespace ko::front

@@ -1,0 +1,73 @@
+// The model behind the device-link dialog: a copy of the link settings, what a person does to it,
+// and the making of the link. It has no window.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "frame/dialog/graph_picture.h"
+#include "kolink/link_settings.h"
+
+namespace ko::front {
+
+// What the model asks of the person in front of it. Texts are Shift-JIS, paths are in the system's
+// code page.
+class DeviceLinkHost {
+public:
+    enum class Choice { fileToOpen, fileToSave };
+    enum class Icon { exclamation, information };
+    // A file chosen from initial on, or nothing. filter: "description|pattern|" pairs.
+    virtual std::optional<std::string> choosePath(Choice choice, std::string_view initial,
+                                                  std::string_view filter) = 0;
+    virtual uint32_t pickColour(uint32_t cmyk) = 0;  // packed; the given one after Cancel
+    virtual void tell(std::string_view text, Icon icon) = 0;
+
+protected:
+    ~DeviceLinkHost() = default;
+};
+
+enum class LinkPath { base, source, destination, black, output };
+constexpr LinkPath kLinkPaths[] = {LinkPath::base, LinkPath::source, LinkPath::destination,
+                                   LinkPath::black, LinkPath::output};
+
+class DeviceLinkModel {
+public:
+    explicit DeviceLinkModel(const CmsLinkSettings& settings);
+
+    const CmsLinkSettings& settings() const noexcept { return settings_; }
+    std::string_view path(LinkPath which) const noexcept;
+    // Numbers outside of what the dialog offers stay as they are until one of these is chosen.
+    bool intentIs(int32_t intent) const noexcept { return settings_.intent == intent; }
+    bool preservationIs(int32_t mode) const noexcept { return settings_.preservation == mode; }
+    bool whiteModeIs(int32_t mode) const noexcept { return settings_.whiteMode == mode; }
+    bool hasPaperColour() const noexcept { return whiteModeIs(2); }  // swatch and amount count
+    const std::string& amountText() const noexcept { return amountText_; }
+    std::optional<dialog::Colour> swatch() const noexcept;  // nothing: no colour is given
+
+    // A field that the system's code page cannot name: its setting is the one from before, and
+    // nothing is made until the field is put right.
+    bool isRefused(LinkPath which) const noexcept { return refused_[static_cast<size_t>(which)]; }
+    std::optional<LinkPath> firstRefused() const noexcept;
+
+    // What was typed, nothing when the system's code page has no name for it.
+    void leavePath(LinkPath which, std::optional<std::string_view> typed);
+    void leaveAmount(std::string_view percent);
+    bool browse(LinkPath which, DeviceLinkHost& host);
+    void chooseIntent(int32_t intent) noexcept { settings_.intent = intent; }
+    void choosePreservation(int32_t mode) noexcept { settings_.preservation = mode; }
+    void chooseWhiteMode(int32_t mode) noexcept { settings_.whiteMode = mode; }
+    bool pickPaperColour(DeviceLinkHost& host);
+
+    // Makes the link and writes it; says how that went. True: the link is in its file.
+    bool create(DeviceLinkHost& host);
+
+private:
+    CmsLinkSettings settings_;
+    std::string amountText_;
+    std::array<bool, 5> refused_{};
+};
+
+}  // namespace ko::front
