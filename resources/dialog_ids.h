@@ -47,4 +47,27 @@
 #define IDC_CURVES_INPUT 1047
 #define IDC_CURVES_OUTPUT 1048
 
+/* Colour pick. */
+#define IDC_PICK_FIELD 1094
+#define IDC_PICK_LIGHTNESS 1155
+#define IDC_PICK_LIGHTNESS_MARK 1109 /* the strip that shows the position beside it */
+#define IDC_PICK_BLACK 1115
+#define IDC_PICK_BLACK_MARK 1117
+#define IDC_PICK_BLACK_LABEL 1128
+#define IDC_PICK_SWATCH 1093
+#define IDC_PICK_C 1037
+#define IDC_PICK_M 1036
+#define IDC_PICK_Y 1038
+#define IDC_PICK_K 1039
+#define IDC_PICK_SPIN_C 1101
+#define IDC_PICK_SPIN_M 1102
+#define IDC_PICK_SPIN_Y 1103
+#define IDC_PICK_SPIN_K 1104
+#define IDC_PICK_UNIT_C 1058
+#define IDC_PICK_UNIT_M 1059
+#define IDC_PICK_UNIT_Y 1060
+#define IDC_PICK_UNIT_K 1061
+#define IDC_PICK_SCALE 1157 /* what the fields count in */
+#define IDC_PICK_256 1041
+
 #endif

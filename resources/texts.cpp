@@ -34,4 +34,7 @@ const char kLinkNotMade[] = "ﾌﾟﾛﾌｧｲﾙ作成に失敗しました。
 const char kLinkNotWritten[] = "ﾌﾟﾛﾌｧｲﾙ書き込みに失敗しました。\n作成ﾌﾟﾛﾌｧｲﾙﾊﾟｽを確かめてください。";
 const char kLinkMade[] = "ﾌﾟﾛﾌｧｲﾙを作成しました。";
 
+const char kDotPercent[] = "網点 %";
+const char kPixelValue[] = "ﾋﾟｸｾﾙ値";
+
 }  // namespace ko::texts

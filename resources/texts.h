@@ -41,6 +41,10 @@ extern const char kLinkNotMade[];
 extern const char kLinkNotWritten[];
 extern const char kLinkMade[];
 
+// The colour pick dialog: what its fields count in.
+extern const char kDotPercent[];
+extern const char kPixelValue[];
+
 // A language table by the name of its resource, such as "TEXT_ENGLISH"; empty when there is none.
 // Windows modules carry them as resources instead.
 std::span<const char> table(std::string_view name) noexcept;

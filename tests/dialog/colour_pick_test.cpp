@@ -1,0 +1,366 @@
+// The colour pick dialog, driven in its real window.
+#include "kolink/colour_pick_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+// Needs the one above.
+#include <commctrl.h>
+
+#include "tests/dialog/layout.h"
+#include "tests/dialog/lifetime.h"
+
+using namespace ko::test;
+
+namespace {
+
+constexpr int kEdits[] = {IDC_PICK_C, IDC_PICK_M, IDC_PICK_Y, IDC_PICK_K};
+constexpr int kSpins[] = {IDC_PICK_SPIN_C, IDC_PICK_SPIN_M, IDC_PICK_SPIN_Y, IDC_PICK_SPIN_K};
+constexpr int kUnits[] = {IDC_PICK_UNIT_C, IDC_PICK_UNIT_M, IDC_PICK_UNIT_Y, IDC_PICK_UNIT_K};
+
+uint32_t pick(uint32_t cmyk, const std::function<void(const DialogWindow&)>& drive,
+              HWND owner = nullptr) {
+    uint32_t result = 0;
+    openDialog([&] { result = jColorPickDlg(owner, cmyk); }, drive);
+    return result;
+}
+
+SIZE sizeOf(const DialogWindow& dialog, int control) {
+    RECT area;
+    ::GetClientRect(dialog.item(control), &area);
+    return {area.right, area.bottom};
+}
+
+void clickAt(const DialogWindow& dialog, int control, POINT at) {
+    dialog.mouse(WM_LBUTTONDOWN, at, control);
+    dialog.drop(at, control);
+}
+
+int packed(int c, int m, int y, int k) {
+    return static_cast<int>(static_cast<uint32_t>(c) << 24 | static_cast<uint32_t>(m) << 16 |
+                            static_cast<uint32_t>(y) << 8 | static_cast<uint32_t>(k));
+}
+
+std::wstring textsOf(const DialogWindow& dialog) {
+    std::wstring texts;
+    for (const int edit : kEdits) texts += dialog.text(edit) + L' ';
+    return texts;
+}
+
+TEST(ColourPickDialog, OpensWithTheColourGivenInPercent) {
+    pick(0x0080ff33, [](const DialogWindow& dialog) {
+        EXPECT_EQ(dialog.caption(), L"ｶﾗｰ選択");
+        EXPECT_EQ(textsOf(dialog), L"0 50 100 20 ");
+        EXPECT_EQ(dialog.text(IDC_PICK_SCALE), L"網点 %");
+        for (const int unit : kUnits) EXPECT_EQ(dialog.text(unit), L"%");
+        EXPECT_FALSE(dialog.isChecked(IDC_PICK_256));
+    });
+}
+
+TEST(ColourPickDialog, CancelReturnsTheColourGiven) {
+    const uint32_t result = pick(0x12345678, [](const DialogWindow& dialog) {
+        dialog.enter(IDC_PICK_C, L"100", IDC_PICK_M);
+        clickAt(dialog, IDC_PICK_FIELD, {20, 20});
+        dialog.click(IDCANCEL);
+    });
+    EXPECT_EQ(result, 0x12345678u);
+}
+
+TEST(ColourPickDialog, OkReturnsTheColourUntouchedToTheLevel) {
+    const uint32_t result = pick(0x7f01fe33, [](const DialogWindow& dialog) {
+        for (const int edit : kEdits) dialog.focus(edit);  // 127 is shown as 50 %
+        dialog.focus(IDOK);
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(result, 0x7f01fe33u);
+}
+
+TEST(ColourPickDialog, ATypedHundredPercentIsFullInk) {
+    const uint32_t result = pick(0, [](const DialogWindow& dialog) {
+        dialog.enter(IDC_PICK_M, L"100", IDC_PICK_Y);
+        dialog.enter(IDC_PICK_K, L"50", IDC_PICK_Y);
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(result, 0x00ff0080u);
+}
+
+TEST(ColourPickDialog, ATypedThreeHundredOf256LevelsIsFullInk) {
+    const uint32_t result = pick(0, [](const DialogWindow& dialog) {
+        dialog.click(IDC_PICK_256);
+        dialog.enter(IDC_PICK_M, L"300", IDC_PICK_Y);
+        EXPECT_EQ(dialog.text(IDC_PICK_M), L"255");
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(result, 0x00ff0000u);
+}
+
+TEST(ColourPickDialog, ReturnTakesTheFieldThatIsBeingTyped) {
+    const uint32_t result = pick(0, [](const DialogWindow& dialog) {
+        dialog.type(IDC_PICK_Y, L"40");
+        ::PostMessageW(dialog.item(IDC_PICK_Y), WM_KEYDOWN, VK_RETURN, 0);
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    EXPECT_EQ(result, 0x00006600u);
+}
+
+TEST(ColourPickDialog, TheBoxChangesUnitsFieldsAndSpinRanges) {
+    pick(0x80ff0033, [](const DialogWindow& dialog) {
+        for (const int limit : {255, 100, 255}) {
+            dialog.click(IDC_PICK_256);
+            EXPECT_EQ(textsOf(dialog), limit == 255 ? L"128 255 0 51 " : L"50 100 0 20 ");
+            EXPECT_EQ(dialog.text(IDC_PICK_SCALE), limit == 255 ? L"ﾋﾟｸｾﾙ値" : L"網点 %");
+            for (const int unit : kUnits) EXPECT_EQ(dialog.text(unit), limit == 255 ? L"" : L"%");
+            for (const int spin : kSpins)
+                EXPECT_EQ(::SendMessageW(dialog.item(spin), UDM_GETRANGE, 0, 0), MAKELRESULT(limit, 0));
+        }
+    });
+}
+
+TEST(ColourPickDialog, TheSpinControlsStepOneUnit) {
+    const uint32_t result = pick(0, [](const DialogWindow& dialog) {
+        for (const int spin : kSpins) {
+            const SIZE size = sizeOf(dialog, spin);
+            EXPECT_GT(size.cy, 10);
+            clickAt(dialog, spin, {size.cx / 2, size.cy / 4});
+            clickAt(dialog, spin, {size.cx / 2, size.cy / 4});
+            clickAt(dialog, spin, {size.cx / 2, size.cy * 3 / 4});
+        }
+        EXPECT_EQ(textsOf(dialog), L"1 1 1 1 ");
+        clickAt(dialog, IDC_PICK_SPIN_K, {5, sizeOf(dialog, IDC_PICK_SPIN_K).cy * 3 / 4});
+        clickAt(dialog, IDC_PICK_SPIN_K, {5, sizeOf(dialog, IDC_PICK_SPIN_K).cy * 3 / 4});
+        EXPECT_EQ(dialog.text(IDC_PICK_K), L"0");  // and not below
+        dialog.key(IDC_PICK_C, VK_UP);             // arrow keys of a field do the same
+        EXPECT_EQ(dialog.text(IDC_PICK_C), L"2");
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(result, 0x05030300u);
+}
+
+TEST(ColourPickDialog, ASpinStepGoesOnFromWhatIsTyped) {
+    pick(0, [](const DialogWindow& dialog) {
+        dialog.type(IDC_PICK_M, L"70");
+        const SIZE size = sizeOf(dialog, IDC_PICK_SPIN_M);
+        clickAt(dialog, IDC_PICK_SPIN_M, {size.cx / 2, size.cy / 4});
+        EXPECT_EQ(dialog.text(IDC_PICK_M), L"71");
+    });
+}
+
+TEST(ColourPickDialog, AClickInTheFieldPicksItsHueAndSaturation) {
+    SIZE size{};
+    POINT at{};
+    const uint32_t result = pick(0, [&](const DialogWindow& dialog) {
+        size = sizeOf(dialog, IDC_PICK_FIELD);
+        at = {size.cx / 2, size.cy / 4};
+        clickAt(dialog, IDC_PICK_FIELD, at);
+        dialog.click(IDOK);
+    });
+    const int column = at.x * 120 / size.cx, up = size.cy - at.y;
+    ASSERT_TRUE(column == 59 || column == 60) << column;
+    const int green = 255, blue = column == 60 ? 255 : 228, red = 0;
+    EXPECT_EQ(static_cast<int>(result),
+              packed(255 - ((red - 127) * up / size.cy + 127), 255 - ((green - 127) * up / size.cy + 127),
+                     255 - ((blue - 127) * up / size.cy + 127), 0));
+}
+
+TEST(ColourPickDialog, AClickInTheMiddleOfTheLightnessStripGivesTheBaseColour) {
+    for (const int control : {IDC_PICK_LIGHTNESS, IDC_PICK_LIGHTNESS_MARK}) {
+        const uint32_t result = pick(0x00000021, [&](const DialogWindow& dialog) {
+            clickAt(dialog, IDC_PICK_FIELD, {0, 0});  // the full red
+            const SIZE size = sizeOf(dialog, control);
+            EXPECT_EQ(size.cy, sizeOf(dialog, IDC_PICK_LIGHTNESS).cy);
+            clickAt(dialog, control, {2, size.cy / 4});
+            EXPECT_NE(dialog.text(IDC_PICK_M), L"100");
+            clickAt(dialog, control, {2, size.cy / 2});
+            EXPECT_EQ(textsOf(dialog), L"0 100 100 13 ");
+            dialog.click(IDOK);
+        });
+        EXPECT_EQ(result, 0x00ffff21u);
+    }
+}
+
+TEST(ColourPickDialog, AClickInTheBlackStripSetsBlack) {
+    for (const int control : {IDC_PICK_BLACK, IDC_PICK_BLACK_MARK}) {
+        LONG width = 0;
+        const uint32_t result = pick(0x11223344, [&](const DialogWindow& dialog) {
+            width = sizeOf(dialog, control).cx;
+            EXPECT_EQ(width, sizeOf(dialog, IDC_PICK_BLACK).cx);
+            clickAt(dialog, control, {100, 3});
+            dialog.click(IDOK);
+        });
+        EXPECT_EQ(result, 0x11223300u + static_cast<uint32_t>(100 * 255 / width));
+    }
+}
+
+TEST(ColourPickDialog, DraggingGoesOnBeyondTheEdges) {
+    const uint32_t result = pick(0, [](const DialogWindow& dialog) {
+        dialog.drag({10, 3}, {5000, -5000}, IDC_PICK_BLACK);
+        EXPECT_EQ(dialog.text(IDC_PICK_K), L"100");
+        dialog.drag({10, 3}, {-5000, 5000}, IDC_PICK_BLACK);
+        EXPECT_EQ(dialog.text(IDC_PICK_K), L"0");
+        dialog.drop({0, 0}, IDC_PICK_BLACK);
+        dialog.drag({20, 20}, {-30, -30}, IDC_PICK_FIELD);
+        dialog.drop({0, 0}, IDC_PICK_FIELD);
+        EXPECT_EQ(textsOf(dialog), L"0 100 100 0 ");
+        dialog.drag({5, 20}, {5, 5000}, IDC_PICK_LIGHTNESS);
+        dialog.drop({0, 0}, IDC_PICK_LIGHTNESS);
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(result, 0xffffff00u);
+}
+
+TEST(ColourPickDialog, TheCursorAloneChangesNothing) {
+    const uint32_t result = pick(0x11223344, [](const DialogWindow& dialog) {
+        for (const int control : {IDC_PICK_FIELD, IDC_PICK_LIGHTNESS, IDC_PICK_BLACK}) {
+            dialog.mouse(WM_MOUSEMOVE, {9, 9}, control);
+            dialog.mouse(WM_LBUTTONUP, {9, 9}, control);
+        }
+        clickAt(dialog, IDC_PICK_SWATCH, {9, 9});
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(result, 0x11223344u);
+}
+
+TEST(ColourPickDialog, TheKeyboardReachesFieldAndStrips) {
+    const uint32_t result = pick(0, [](const DialogWindow& dialog) {
+        for (const int control : {IDC_PICK_FIELD, IDC_PICK_LIGHTNESS, IDC_PICK_BLACK})
+            EXPECT_TRUE(::GetWindowLongW(dialog.item(control), GWL_STYLE) & WS_TABSTOP);
+        dialog.key(IDC_PICK_FIELD, VK_HOME);
+        for (int step = 0; step < 7; ++step) dialog.key(IDC_PICK_FIELD, VK_PRIOR);
+        EXPECT_EQ(textsOf(dialog), L"0 100 100 0 ");
+        dialog.key(IDC_PICK_FIELD, VK_RIGHT);  // column 1: hues 41, 1 and 81
+        dialog.key(IDC_PICK_BLACK, VK_RIGHT);
+        dialog.key(IDC_PICK_BLACK, VK_RIGHT);
+        dialog.key(IDC_PICK_BLACK, VK_LEFT);
+        EXPECT_EQ(dialog.text(IDC_PICK_K), L"1");
+        dialog.key(IDC_PICK_LIGHTNESS, VK_END);
+        EXPECT_EQ(dialog.text(IDC_PICK_C), L"100");
+        dialog.key(IDC_PICK_LIGHTNESS, VK_HOME);
+        EXPECT_EQ(textsOf(dialog), L"0 0 0 1 ");
+        dialog.click(IDOK);
+    });
+    EXPECT_EQ(result, 0x00000003u);
+}
+
+TEST(ColourPickDialog, LooksRightInBothUnits) {
+    pick(0x0a141e05, [](const DialogWindow& dialog) {
+        expectALook(dialog);
+        clickAt(dialog, IDC_PICK_FIELD, {sizeOf(dialog, IDC_PICK_FIELD).cx * 3 / 4,
+                                         sizeOf(dialog, IDC_PICK_FIELD).cy / 3});
+        clickAt(dialog, IDC_PICK_LIGHTNESS, {3, sizeOf(dialog, IDC_PICK_LIGHTNESS).cy / 3});
+        dialog.enter(IDC_PICK_K, L"5", IDC_PICK_FIELD);
+        keepPicture(pictureOf(dialog), "colour-pick");
+        dialog.click(IDC_PICK_256);
+        expectTextsFit(dialog);
+        expectNothingIsCovered(dialog);
+    });
+}
+
+TEST(ColourPickDialog, TheSwatchShowsTheColour) {
+    pick(0x0a141e05, [](const DialogWindow& dialog) {
+        const SIZE size = sizeOf(dialog, IDC_PICK_SWATCH);
+        EXPECT_GE(pictureOf(dialog).count(0xf0e6dc), (size.cx - 2) * (size.cy - 2));
+        dialog.enter(IDC_PICK_K, L"100", IDC_PICK_M);
+        EXPECT_EQ(pictureOf(dialog).count(0xf0e6dc), 0);
+    });
+}
+
+TEST(ColourPickDialog, TheFieldShowsEveryHue) {
+    pick(0, [](const DialogWindow& dialog) {
+        const Picture picture = pictureOf(dialog);
+        for (const uint32_t colour : {0xfd0202u, 0x02fd02u, 0x0202fdu, 0x7f7f7fu})
+            EXPECT_GT(picture.count(colour), 2) << std::hex << colour;
+    });
+}
+
+void useAndClose() {
+    pick(0, [](const DialogWindow& dialog) {
+        dialog.drag({10, 10}, {50, 50}, IDC_PICK_FIELD);
+        ::RedrawWindow(dialog.handle(), nullptr, nullptr,
+                       RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        dialog.click(IDCANCEL);
+    });
+}
+
+TEST(ColourPickDialog, TwoHundredOpeningsLeaveNothingBehind) {
+    useAndClose();
+    const unsigned objects = drawingObjects(), places = windows();
+    for (int time = 0; time < 200; ++time) useAndClose();
+    EXPECT_LT(drawingObjects(), objects + 40);
+    EXPECT_LT(windows(), places + 40);
+}
+
+TEST(ColourPickDialog, ClosingTheWindowCancels) {
+    const uint32_t result = pick(0x12345678, [](const DialogWindow& dialog) {
+        dialog.type(IDC_PICK_C, L"99");
+        ::SendMessageW(dialog.handle(), WM_CLOSE, 0, 0);
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    EXPECT_EQ(result, 0x12345678u);
+}
+
+TEST(ColourPickDialog, AnOwnerThatIsDestroyedTakesTheDialogWithIt) {
+    const HWND owner = newOwner();
+    ASSERT_NE(owner, nullptr);
+    const uint32_t result = pick(
+        0x12345678,
+        [&](const DialogWindow& dialog) {
+            dialog.drag({10, 10}, {50, 50}, IDC_PICK_FIELD);
+            postDestruction(owner);
+            EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+        },
+        owner);
+    EXPECT_EQ(result, 0x12345678u);
+    EXPECT_FALSE(::IsWindow(owner));
+}
+
+TEST(ColourPickDialog, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFirst) {
+    const HWND owner = newOwner();
+    uint32_t inner = 0;
+    const uint32_t outer = pick(
+        0x10000000,
+        [&](const DialogWindow& dialog) {
+            dialog.enter(IDC_PICK_K, L"30", IDC_PICK_M);
+            postCall(owner, [&] { inner = jColorPickDlg(owner, 0x00200000); });
+            HWND second = nullptr;
+            ASSERT_TRUE(eventually([&] {
+                second = ::GetLastActivePopup(owner);
+                return second != owner && second != dialog.handle() && ::IsWindowVisible(second);
+            }));
+            const DialogWindow other(second);
+            EXPECT_EQ(other.text(IDC_PICK_K), L"0");
+            other.enter(IDC_PICK_K, L"60", IDC_PICK_M);
+            other.click(IDOK);
+            EXPECT_TRUE(eventually([&] { return !other.isOpen(); }));
+            EXPECT_EQ(dialog.text(IDC_PICK_K), L"30");
+            dialog.click(IDOK);
+        },
+        owner);
+    ::DestroyWindow(owner);
+    EXPECT_EQ(outer, 0x1000004du);
+    EXPECT_EQ(inner, 0x00200099u);
+}
+
+TEST(ColourPickDialog, TenThousandPastedCharactersAreCutAndClamped) {
+    for (const wchar_t character : {L'9', L'漢', L'\x263a'}) {
+        const std::wstring text(10000, character);
+        onClipboard(text);
+        pick(0, [&](const DialogWindow& dialog) {
+            for (const int edit : kEdits) {
+                dialog.focus(edit);
+                ::SendMessageW(dialog.item(edit), EM_SETSEL, 0, -1);
+                ::SendMessageW(dialog.item(edit), WM_PASTE, 0, 0);
+                EXPECT_EQ(dialog.text(edit), text.substr(0, 4));
+                dialog.focus(IDC_PICK_FIELD);
+                EXPECT_EQ(dialog.text(edit), character == L'9' ? L"100" : L"0");
+                // Without the control's limit, as another program may set it.
+                ::SendMessageW(dialog.item(edit), WM_SETTEXT, 0,
+                               reinterpret_cast<LPARAM>(text.c_str()));
+                dialog.focus(edit);
+                dialog.focus(IDC_PICK_FIELD);
+                EXPECT_EQ(dialog.text(edit), character == L'9' ? L"100" : L"0");
+            }
+        });
+    }
+}
+
+}  // namespace
