@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/cmyk/combine_support.h"
+#include "tests/support/library_folder.h"
 
 using namespace ko::test;
 using testing::ElementsAre;
@@ -14,7 +15,7 @@ namespace {
 class Installed {
 public:
     explicit Installed(const std::string& variant = "whole")
-        : place_(std::filesystem::path(KO_LIBRARY_FOLDER) / ("LutRead" KO_PLUGIN_SUFFIX)) {
+        : place_(libraryFolder() / ("LutRead" KO_PLUGIN_SUFFIX)) {
         const std::filesystem::path from =
             std::filesystem::path(KO_PLUGIN_FOLDER) / variant / ("LutRead" KO_PLUGIN_SUFFIX);
         std::filesystem::copy_file(from, place_, std::filesystem::copy_options::overwrite_existing);
