@@ -1,0 +1,56 @@
+// The model behind the tone-curve page of the CMYK profile dialog: two sets of four curves of 65
+// points, edited in the record. Points are hit, dragged and unmarked by the rules of the tone
+// dialogs with 65 positions: strictly within 3 pixels across and 4 down, a channel's first point
+// counts, the two ends stay. It has no window.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "cmyk/cmyk.h"
+#include "tone/dialog/curve_editor.h"
+
+namespace ko::cmyk {
+
+enum class CurveSet { input, output };
+
+class TonePage final : public tone::CurveEditor {
+public:
+    // Edits the profile's curves in place. set is where the choice of the set is kept; it outlives
+    // the page.
+    TonePage(CmykProfile& profile, CurveSet& set);
+
+    CurveSet curveSet() const noexcept { return set_; }
+    void chooseSet(CurveSet set) noexcept;  // ends a drag as it stands
+    int32_t level(int32_t channel, int32_t point) const noexcept { return levelOf(channel, point); }
+    bool isControlPoint(int32_t channel, int32_t point) const noexcept { return isMarked(channel, point); }
+
+    void reset() noexcept;  // the set's four curves become straight lines
+
+private:
+    static constexpr int32_t kChannels = 4;
+
+    // Of the record's eight curves.
+    int32_t curveIndex(int32_t channel) const noexcept {
+        return channel + (set_ == CurveSet::output ? kChannels : 0);
+    }
+    int32_t levelOf(int32_t channel, int32_t point) const noexcept override;
+    bool isMarked(int32_t channel, int32_t point) const noexcept override;
+    void setLevel(int32_t channel, int32_t point, int32_t level) override;
+    void mark(int32_t channel, int32_t point, bool on) override;
+    void keepForUndo() override;
+    void restore(int32_t channel) override;
+    void scaleToEnd(int32_t channel, int32_t level) override;
+    void evaluate(uint32_t channels) override;
+    std::vector<dialog::Point> lineOf(dialog::Size graph, int32_t channel) const override;
+
+    struct Curve {
+        std::array<uint8_t, kCurvePoints> values, flags;
+    };
+    CmykProfile& profile_;
+    CurveSet& set_;
+    std::array<Curve, kChannels> kept_{};  // of the set, from when the drag began
+};
+
+}  // namespace ko::cmyk

@@ -1,0 +1,79 @@
+// What every graph of tone curves has in common: taking hold of a point, dragging and unmarking it,
+// the fields of the selected position. Whose curves they are, and how a curve follows from its
+// control points, the heirs know. It has no window.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/dialog/graph_picture.h"
+
+namespace ko::tone {
+
+class CurveEditor {
+public:
+    virtual ~CurveEditor() = default;
+
+    // What to show.
+    int32_t channels() const noexcept { return channels_; }
+    uint32_t selection() const noexcept { return selection_; }  // a bit a channel
+    bool isSelected(int32_t channel) const noexcept { return selection_ >> channel & 1; }
+    int32_t selectedIndex() const noexcept { return index_; }
+    bool isDragging() const noexcept { return dragging_; }
+    bool contrast() const noexcept { return contrast_; }
+    std::string inputText() const;                 // of the selected position: "50 %"
+    std::string fieldText(int32_t channel) const;  // the channel's percentage there
+    int32_t gridLevel(int32_t index) const noexcept;  // the input level of a grid index
+    dialog::Point pointAt(dialog::Size graph, int32_t channel, int32_t index) const noexcept;
+    dialog::GraphCurve curveOf(dialog::Size graph, int32_t channel, dialog::Colour colour) const;
+
+    // What the person does. Each says whether anything shown has changed.
+    bool press(dialog::Size graph, dialog::Point at);
+    bool move(dialog::Size graph, dialog::Point at);
+    void release() noexcept { dragging_ = false; }
+    bool pressRight(dialog::Size graph, dialog::Point at);
+    bool stepIndex(int32_t by);  // keyboard: the next or the previous position
+    bool stepLevel(int32_t by);  // keyboard: the selected position up or down
+    bool unmark();               // keyboard: the selected position is no control point any more
+    void setContrast(bool on) noexcept { contrast_ = on; }
+    void select(uint32_t channels) noexcept { selection_ = channels; }
+    void selectAll() noexcept { selection_ = allChannels_; }
+    void leaveField(int32_t channel, std::string_view percent);
+
+protected:
+    // gridPoints: positions that can carry a control point, 17 or 65; a point is hit strictly
+    // within the tolerance; allChannels: what is selected at first.
+    CurveEditor(int32_t channels, int32_t gridPoints, dialog::Size tolerance, uint32_t allChannels)
+        : channels_(channels), lastIndex_(gridPoints - 1), tolerance_(tolerance),
+          allChannels_(allChannels), selection_(allChannels) {}
+
+    int32_t lastIndex() const noexcept { return lastIndex_; }
+
+private:
+    virtual int32_t levelOf(int32_t channel, int32_t index) const noexcept = 0;
+    virtual bool isMarked(int32_t channel, int32_t index) const noexcept = 0;
+    virtual void setLevel(int32_t channel, int32_t index, int32_t level) = 0;  // 0..255
+    virtual void mark(int32_t channel, int32_t index, bool on) = 0;
+    virtual void keepForUndo() = 0;  // the curves as they are when a drag begins
+    virtual void restore(int32_t channel) = 0;
+    // Contrast: the curve as it was kept, scaled so that its end is at level.
+    virtual void scaleToEnd(int32_t channel, int32_t level) = 0;
+    virtual void evaluate(uint32_t channels) = 0;  // anew from the control points
+    virtual std::vector<dialog::Point> lineOf(dialog::Size graph, int32_t channel) const = 0;
+
+    bool isEnd(int32_t index) const noexcept { return index == 0 || index == lastIndex_; }
+    void setPoint(int32_t channel, int32_t index, int32_t level);
+
+    int32_t channels_;
+    int32_t lastIndex_;
+    dialog::Size tolerance_;
+    uint32_t allChannels_;
+    uint32_t selection_;
+    int32_t index_ = 0;
+    bool dragging_ = false;
+    bool contrast_ = false;
+};
+
+}  // namespace ko::tone
