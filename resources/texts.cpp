@@ -34,6 +34,15 @@ const char kLinkNotMade[] = "ﾌﾟﾛﾌｧｲﾙ作成に失敗しました。
 const char kLinkNotWritten[] = "ﾌﾟﾛﾌｧｲﾙ書き込みに失敗しました。\n作成ﾌﾟﾛﾌｧｲﾙﾊﾟｽを確かめてください。";
 const char kLinkMade[] = "ﾌﾟﾛﾌｧｲﾙを作成しました。";
 
+const char kNotSpecified[] = "指定なし";
+const char kLightnessSpan[] = "L: %d %% ～ %d %%";
+const char kBlackSpan[] = "K: %d %% ～ %d %%";
+const char kSaturationRange[] = "彩度 %d ～ %d %%";
+const char kHueRange[] = "、色相 %d ～ %d 度";
+const char kEveryHue[] = "、色相すべて";
+const char kNodesInRange[] = "対象：%d 格子点";
+const char kNodesChanged[] = "%d 格子点 変更しました。";
+
 const char kDotPercent[] = "網点 %";
 const char kPixelValue[] = "ﾋﾟｸｾﾙ値";
 

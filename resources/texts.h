@@ -41,7 +41,17 @@ extern const char kLinkNotMade[];
 extern const char kLinkNotWritten[];
 extern const char kLinkMade[];
 
-// The colour pick dialog: what its fields count in.
+// The colour-correction page.
+extern const char kNotSpecified[];
+extern const char kLightnessSpan[];    // with two %d
+extern const char kBlackSpan[];        // with two %d
+extern const char kSaturationRange[];  // with two %d; one of the next two follows
+extern const char kHueRange[];         // with two %d
+extern const char kEveryHue[];
+extern const char kNodesInRange[];     // with one %d
+extern const char kNodesChanged[];     // with one %d
+
+// The colour pick dialog and the colour-correction page: what their fields count in.
 extern const char kDotPercent[];
 extern const char kPixelValue[];
 

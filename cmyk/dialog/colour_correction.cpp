@@ -1,0 +1,332 @@
+#include "cmyk/dialog/colour_correction.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "cmyk/dialog/correction_surfaces.h"
+#include "frame/colour_words.h"
+#include "frame/display.h"
+#include "frame/scan.h"
+
+namespace ko::cmyk {
+namespace {
+
+using dialog::Point;
+using dialog::Size;
+
+// A cyan of middle saturation and lightness: its range lies whole in the area.
+constexpr Place kFirstAim = {180, kFullSaturation / 2, kFullInk / 2};
+constexpr int32_t kFirstHueReach = 30;         // degrees
+constexpr int32_t kFirstSaturationReach = 30;  // percent
+
+constexpr int32_t lightnessPercent(int32_t position) noexcept {
+    return (kFullInk - position) / kUnitsAPercent;
+}
+
+}  // namespace
+
+ColourCorrection::ColourCorrection(CmykProfile& profile) : profile_(profile) {
+    places_.reserve(kGridPoints * kGridPoints * kGridPoints);
+    for (int32_t c = 0; c < kGridPoints; ++c)
+        for (int32_t m = 0; m < kGridPoints; ++m)
+            for (int32_t y = 0; y < kGridPoints; ++y)
+                places_.push_back(placeOf({nodeValue(c), nodeValue(m), nodeValue(y)}));
+    reread();
+}
+
+void ColourCorrection::reread() {
+    held_.reset();
+    hueReach_ = kFirstHueReach;
+    saturationReach_ = kFirstSaturationReach;
+    lightnessSpan_.reset();
+    blackSpan_.reset();
+    picked_[3] = 0;
+    setAim(kFirstAim);
+    if (!undo_) return;
+    // The record may be another one by now.
+    size_t at = 0;
+    for (const int32_t row : undo_->rows)
+        for (int32_t black = 0; black < undo_->blacks; ++black)
+            if (profile_.grid[row + undo_->firstBlack + black] != undo_->after[at++])
+                return undo_.reset();
+}
+
+InfluenceRange ColourCorrection::range() const noexcept {
+    InfluenceRange range{hueReach_, saturationReach_ * kUnitsAPercent, 0, kFullInk};
+    if (lightnessSpan_) {
+        range.lightest = kFullInk - lightnessSpan_->high * kUnitsAPercent;
+        range.darkest = kFullInk - lightnessSpan_->low * kUnitsAPercent;
+    }
+    return range;
+}
+
+// The picked colour's position in units from the left or from the top.
+int32_t ColourCorrection::positionOn(Surface surface) const noexcept {
+    switch (surface) {
+        case Surface::hueBar: return place_.hue == kNoHue ? aim_.hue : place_.hue;
+        case Surface::saturationBar: return kFullSaturation - place_.saturation;
+        case Surface::black:
+        case Surface::blackBar: return picked_[3];
+        default: return place_.lightness;
+    }
+}
+
+bool ColourCorrection::press(Surface surface, Size size, Point at) {
+    held_ = surface;
+    // The end of a span that is taken hold of stays the one. On the picked colour itself it is the
+    // end that is not there yet.
+    const int32_t position = positionOn(surface), unit = unitOf(surface, size, at);
+    if (surface == Surface::lightnessBar)
+        holdsHigh_ = unit < position || (unit == position && range().lightest < position);
+    if (surface == Surface::blackBar)
+        holdsHigh_ = unit > position ||
+                     (unit == position && (!blackSpan_ || blackSpan_->high > blackPercent()));
+    apply(surface, size, at);
+    return true;
+}
+
+bool ColourCorrection::move(Size size, Point at) {
+    if (!held_) return false;
+    apply(*held_, size, at);
+    return true;
+}
+
+void ColourCorrection::apply(Surface surface, Size size, Point at) {
+    const int32_t unit = unitOf(surface, size, at);
+    const auto distance = [&] { return std::abs(unit - positionOn(surface)); };
+    switch (surface) {
+        case Surface::area:
+            return setAim({unitAt(at.x, size.width, kHues - 1),
+                           kFullSaturation - unitAt(at.y, size.height, kFullSaturation),
+                           aim_.lightness});
+        case Surface::lightness: return setAim({aim_.hue, aim_.saturation, unit});
+        case Surface::black: {
+            Cmyk levels = picked_;
+            levels[3] = unit;
+            return setPicked(levels);
+        }
+        case Surface::hueBar: hueReach_ = std::abs(hueFrom(positionOn(surface), unit)); break;
+        case Surface::saturationBar:
+            saturationReach_ = std::min(100, (distance() + 1) / kUnitsAPercent);
+            break;
+        case Surface::lightnessBar:
+            setSpanEnd(lightnessSpan_, lightnessPercent(place_.lightness), lightnessPercent(unit),
+                       holdsHigh_);
+            break;
+        case Surface::blackBar:
+            setSpanEnd(blackSpan_, blackPercent(), value255to100(unit), holdsHigh_);
+            break;
+    }
+    rangeHasMoved();
+}
+
+bool ColourCorrection::step(Surface surface, Key key, bool shift) {
+    const bool more = key == Key::right || key == Key::up;
+    const int32_t by = more ? 1 : -1;
+    const bool across = key == Key::left || key == Key::right;
+    const auto stepSpan = [&](std::optional<Span>& span, int32_t picked) {
+        const Span from = span.value_or(Span{0, 100});
+        if (key == Key::clear) span.reset();
+        else setSpanEnd(span, picked, (shift ? from.low : from.high) + by, !shift);
+    };
+    if (key == Key::clear && surface != Surface::lightnessBar && surface != Surface::blackBar)
+        return false;
+    switch (surface) {
+        case Surface::area:
+            setAim({across ? (aim_.hue + by + kHues) % kHues : aim_.hue,
+                    across ? aim_.saturation : clampTo(aim_.saturation + by, 0, kFullSaturation),
+                    aim_.lightness});
+            return true;
+        case Surface::lightness:  // up is lighter
+            setAim({aim_.hue, aim_.saturation, clampTo(aim_.lightness - by, 0, kFullInk)});
+            return true;
+        case Surface::black: {
+            Cmyk levels = picked_;
+            levels[3] = clampTo(levels[3] + by, 0, 255);
+            setPicked(levels);
+            return true;
+        }
+        case Surface::hueBar: hueReach_ = clampTo(hueReach_ + by, 0, kWholeHue); break;
+        case Surface::saturationBar:
+            saturationReach_ = clampTo(saturationReach_ + by, 0, 100);
+            break;
+        case Surface::lightnessBar:
+            stepSpan(lightnessSpan_, lightnessPercent(place_.lightness));
+            break;
+        case Surface::blackBar: stepSpan(blackSpan_, blackPercent()); break;
+    }
+    rangeHasMoved();
+    return true;
+}
+
+// An end of a span; the picked colour stays between the two.
+void ColourCorrection::setSpanEnd(std::optional<Span>& span, int32_t picked, int32_t percent,
+                                  bool high) {
+    if (!span) span = Span{0, 100};
+    if (high) span->high = clampTo(percent, picked, 100);
+    else span->low = clampTo(percent, 0, picked);
+    pickedHasMoved();
+}
+
+void ColourCorrection::setAim(const Place& aim) {
+    const Levels cmy = levelsAt(aim);
+    setPicked({cmy[0], cmy[1], cmy[2], picked_[3]});
+    aim_ = aim;
+}
+
+void ColourCorrection::setPicked(const Cmyk& levels) {
+    picked_ = levels;
+    place_ = placeOf({levels[0], levels[1], levels[2]});
+    // A colour that was typed is aimed at itself; a grey keeps the hue that was aimed at before.
+    aim_ = place_.hue == kNoHue ? Place{aim_.hue, 0, place_.lightness} : place_;
+    readCurrent();
+    changed_ = current_;
+    pickedHasMoved();
+    rangeHasMoved();
+}
+
+int32_t ColourCorrection::blackPercent() const noexcept { return value255to100(picked_[3]); }
+
+// A span that the picked colour has left follows it: the whole change applies to that colour.
+void ColourCorrection::pickedHasMoved() {
+    if (lightnessSpan_) {
+        lightnessSpan_->low = std::min(lightnessSpan_->low, lightnessPercent(place_.lightness));
+        lightnessSpan_->high =
+            std::max(lightnessSpan_->high, lightnessPercent(place_.lightness - 1));
+    }
+    if (blackSpan_) {
+        blackSpan_->low = std::min(blackSpan_->low, blackPercent());
+        blackSpan_->high = std::max(blackSpan_->high, blackPercent());
+    }
+}
+
+bool ColourCorrection::isInBlackSpan(int32_t index) const noexcept {
+    const int32_t percent = value255to100(nodeValue(index));
+    return !blackSpan_ || (percent >= blackSpan_->low && percent <= blackSpan_->high);
+}
+
+void ColourCorrection::rangeHasMoved() {
+    const InfluenceRange reach = range();
+    int32_t blacks = 0;
+    for (int32_t k = 0; k < kGridPoints; ++k) blacks += isInBlackSpan(k);
+    const auto touched = [&](const Place& place) {
+        const auto fade = fadeAt(place_, place, reach);
+        return fade && fade->edge > 0;
+    };
+    nodesInRange_ =
+        blacks * static_cast<int32_t>(std::count_if(places_.begin(), places_.end(), touched));
+}
+
+void ColourCorrection::readCurrent() {
+    current_ = picked_;
+    cmykToCmyk16(profile_, current_);
+    for (int32_t& level : current_) level = fromScale16(level);
+}
+
+// The level of a number as fields show it. A percentage stands for two or three levels: where it is
+// that of a level already there, that one is meant.
+int32_t ColourCorrection::levelOf(int32_t value,
+                                  std::initializer_list<int32_t> there) const noexcept {
+    for (const int32_t level : there)
+        if (value == valueToDisplay(levels256_, level)) return level;
+    return valueFromDisplay(levels256_, value);
+}
+
+int32_t ColourCorrection::stepped(int32_t level, int32_t by) const noexcept {
+    const int32_t from = valueToDisplay(levels256_, level), last = levels256_ ? 255 : 100;
+    return from + clampTo(by, -from, last - from);
+}
+
+void ColourCorrection::pickLevel(int32_t ink, int32_t value) {
+    Cmyk levels = picked_;
+    int32_t& level = levels[static_cast<size_t>(ink)];
+    level = levelOf(value, {level});
+    if (levels != picked_) setPicked(levels);
+}
+
+void ColourCorrection::changeLevel(int32_t ink, int32_t value) {
+    const auto at = static_cast<size_t>(ink);
+    changed_[at] = levelOf(value, {changed_[at], current_[at]});
+}
+
+void ColourCorrection::pick(int32_t ink, std::string_view number) {
+    pickLevel(ink, integerIn(number));
+}
+
+void ColourCorrection::stepPicked(int32_t ink, int32_t by) {
+    pickLevel(ink, stepped(picked_[static_cast<size_t>(ink)], by));
+}
+
+void ColourCorrection::setChanged(int32_t ink, std::string_view number) {
+    changeLevel(ink, integerIn(number));
+}
+
+void ColourCorrection::stepChanged(int32_t ink, int32_t by) {
+    changeLevel(ink, stepped(changed_[static_cast<size_t>(ink)], by));
+}
+
+void ColourCorrection::setHueReach(std::string_view degrees) {
+    hueReach_ = clampTo(integerIn(degrees), 0, kWholeHue);
+    rangeHasMoved();
+}
+
+void ColourCorrection::setSaturationReach(std::string_view percent) {
+    saturationReach_ = clampTo(integerIn(percent), 0, 100);
+    rangeHasMoved();
+}
+
+int32_t ColourCorrection::change() {
+    const InfluenceRange reach = range();
+    Undo undo{{}, 0, 0, {}, {}};
+    for (int32_t k = 0; k < kGridPoints; ++k) {
+        if (!isInBlackSpan(k)) continue;
+        if (undo.blacks++ == 0) undo.firstBlack = k;
+    }
+    // Memory for taking it back comes first: when there is none, nothing has happened.
+    std::vector<Fade> fades;
+    for (size_t at = 0; at < places_.size(); ++at) {
+        const auto fade = fadeAt(place_, places_[at], reach);
+        if (!fade || fade->edge <= 0) continue;
+        undo.rows.push_back(static_cast<int32_t>(at) * kGridPoints);
+        fades.push_back(*fade);
+    }
+    const size_t count = undo.rows.size() * static_cast<size_t>(undo.blacks);
+    undo.before.reserve(count);
+    undo.after.reserve(count);
+
+    for (size_t at = 0; at < fades.size(); ++at) {
+        const auto [distance, edge] = fades[at];
+        Cmyk by;  // the ink's change, less what has faded; truncates toward zero
+        for (size_t ink = 0; ink < 4; ++ink) {
+            const int32_t delta = changed_[ink] - current_[ink];
+            by[ink] = delta - delta * distance / edge;
+        }
+        uint32_t* const row = profile_.grid + undo.rows[at] + undo.firstBlack;
+        for (int32_t black = 0; black < undo.blacks; ++black) {
+            const uint32_t old = row[black];
+            const auto channel = [&](int shift) { return static_cast<int32_t>(old >> shift & 255); };
+            const int32_t c = channel(24) + by[0], m = channel(16) + by[1],
+                          y = channel(8) + by[2], k = channel(0) + by[3];
+            row[black] = jCMYKcorrect(&c, &m, &y, &k);
+            undo.before.push_back(old);
+            undo.after.push_back(row[black]);
+        }
+    }
+    if (count > 0) undo_ = std::move(undo);  // a change of nothing leaves the one before to undo
+    readCurrent();
+    return static_cast<int32_t>(count);
+}
+
+bool ColourCorrection::undo() {
+    if (!undo_) return false;
+    size_t at = 0;
+    for (const int32_t row : undo_->rows)
+        for (int32_t black = 0; black < undo_->blacks; ++black)
+            profile_.grid[row + undo_->firstBlack + black] = undo_->before[at++];
+    undo_.reset();
+    readCurrent();
+    return true;
+}
+
+}  // namespace ko::cmyk
