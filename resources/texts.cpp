@@ -4,6 +4,11 @@ namespace ko::texts {
 
 const char kUntitled[] = "無題";
 const char kChannelNumber[] = "チャンネル %d";
+const char kCalibTemplate[] = "CALIBDLG";
+const char kAllChannels[] = "全チャンネル";
+const char kChannelCount[] = "%d チャンネル";
+const char kCalibCaption[] = "%s編集 - [%s]";
+const char kClbFilter[] = "ｷｬﾘﾌﾞﾚｰｼｮﾝﾌｧｲﾙ (*.clb)|*.clb|";
 
 const char kBkcCaption[] = "K補正ﾃｰﾌﾞﾙの編集 - [%s]";
 const char kTncCaption[] = "ﾌｧｲﾙ編集 - [%s]";

@@ -10,6 +10,13 @@ namespace ko::texts {
 extern const char kUntitled[];       // the title of a new curve, profile or link
 extern const char kChannelNumber[];  // the name of a calibration channel, with "%d"
 
+// The calibration editor, to be translated.
+extern const char kCalibTemplate[];
+extern const char kAllChannels[];
+extern const char kChannelCount[];  // with %d
+extern const char kCalibCaption[];  // with %s for the description and the file's name
+extern const char kClbFilter[];
+
 // The tone dialogs. Captions have one %s, the file's path.
 extern const char kBkcCaption[];
 extern const char kTncCaption[];
