@@ -41,6 +41,16 @@
 #define IDC_TOTAL_INK 1113
 #define IDC_LIGHT_INK 1114
 
+/* Calibration: what is told of the set, and the editing of its tones. */
+#define IDC_DATE 1201
+#define IDC_USE 1202
+#define IDC_CHANNEL_COUNT 1203
+#define IDC_CHANNEL 1204
+#define IDC_RELATIVE 1205
+#define IDC_VALUE_X 1206
+#define IDC_VALUE_Y 1207
+#define IDC_ADD 1208
+
 /* The CMYK profile: the frame and its page of tone curves. */
 #define IDC_COMMENT 1081
 #define IDC_PAGES 1165

@@ -3,6 +3,7 @@
 #include <stdio.h>
 
 #include "kolink.h"
+#include "kolink/calib_dialog.h"
 #include "kolink/colour_pick_dialog.h"
 #include "kolink/profile_dialog.h"
 #include "kolink/tone_dialog.h"
