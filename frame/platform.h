@@ -39,8 +39,12 @@ bool deleteFile(const char* path) noexcept;
 bool replaceFile(const char* from, const char* to) noexcept;  // takes the place of to, whole
 
 // The names of the files, folders left out, that a path with * and ? in its last part stands for,
-// in no order. ASCII case is ignored; "*.*" stands for every name.
+// in no order. ASCII case is ignored; "*.*" stands for every name. A name that the system's code
+// page cannot say comes in its short form, or not at all.
 std::vector<std::string> filesMatching(const char* pattern);
+
+// Whether two paths differ at most in the case of letters, as the system sees them.
+bool samePath(const char* a, const char* b) noexcept;
 
 struct DateTime {
     uint16_t year, month, day, hour, minute, second;

@@ -227,6 +227,11 @@ DateTime toDateTime(time_t moment) noexcept {
 
 }  // namespace
 
+bool samePath(const char* a, const char* b) noexcept {
+    for (; *a && lowerCase(*a) == lowerCase(*b); ++a) ++b;
+    return lowerCase(*a) == lowerCase(*b);
+}
+
 DateTime localTime() noexcept { return toDateTime(::time(nullptr)); }
 
 bool fileTime(const char* path, DateTime& time) noexcept {

@@ -135,17 +135,35 @@ bool replaceFile(const char* from, const char* to) noexcept {
     return ::MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
 }
 
+namespace {
+// Nothing when the code page cannot say the name: one that says something else is no file's.
+std::string systemName(const wchar_t* name) {
+    char text[2 * MAX_PATH];
+    BOOL lost = FALSE;
+    const int size = ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, name, -1, text,
+                                           static_cast<int>(sizeof text), nullptr, &lost);
+    return size > 0 && !lost ? text : "";
+}
+}  // namespace
+
 std::vector<std::string> filesMatching(const char* pattern) {
     std::vector<std::string> names;
-    WIN32_FIND_DATAA found;
-    const HANDLE search = ::FindFirstFileA(pattern, &found);
+    wchar_t widePattern[kPathSize];
+    if (::MultiByteToWideChar(CP_ACP, 0, pattern, -1, widePattern, kPathSize) == 0) return names;
+    WIN32_FIND_DATAW found;
+    const HANDLE search = ::FindFirstFileW(widePattern, &found);
     if (search == INVALID_HANDLE_VALUE) return names;
     const std::unique_ptr<void, decltype(&::FindClose)> closer(search, &::FindClose);
     do {
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(found.cFileName);
-    } while (::FindNextFileA(search, &found));
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
+        std::string name = systemName(found.cFileName);
+        if (name.empty()) name = systemName(found.cAlternateFileName);  // the short form
+        if (!name.empty()) names.push_back(std::move(name));
+    } while (::FindNextFileW(search, &found));
     return names;
 }
+
+bool samePath(const char* a, const char* b) noexcept { return ::lstrcmpiA(a, b) == 0; }
 
 DateTime localTime() noexcept {
     SYSTEMTIME now;

@@ -80,4 +80,9 @@
 #define IDC_PICK_SCALE 1157 /* what the fields count in */
 #define IDC_PICK_256 1041
 
+/* Profile setting. */
+#define IDC_SELECT_RGB 1009
+#define IDC_SELECT_CMYK 1407
+#define IDC_SELECT_INTENT 1408
+
 #endif

@@ -51,4 +51,8 @@ const char kNodesChanged[] = "%d 格子点 変更しました。";
 const char kDotPercent[] = "網点 %";
 const char kPixelValue[] = "ﾋﾟｸｾﾙ値";
 
+const char kSelectionTemplate[] = "KOSELECTDLG";
+const char kNotSet[] = "未設定";
+const char* const kIntents[4] = {"視覚的", "相対的色彩", "彩度", "絶対的色彩"};
+
 }  // namespace ko::texts

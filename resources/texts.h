@@ -62,6 +62,11 @@ extern const char kNodesChanged[];     // with one %d
 extern const char kDotPercent[];
 extern const char kPixelValue[];
 
+// The profile-setting dialog.
+extern const char kSelectionTemplate[];  // its template, which the language tables translate
+extern const char kNotSet[];
+extern const char* const kIntents[4];
+
 // A language table by the name of its resource, such as "TEXT_ENGLISH"; empty when there is none.
 // Windows modules carry them as resources instead.
 std::span<const char> table(std::string_view name) noexcept;

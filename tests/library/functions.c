@@ -6,6 +6,7 @@
 #include "kolink/calib_dialog.h"
 #include "kolink/colour_pick_dialog.h"
 #include "kolink/profile_dialog.h"
+#include "kolink/profile_selection_dialog.h"
 #include "kolink/tone_dialog.h"
 
 typedef void (*Function)(void);
