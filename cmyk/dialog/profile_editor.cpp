@@ -49,7 +49,8 @@ void ProfileEditor::save(dialog::EditorHost& host) {
 }
 
 void ProfileEditor::saveAs(dialog::EditorHost& host) {
-    askAndSave(host, workingFolder_ + platform::kSeparator);
+    const bool nowhere = workingFolder_.empty();
+    askAndSave(host, nowhere ? std::string{platform::kSeparator} : joinPath(workingFolder_, ""));
 }
 
 void ProfileEditor::askAndSave(dialog::EditorHost& host, const std::string& start) {

@@ -70,6 +70,12 @@ TEST(ProfileEditor, SaveAsStartsFromTheFileThatWasOpened) {
     EXPECT_EQ(editing.answers.startedFrom, "folder" + root());
 }
 
+TEST(ProfileEditor, SaveAsInARootFolderHasOneSeparator) {
+    Editing editing(root() + "file.icc");
+    editing.editor->saveAs(editing.answers);
+    EXPECT_EQ(editing.answers.startedFrom, root());
+}
+
 TEST(ProfileEditor, CancellingTheFileDialogChangesNothing) {
     Editing editing;
     editing.editor->saveAs(editing.answers);

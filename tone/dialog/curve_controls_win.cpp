@@ -23,9 +23,13 @@ void CurveControls::attach(const Dialog& dialog) {
     dialog_ = &dialog;
     makeGraphSquare(window());
     attachGraph(window(), IDC_GRAPH, *this);
-    for (const ChannelControls& channel : channels_)
+    const bool choice = dialog.item(IDC_ALL_INKS) != nullptr;
+    if (choice) ::CheckDlgButton(window(), IDC_ALL_INKS, BST_CHECKED);
+    for (const ChannelControls& channel : channels_) {
         ::SendDlgItemMessageW(window(), channel.percent, EM_SETLIMITTEXT, 10, 0);
-    if (dialog.item(IDC_ALL_INKS)) ::CheckDlgButton(window(), IDC_ALL_INKS, BST_CHECKED);
+        // Takes the tab stop from all but the one that is checked.
+        if (choice) ::CheckDlgButton(window(), channel.button, BST_UNCHECKED);
+    }
 }
 
 bool CurveControls::press(int button) {
