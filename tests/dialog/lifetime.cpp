@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -60,6 +61,14 @@ void postDestruction(HWND owner) { ::PostMessageW(owner, WM_APP, 0, 0); }
 void postCall(HWND owner, std::function<void()> call) {
     auto kept = std::make_unique<std::function<void()>>(std::move(call));
     if (::PostMessageW(owner, WM_APP + 1, reinterpret_cast<WPARAM>(kept.get()), 0)) (void)kept.release();
+}
+
+void waitForPosted(HWND owner) {
+    for (int round = 0; round < 3; ++round) {
+        const auto handled = std::make_shared<std::atomic<bool>>(false);
+        postCall(owner, [handled] { *handled = true; });
+        EXPECT_TRUE(eventually([&] { return handled->load(); }));
+    }
 }
 
 void onClipboard(const std::wstring& text) {

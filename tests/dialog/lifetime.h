@@ -16,6 +16,8 @@ unsigned windows();
 HWND newOwner();
 void postDestruction(HWND owner);
 void postCall(HWND owner, std::function<void()> call);  // from within the running message loop
+// Until what was posted to the owner's thread before, and what that has posted, is handled.
+void waitForPosted(HWND owner);
 
 void onClipboard(const std::wstring& text);
 

@@ -316,16 +316,17 @@ TEST(ProfileDialog, ReturnPressesOkAndEscapeCancels) {
 }
 
 TEST(ProfileDialog, ReturnInTheCommentBeginsALine) {
-    edit("", [](const DialogWindow& dialog) {
+    const HWND owner = newOwner();
+    edit("", [&](const DialogWindow& dialog) {
         dialog.type(IDC_COMMENT, L"a");
         ::SendMessageW(dialog.item(IDC_COMMENT), EM_SETSEL, 1, 1);
         ::PostMessageW(dialog.item(IDC_COMMENT), WM_KEYDOWN, VK_RETURN, 0x1c0001);
-        dialog.waitForQuiet();
+        waitForPosted(owner);
         ::PostMessageW(dialog.item(IDC_COMMENT), WM_CHAR, 'b', 0);
-        eventually([&] { return dialog.text(IDC_COMMENT).ends_with(L'b'); });
+        waitForPosted(owner);
         EXPECT_EQ(dialog.text(IDC_COMMENT), L"a\r\nb");
-        EXPECT_TRUE(dialog.isOpen());
-    });
+    }, owner);
+    ::DestroyWindow(owner);
 }
 
 // What ends in unusual ways.

@@ -5,16 +5,19 @@
 
 #include "resources/dialog_ids.h"
 #include "tests/dialog/layout.h"
+#include "tests/dialog/lifetime.h"
 
 using namespace ko::test;
 
 namespace {
 
 void onPage(const std::function<void(const DialogWindow&, const DialogWindow&)>& drive) {
+    const HWND owner = newOwner();
     openDialog(jKoCmykProfileDlg, "", [&](const DialogWindow& dialog) {
         pageOf(dialog).click(IDC_CURVES_INPUT);  // whatever was chosen before
         drive(dialog, pageOf(dialog));
-    });
+    }, owner);
+    ::DestroyWindow(owner);
 }
 
 // Drives the page on a link; what it has saved at the end.
@@ -210,7 +213,7 @@ HWND focused(const DialogWindow& dialog) {
 void postKey(const DialogWindow& dialog, WPARAM key) {
     ::PostMessageW(focused(dialog), WM_KEYDOWN, key, 0);
     ::PostMessageW(focused(dialog), WM_KEYUP, key, 0);
-    dialog.waitForQuiet();
+    waitForPosted(::GetWindow(dialog.handle(), GW_OWNER));
 }
 
 std::vector<int> tabStops(const DialogWindow& dialog) {
@@ -219,7 +222,7 @@ std::vector<int> tabStops(const DialogWindow& dialog) {
     do {
         stops.push_back(::GetDlgCtrlID(focused(dialog)));
         postKey(dialog, VK_TAB);
-    } while (focused(dialog) != start && stops.size() < 60);
+    } while (focused(dialog) != start && stops.size() < 40);
     return stops;
 }
 
@@ -249,7 +252,7 @@ TEST(ProfileTonePage, TheArrowsWalkThroughAGroupOfThePage) {
 
 void postAccessKey(const DialogWindow& dialog, wchar_t key) {
     ::PostMessageW(focused(dialog), WM_SYSCHAR, static_cast<WPARAM>(key), 1 << 29);
-    dialog.waitForQuiet();
+    waitForPosted(::GetWindow(dialog.handle(), GW_OWNER));
 }
 
 TEST(ProfileTonePage, AccessKeysReachThePageThatIsShown) {
