@@ -44,6 +44,7 @@ private:
             ::SendMessageW(item(IDC_PAGES), TCM_INSERTITEMW, at, reinterpret_cast<LPARAM>(&tab));
             if (!pages_[at].page->create(window(), pages_[at].templateName))
                 throw std::runtime_error("a page cannot be opened");
+            takeTabBackground(pages_[at].page->window());
             pages_[at].page->place(area, item(IDC_COMMENT));
         }
         showPage(0);

@@ -276,6 +276,16 @@ void registerTabsAndSpins() noexcept {
     ::InitCommonControlsEx(&classes);
 }
 
+void takeTabBackground(HWND page) noexcept {
+    // Controls with a theme have loaded it; without one there is nothing to do.
+    using Enable = HRESULT(WINAPI*)(HWND, DWORD);
+    constexpr DWORD kEnableTab = 6;
+    const HMODULE themes = ::GetModuleHandleW(L"uxtheme.dll");
+    if (!themes) return;
+    const auto address = reinterpret_cast<void*>(::GetProcAddress(themes, "EnableThemeDialogTexture"));
+    if (address) (void)reinterpret_cast<Enable>(address)(page, kEnableTab);
+}
+
 void RememberedPlace::remember(HWND window) noexcept {
     known = ::GetWindowRect(window, &rectangle) != FALSE;
 }

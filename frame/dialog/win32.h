@@ -193,6 +193,8 @@ private:
 
 // The classes of tabs and spin buttons; before a dialog that has some is opened.
 void registerTabsAndSpins() noexcept;
+// A page looks like a part of the tabs that it stands on, where a theme paints those.
+void takeTabBackground(HWND page) noexcept;
 
 // Where a kind of dialog was closed last; it opens there again while the library is loaded.
 struct RememberedPlace {
