@@ -34,6 +34,17 @@ target_include_directories(kolink INTERFACE
 
 if(WIN32)
     list(JOIN KO_EXPORTS "\n    " names)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+        # Dialog procedures are stdcall: exported under their plain names, referred to by their
+        # decorated ones. The linker's own import library knows only the first.
+        set(procedure "[A-Za-z]+DlgProc")
+        string(REGEX REPLACE "${procedure}" "\\0@16" imports "${names}")
+        string(REGEX REPLACE "${procedure}" "\\0 = \\0@16" names "${names}")
+        file(CONFIGURE OUTPUT imports.def CONTENT "LIBRARY KoLink.dll\nEXPORTS\n    ${imports}\n")
+        add_custom_command(TARGET kolink POST_BUILD VERBATIM
+            COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${CMAKE_CURRENT_BINARY_DIR}/imports.def
+                    --output-lib $<TARGET_LINKER_FILE:kolink>)
+    endif()
     file(CONFIGURE OUTPUT KoLink.def CONTENT "LIBRARY KoLink.dll\nEXPORTS\n    ${names}\n")
     target_sources(kolink PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/KoLink.def ${KO_VERSION_RESOURCE})
     file(GLOB templates CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/dialogs/*.rc)

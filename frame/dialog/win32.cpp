@@ -1,5 +1,6 @@
 #include "frame/dialog/win32.h"
 
+#include <cderr.h>
 #include <commdlg.h>
 
 #include <algorithm>
@@ -30,12 +31,30 @@ std::wstring toWide(std::string_view text, UINT codePage) {
 
 std::string fromWide(std::wstring_view wide, UINT codePage, BOOL* lost) {
     if (wide.empty()) return {};
+    // UTF-8 as the system's code page has a place for everything, and takes neither of these.
+    const bool utf8 = codePage == CP_UTF8 || (codePage == CP_ACP && ::GetACP() == CP_UTF8);
+    const DWORD flags = utf8 ? 0 : WC_NO_BEST_FIT_CHARS;
+    BOOL* const used = utf8 ? nullptr : lost;
     const int size = static_cast<int>(wide.size());
-    const int length = ::WideCharToMultiByte(codePage, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
+    const int length =
+        ::WideCharToMultiByte(codePage, flags, wide.data(), size, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<size_t>(std::max(length, 0)), '\0');
-    ::WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, wide.data(), size, text.data(), length,
-                          nullptr, lost);
+    ::WideCharToMultiByte(codePage, flags, wide.data(), size, text.data(), length, nullptr, used);
     return text;
+}
+
+// Of "description\0*.extension;..."; empty when the first pattern has another form.
+std::wstring firstExtension(std::wstring_view patterns) {
+    patterns.remove_prefix(std::min(patterns.find(L'\0'), patterns.size() - 1) + 1);
+    if (!patterns.starts_with(L"*.")) return {};
+    return std::wstring(patterns.substr(2, patterns.find_first_of(std::wstring_view(L";\0", 2)) - 2));
+}
+
+// The short form of a name that exists; empty when there is none.
+std::wstring shortForm(const std::wstring& path) {
+    wchar_t brief[MAX_PATH];
+    const DWORD length = ::GetShortPathNameW(path.c_str(), brief, MAX_PATH);
+    return length < MAX_PATH ? std::wstring(brief, length) : std::wstring();
 }
 
 }  // namespace
@@ -48,12 +67,17 @@ std::optional<std::string> systemPath(std::wstring_view wide) {
     BOOL lost = FALSE;
     std::string path = fromWide(wide, CP_ACP, &lost);
     if (!lost) return path;
-    // A name with characters of another code page can still be reached by its short form.
-    wchar_t brief[MAX_PATH];
-    const DWORD length = ::GetShortPathNameW(std::wstring(wide).c_str(), brief, MAX_PATH);
-    if (length == 0 || length >= MAX_PATH) return std::nullopt;
+    // A name with characters of another code page can still be reached by its short form, a file
+    // that is not there yet by its folder's.
+    const std::wstring whole(wide);
+    std::wstring brief = shortForm(whole);
+    if (const size_t end = whole.find_last_of(L"\\/"); brief.empty() && end != whole.npos) {
+        brief = shortForm(whole.substr(0, end + 1));
+        if (!brief.empty()) brief.append(whole, end + 1);
+    }
+    if (brief.empty()) return std::nullopt;
     lost = FALSE;
-    path = fromWide({brief, length}, CP_ACP, &lost);
+    path = fromWide(brief, CP_ACP, &lost);
     if (lost) return std::nullopt;
     return path;
 }
@@ -136,10 +160,16 @@ int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::string_view fi
     return jFilesOpen(owner, mode, path, wideText(filter));
 }
 
-int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::wstring patterns) {
+int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::wstring filter) {
+    const auto file = chooseFile(owner, mode, textIn(path), std::move(filter));
+    const auto chosen = file ? systemPath(*file) : std::nullopt;
+    return chosen && copyPath(path, chosen->c_str()) ? 0 : -1;
+}
+
+std::optional<std::wstring> chooseFile(HWND owner, int mode, std::string_view initial,
+                                       std::wstring patterns) {
     std::replace(patterns.begin(), patterns.end(), L'|', L'\0');
     patterns += L'\0';
-    const std::string_view initial = textIn(path);
     std::wstring folder = widePath(folderOf(initial));
     wchar_t name[1024] = {};
     widePath(fileNameOf(initial)).copy(name, std::size(name) - 1);
@@ -154,9 +184,17 @@ int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::wstring patter
     ask.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
     ask.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST;
     ask.Flags |= mode == 1 ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST;
-    if (!(mode == 1 ? ::GetSaveFileNameW(&ask) : ::GetOpenFileNameW(&ask))) return -1;
-    const auto chosen = systemPath(name);
-    return chosen && copyPath(path, chosen->c_str()) ? 0 : -1;
+    const std::wstring extension = firstExtension(patterns);
+    if (mode == 1) ask.lpstrDefExt = extension.c_str();  // before it asks about replacing a file
+    const auto open = mode == 1 ? ::GetSaveFileNameW : ::GetOpenFileNameW;
+    BOOL chosen = open(&ask);
+    if (!chosen && ::CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
+        name[0] = L'\0';  // what the field held is no name to begin with
+        ask.lpstrInitialDir = nullptr;
+        chosen = open(&ask);
+    }
+    if (!chosen) return std::nullopt;
+    return std::wstring(name);
 }
 
 bool WindowHost::ask(std::string_view caption, std::string_view question) {

@@ -59,6 +59,9 @@ int showMessage(HWND owner, std::wstring_view caption, std::wstring_view text, U
 // chosen.
 int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::string_view filter);
 int jFilesOpen(HWND owner, int mode, char (&path)[MAX_PATH], std::wstring filter);
+// The same, for a dialog that shows also a name which the system's code page does not have.
+std::optional<std::wstring> chooseFile(HWND owner, int mode, std::string_view initial,
+                                       std::wstring filter);
 
 class WindowHost : public EditorHost {
 public:

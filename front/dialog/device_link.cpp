@@ -82,7 +82,7 @@ std::optional<LinkPath> DeviceLinkModel::firstRefused() const noexcept {
     return *found;
 }
 
-void DeviceLinkModel::leavePath(LinkPath which, std::optional<std::string_view> typed) {
+void DeviceLinkModel::leavePath(LinkPath which, const TypedPath& typed) {
     refused_[static_cast<size_t>(which)] = !typed;
     if (typed) copyTypedPath(fieldOf(settings_, which), *typed);
 }
@@ -96,7 +96,7 @@ void DeviceLinkModel::leaveAmount(std::string_view percent) {
 bool DeviceLinkModel::browse(LinkPath which, DeviceLinkHost& host) {
     const auto choice = which == LinkPath::output ? DeviceLinkHost::Choice::fileToSave
                                                   : DeviceLinkHost::Choice::fileToOpen;
-    const auto chosen = host.choosePath(choice, std::string(path(which)), filterOf(which));
+    const auto chosen = host.choosePath(which, choice, std::string(path(which)), filterOf(which));
     if (chosen) leavePath(which, *chosen);
     return chosen.has_value();
 }

@@ -13,25 +13,29 @@
 
 namespace ko::front {
 
+enum class LinkPath { base, source, destination, black, output };
+constexpr LinkPath kLinkPaths[] = {LinkPath::base, LinkPath::source, LinkPath::destination,
+                                   LinkPath::black, LinkPath::output};
+
+// Nothing when the system's code page has no name for what was typed or chosen.
+using TypedPath = std::optional<std::string>;
+
 // What the model asks of the person in front of it. Texts are Shift-JIS, paths are in the system's
 // code page.
 class DeviceLinkHost {
 public:
     enum class Choice { fileToOpen, fileToSave };
     enum class Icon { exclamation, information };
-    // A file chosen from initial on, or nothing. filter: "description|pattern|" pairs.
-    virtual std::optional<std::string> choosePath(Choice choice, std::string_view initial,
-                                                  std::string_view filter) = 0;
+    // A file chosen from initial on, or nothing after Cancel. filter: "description|pattern|" pairs.
+    virtual std::optional<TypedPath> choosePath(LinkPath which, Choice choice,
+                                                std::string_view initial,
+                                                std::string_view filter) = 0;
     virtual uint32_t pickColour(uint32_t cmyk) = 0;  // packed; the given one after Cancel
     virtual void tell(std::string_view text, Icon icon) = 0;
 
 protected:
     ~DeviceLinkHost() = default;
 };
-
-enum class LinkPath { base, source, destination, black, output };
-constexpr LinkPath kLinkPaths[] = {LinkPath::base, LinkPath::source, LinkPath::destination,
-                                   LinkPath::black, LinkPath::output};
 
 class DeviceLinkModel {
 public:
@@ -52,8 +56,7 @@ public:
     bool isRefused(LinkPath which) const noexcept { return refused_[static_cast<size_t>(which)]; }
     std::optional<LinkPath> firstRefused() const noexcept;
 
-    // What was typed, nothing when the system's code page has no name for it.
-    void leavePath(LinkPath which, std::optional<std::string_view> typed);
+    void leavePath(LinkPath which, const TypedPath& typed);
     void leaveAmount(std::string_view percent);
     bool browse(LinkPath which, DeviceLinkHost& host);
     void chooseIntent(int32_t intent) noexcept { settings_.intent = intent; }

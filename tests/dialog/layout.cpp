@@ -143,9 +143,8 @@ int Picture::count(uint32_t colour) const {
     }));
 }
 
-Picture pictureOf(const DialogWindow& dialog) {
-    ::RedrawWindow(dialog.handle(), nullptr, nullptr,
-                   RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+namespace {
+Picture onTheScreen(const DialogWindow& dialog) {
     RECT area;
     ::GetWindowRect(dialog.handle(), &area);
     Picture picture;
@@ -166,6 +165,21 @@ Picture pictureOf(const DialogWindow& dialog) {
     ::DeleteObject(bitmap);
     ::DeleteDC(memory);
     ::ReleaseDC(nullptr, screen);
+    return picture;
+}
+}  // namespace
+
+Picture pictureOf(const DialogWindow& dialog) {
+    ::RedrawWindow(dialog.handle(), nullptr, nullptr,
+                   RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+    // What is painted reaches the screen a little later.
+    Picture picture = onTheScreen(dialog);
+    EXPECT_TRUE(eventually([&] {
+        ::Sleep(60);
+        Picture now = onTheScreen(dialog);
+        std::swap(picture, now);
+        return picture.pixels == now.pixels;
+    }));
     return picture;
 }
 

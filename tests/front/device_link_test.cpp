@@ -18,8 +18,8 @@ using test::TempFolder;
 
 // Answers the model's questions as a test wants it to.
 struct Answers : DeviceLinkHost {
-    std::optional<std::string> choosePath(Choice choice, std::string_view initial,
-                                          std::string_view filter) override {
+    std::optional<TypedPath> choosePath(LinkPath, Choice choice, std::string_view initial,
+                                        std::string_view filter) override {
         chosenFor = choice;
         startedFrom = initial;
         offered = filter;
@@ -34,7 +34,7 @@ struct Answers : DeviceLinkHost {
         told.emplace_back(text);
         lastIcon = icon;
     }
-    std::optional<std::string> path;
+    std::optional<TypedPath> path;
     Choice chosenFor{};
     std::string startedFrom, offered;
     std::optional<uint32_t> picked;
@@ -263,7 +263,7 @@ TEST(DeviceLinkModel, BrowsingStartsFromTheFieldAndTakesTheChoice) {
         DeviceLinkModel model(newSettings());
         model.leavePath(which, "folder/old.icc");
         Answers host;
-        host.path = "folder/new.icc";
+        host.path = TypedPath("folder/new.icc");
         EXPECT_TRUE(model.browse(which, host));
         EXPECT_EQ(host.startedFrom, "folder/old.icc");
         EXPECT_EQ(model.path(which), "folder/new.icc");
@@ -276,6 +276,16 @@ TEST(DeviceLinkModel, BrowsingThatIsCancelledChangesNothing) {
     model.leavePath(LinkPath::source, "old.icc");
     Answers host;
     EXPECT_FALSE(model.browse(LinkPath::source, host));
+    EXPECT_EQ(model.path(LinkPath::source), "old.icc");
+}
+
+TEST(DeviceLinkModel, AChosenFileThatCannotBeNamedIsRefusedLikeATypedOne) {
+    DeviceLinkModel model(newSettings());
+    model.leavePath(LinkPath::source, "old.icc");
+    Answers host;
+    host.path = TypedPath();
+    EXPECT_TRUE(model.browse(LinkPath::source, host));
+    EXPECT_TRUE(model.isRefused(LinkPath::source));
     EXPECT_EQ(model.path(LinkPath::source), "old.icc");
 }
 

@@ -5,6 +5,7 @@
 #include "kolink.h"
 #include "kolink/calib_dialog.h"
 #include "kolink/colour_pick_dialog.h"
+#include "kolink/device_link_dialog.h"
 #include "kolink/profile_dialog.h"
 #include "kolink/profile_selection_dialog.h"
 #include "kolink/tone_dialog.h"

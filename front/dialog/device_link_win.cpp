@@ -1,0 +1,338 @@
+// The view of the device-link dialog: turns messages into commands of the model and shows what it
+// says. Hosts may run the procedure themselves, so that an object is tied to its window by a
+// property and lives as long as the window or a message that is being handled.
+#include "front/dialog/device_link_win.h"
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+#include "frame/boundary.h"
+#include "frame/text.h"
+#include "front/dialog/colour_pick_win.h"
+#include "front/dialog/device_link.h"
+#include "front/front.h"
+#include "resources/dialog_ids.h"
+#include "resources/texts.h"
+
+namespace ko::front {
+namespace {
+
+using namespace dialog;
+
+constexpr COLORREF kRefused = RGB(200, 0, 0);
+constexpr wchar_t kProperty[] = L"KoLinkDeviceLink";
+
+struct PathControls {
+    LinkPath which;
+    int edit, browse;
+};
+constexpr PathControls kPaths[] = {
+    {LinkPath::base, IDC_LINK_BASE, IDC_LINK_BROWSE_BASE},
+    {LinkPath::source, IDC_LINK_SOURCE, IDC_LINK_BROWSE_SOURCE},
+    {LinkPath::destination, IDC_LINK_DESTINATION, IDC_LINK_BROWSE_DESTINATION},
+    {LinkPath::black, IDC_LINK_BLACK, IDC_LINK_BROWSE_BLACK},
+    {LinkPath::output, IDC_LINK_OUTPUT, IDC_LINK_BROWSE_OUTPUT},
+};
+
+struct Radio {
+    int control;
+    bool (DeviceLinkModel::*is)(int32_t) const noexcept;
+    void (DeviceLinkModel::*choose)(int32_t) noexcept;
+    int32_t number;
+};
+using Model = DeviceLinkModel;
+constexpr Radio kRadios[] = {
+    {IDC_LINK_PERCEPTUAL, &Model::intentIs, &Model::chooseIntent, 0},
+    {IDC_LINK_RELATIVE, &Model::intentIs, &Model::chooseIntent, 1},
+    {IDC_LINK_SATURATION, &Model::intentIs, &Model::chooseIntent, 2},
+    {IDC_LINK_KEEP_NONE, &Model::preservationIs, &Model::choosePreservation, 0},
+    {IDC_LINK_KEEP_PRIMARIES, &Model::preservationIs, &Model::choosePreservation, 1},
+    {IDC_LINK_KEEP_SECONDARIES, &Model::preservationIs, &Model::choosePreservation, 2},
+    {IDC_LINK_WHITE_PROFILE, &Model::whiteModeIs, &Model::chooseWhiteMode, 0},
+    {IDC_LINK_WHITE_NO_INK, &Model::whiteModeIs, &Model::chooseWhiteMode, 1},
+    {IDC_LINK_WHITE_GIVEN, &Model::whiteModeIs, &Model::chooseWhiteMode, 2},
+};
+
+constexpr int kPaperControls[] = {IDC_LINK_SWATCH, IDC_LINK_AMOUNT_LABEL, IDC_LINK_AMOUNT,
+                                  IDC_LINK_AMOUNT_UNIT};
+
+// Keys and clicks that came while the thread was busy would answer a message that nobody has seen.
+void forgetInput() noexcept {
+    MSG message;
+    while (::PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {}
+    while (::PeekMessageW(&message, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE)) {}
+}
+
+class DeviceLinkDialog final : public DeviceLinkHost {
+public:
+    static INT_PTR open(HWND window, CmsLinkSettings* record);
+    static std::shared_ptr<DeviceLinkDialog> of(HWND window) noexcept;
+    INT_PTR message(UINT message, WPARAM wParam, LPARAM lParam);
+
+    DeviceLinkDialog(HWND window, CmsLinkSettings* record, const CmsLinkSettings& settings)
+        : window_(window), record_(record), model_(settings) {}
+
+private:
+    using Holder = std::shared_ptr<DeviceLinkDialog>;
+
+    // One thing at a time: what a command opens runs a message loop, in which other commands of
+    // the dialog can arrive.
+    class Busy {
+    public:
+        explicit Busy(DeviceLinkDialog& dialog) noexcept : dialog_(dialog) { dialog_.busy_ = true; }
+        ~Busy() { dialog_.busy_ = false; }
+        Busy(const Busy&) = delete;
+        Busy& operator=(const Busy&) = delete;
+
+    private:
+        DeviceLinkDialog& dialog_;
+    };
+
+    std::optional<TypedPath> choosePath(LinkPath which, Choice choice, std::string_view initial,
+                                        std::string_view filter) override;
+    uint32_t pickColour(uint32_t cmyk) override { return front::pickColour(window_, cmyk); }
+    void tell(std::string_view text, Icon icon) override;
+
+    HWND item(int control) const noexcept { return ::GetDlgItem(window_, control); }
+    void opened();
+    bool command(int control, int notification);
+    bool press(int control);
+    void create();
+    void end(INT_PTR result);
+    void leavePath(const PathControls& path);
+    void leaveAmount();
+    void takeFields();
+    void showPath(const PathControls& path);
+    void enablePaper();
+    void paperChanged() noexcept { ::PostMessageW(window_, WM_COMMAND, IDC_LINK_SHOW_PAPER, 0); }
+    bool paintSwatch(const DRAWITEMSTRUCT& drawing) const;
+    INT_PTR colourOf(HDC dc, int control) const;
+
+    HWND window_;  // null when it is gone
+    CmsLinkSettings* record_;
+    DeviceLinkModel model_;
+    bool busy_ = false;
+    bool ended_ = false;
+    static RememberedPlace place_;
+};
+
+RememberedPlace DeviceLinkDialog::place_;
+
+std::shared_ptr<DeviceLinkDialog> DeviceLinkDialog::of(HWND window) noexcept {
+    // Of this thread, or the property could be another process's.
+    if (!window || ::GetWindowThreadProcessId(window, nullptr) != ::GetCurrentThreadId())
+        return nullptr;
+    auto* const holder = static_cast<Holder*>(::GetPropW(window, kProperty));
+    return holder ? *holder : nullptr;
+}
+
+INT_PTR DeviceLinkDialog::open(HWND window, CmsLinkSettings* record) {
+    const auto has = [&](int control) { return ::GetDlgItem(window, control) != nullptr; };
+    if (!window || ::GetWindowThreadProcessId(window, nullptr) != ::GetCurrentThreadId() ||
+        !has(IDC_LINK_BASE) || !has(IDC_LINK_SWATCH) || of(window))
+        return FALSE;
+    CmsLinkSettings settings;
+    initSettings(settings);
+    if (record) settings = *record;
+    auto holder = std::make_unique<Holder>(
+        std::make_shared<DeviceLinkDialog>(window, record, settings));
+    if (!::SetPropW(window, kProperty, holder.get())) return FALSE;
+    (*holder.release())->opened();
+    return TRUE;
+}
+
+INT_PTR DeviceLinkDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_COMMAND: return command(LOWORD(wParam), HIWORD(wParam));
+        case WM_DRAWITEM: return paintSwatch(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+        case WM_CTLCOLOREDIT:
+            return colourOf(reinterpret_cast<HDC>(wParam),
+                            ::GetDlgCtrlID(reinterpret_cast<HWND>(lParam)));
+        case WM_PAINT: paperChanged(); return FALSE;
+        case WM_NCDESTROY:
+            delete static_cast<Holder*>(::RemovePropW(window_, kProperty));
+            window_ = nullptr;
+            return FALSE;
+        default: return FALSE;
+    }
+}
+
+void DeviceLinkDialog::opened() {
+    for (const PathControls& path : kPaths) {
+        ::SendMessageW(item(path.edit), EM_SETLIMITTEXT, KOLINK_PATH_SIZE - 1, 0);
+        showPath(path);
+    }
+    ::SendMessageW(item(IDC_LINK_AMOUNT), EM_SETLIMITTEXT, 3, 0);
+    setText(window_, IDC_LINK_AMOUNT, model_.amountText());
+    for (const Radio& radio : kRadios)
+        ::CheckDlgButton(window_, radio.control,
+                         (model_.*radio.is)(radio.number) ? BST_CHECKED : BST_UNCHECKED);
+    enablePaper();
+    if (!place_.known) place_.remember(window_);
+    place_.apply(window_);
+}
+
+bool DeviceLinkDialog::command(int control, int notification) {
+    if (ended_) return false;
+    if (control == IDC_LINK_SHOW_PAPER) {
+        enablePaper();
+        ::InvalidateRect(item(IDC_LINK_SWATCH), nullptr, FALSE);
+        return true;
+    }
+    if (notification == EN_KILLFOCUS) {
+        if (control == IDC_LINK_AMOUNT) return leaveAmount(), true;
+        for (const PathControls& path : kPaths)
+            if (path.edit == control) return leavePath(path), true;
+        return false;
+    }
+    const bool pressed = notification == BN_CLICKED || notification == BN_DOUBLECLICKED;
+    return pressed && !busy_ && press(control);
+}
+
+bool DeviceLinkDialog::press(int control) {
+    switch (control) {
+        case IDOK: return create(), true;
+        case IDCANCEL: return end(0), true;
+        case IDC_LINK_SWATCH: {
+            const Busy busy(*this);
+            if (model_.pickPaperColour(*this) && window_) paperChanged();
+            return true;
+        }
+        default: break;
+    }
+    for (const PathControls& path : kPaths) {
+        if (path.browse != control) continue;
+        const Busy busy(*this);
+        if (model_.browse(path.which, *this) && window_) showPath(path);
+        return true;
+    }
+    for (const Radio& radio : kRadios) {
+        if (radio.control != control) continue;
+        (model_.*radio.choose)(radio.number);
+        enablePaper();
+        paperChanged();
+        return true;
+    }
+    return false;
+}
+
+void DeviceLinkDialog::create() {
+    const Busy busy(*this);
+    takeFields();
+    // What the making covers with its work stands painted behind it.
+    ::RedrawWindow(window_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    const bool made = model_.create(*this);
+    if (!window_) return;  // its owner was destroyed under the message
+    if (made) return end(1);
+    const auto refused = model_.firstRefused();
+    for (const PathControls& path : kPaths)
+        if (refused == path.which)
+            ::SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(item(path.edit)), TRUE);
+}
+
+void DeviceLinkDialog::end(INT_PTR result) {
+    place_.remember(window_);
+    if (result == 1 && record_) *record_ = model_.settings();
+    record_ = nullptr;
+    ended_ = true;
+    ::EndDialog(window_, result);
+}
+
+void DeviceLinkDialog::leavePath(const PathControls& path) {
+    const std::wstring typed = textOf(window_, path.edit);
+    if (typed != widePath(model_.path(path.which)) || model_.isRefused(path.which))
+        model_.leavePath(path.which, systemPath(typed));
+    showPath(path);
+}
+
+// Percent is coarser than the setting, so that a field which nobody touched leaves it as it is.
+void DeviceLinkDialog::leaveAmount() {
+    const std::string typed = asciiOf(window_, IDC_LINK_AMOUNT);
+    const HWND edit = item(IDC_LINK_AMOUNT);
+    if (!::SendMessageW(edit, EM_GETMODIFY, 0, 0) && typed == model_.amountText()) return;
+    model_.leaveAmount(typed);
+    setText(window_, IDC_LINK_AMOUNT, model_.amountText());
+    ::SendMessageW(edit, EM_SETMODIFY, FALSE, 0);
+}
+
+// The default button and access keys press a button while a field has the focus, and other
+// programs fill fields without it.
+void DeviceLinkDialog::takeFields() {
+    for (const PathControls& path : kPaths) leavePath(path);
+    leaveAmount();
+}
+
+void DeviceLinkDialog::showPath(const PathControls& path) {
+    if (!model_.isRefused(path.which)) setText(window_, path.edit, widePath(model_.path(path.which)));
+    ::InvalidateRect(item(path.edit), nullptr, FALSE);
+}
+
+void DeviceLinkDialog::enablePaper() {
+    for (const int control : kPaperControls)
+        if ((::IsWindowEnabled(item(control)) != FALSE) != model_.hasPaperColour())
+            ::EnableWindow(item(control), model_.hasPaperColour());
+}
+
+bool DeviceLinkDialog::paintSwatch(const DRAWITEMSTRUCT& drawing) const {
+    if (drawing.CtlID != IDC_LINK_SWATCH) return false;
+    const Canvas canvas(drawing.hDC, drawing.rcItem);
+    const Size size = canvas.size();
+    const COLORREF colour = model_.swatch().value_or(::GetSysColor(COLOR_BTNFACE));
+    jRectangle(canvas.dc(), kRectangleBoth, 0, 0, size.width, size.height, colour,
+               ::GetSysColor(COLOR_BTNSHADOW));
+    if (drawing.itemState & ODS_FOCUS) {
+        const RECT inside{2, 2, size.width - 2, size.height - 2};
+        ::DrawFocusRect(canvas.dc(), &inside);
+    }
+    return true;
+}
+
+INT_PTR DeviceLinkDialog::colourOf(HDC dc, int control) const {
+    for (const PathControls& path : kPaths) {
+        if (path.edit != control || !model_.isRefused(path.which)) continue;
+        ::SetTextColor(dc, kRefused);
+        ::SetBkColor(dc, ::GetSysColor(COLOR_WINDOW));
+        return reinterpret_cast<INT_PTR>(::GetSysColorBrush(COLOR_WINDOW));
+    }
+    return FALSE;
+}
+
+std::optional<TypedPath> DeviceLinkDialog::choosePath(LinkPath which, Choice choice,
+                                                      std::string_view initial,
+                                                      std::string_view filter) {
+    const auto file =
+        chooseFile(window_, choice == Choice::fileToSave ? 1 : 0, initial, wideText(filter));
+    if (!file) return std::nullopt;
+    for (const PathControls& path : kPaths)
+        if (path.which == which) setText(window_, path.edit, *file);  // shown even if refused
+    const TypedPath path = systemPath(*file);
+    return path && path->size() < KOLINK_PATH_SIZE ? path : TypedPath();  // cut, it were another file
+}
+
+void DeviceLinkDialog::tell(std::string_view text, Icon icon) {
+    forgetInput();
+    showMessage(window_, wideText(texts::kLinkCaption), wideText(text),
+                MB_OK | (icon == Icon::information ? MB_ICONINFORMATION : MB_ICONEXCLAMATION));
+}
+
+}  // namespace
+
+INT_PTR deviceLinkMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    // An exception must not pass through the system's frames: a dialog that cannot open ends, a
+    // message that cannot be handled is left alone.
+    if (message == WM_INITDIALOG)
+        return atBoundary<INT_PTR>(FALSE, [&] {
+            try {
+                return DeviceLinkDialog::open(window, reinterpret_cast<CmsLinkSettings*>(lParam));
+            } catch (...) {
+                ::EndDialog(window, -1);
+                throw;
+            }
+        });
+    const auto dialog = DeviceLinkDialog::of(window);  // held while the message is handled
+    if (!dialog) return FALSE;
+    return atBoundary<INT_PTR>(FALSE, [&] { return dialog->message(message, wParam, lParam); });
+}
+
+}  // namespace ko::front

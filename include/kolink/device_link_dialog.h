@@ -1,0 +1,40 @@
+/* The device-link dialog. Windows only. */
+#ifndef KOLINK_DEVICE_LINK_DIALOG_H
+#define KOLINK_DEVICE_LINK_DIALOG_H
+
+#include "kolink/link_settings.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+KOLINK_BEGIN
+
+/* A modal editor of link settings, in Japanese, whose Create button makes the CMYK device link
+ * with jKoCmykCombineProfile and writes it to outputPath with jKoCmykSaveProfile. A link counts as
+ * written when it can be read back from its file; otherwise the user is told, and the dialog stays
+ * open. One may be open at a time, on the calling thread; it opens where it was closed last.
+ *   owner     the window that waits for the dialog; may be null
+ *   settings  edited in a copy. An intent or a mode that the dialog does not offer is kept until
+ *             another one is chosen. A path that the system's code page cannot name is refused:
+ *             its field turns red, and no link is made before it is put right. A limit is shown in
+ *             percent of 255, at most 100, and kept as it is unless that field is edited.
+ * Returns 1 when a link was made, settings then holding what it was made with; 0 after Cancel and
+ * for null, settings untouched. */
+KOLINK_API int32_t jCmsDeviceLinkDlg(HWND owner, CmsLinkSettings *settings);
+
+/* The procedure of that dialog, for a host that opens the template "CMSLINKDLG" of this library
+ * itself:
+ *     DialogBoxParamW(library, L"CMSLINKDLG", owner, jCmsDeviceLinkDlgProc, (LPARAM)settings)
+ * DialogBoxParamA works as well, but shows Japanese on Japanese systems alone.
+ *   lParam of WM_INITDIALOG  the CmsLinkSettings to edit, written only when a link was made, just
+ *             before the dialog ends with 1; must live until then. Null begins with the settings of
+ *             jCmsInitCms, which are lost at the end.
+ * The dialog keeps what it needs with its window: windows that are not this dialog, null and
+ * messages before WM_INITDIALOG are answered with FALSE. */
+KOLINK_API INT_PTR CALLBACK jCmsDeviceLinkDlgProc(HWND dialog, UINT message, WPARAM wParam,
+                                                  LPARAM lParam);
+
+KOLINK_END
+
+#endif
+#endif
