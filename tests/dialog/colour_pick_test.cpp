@@ -241,17 +241,49 @@ TEST(ColourPickDialog, TheKeyboardReachesFieldAndStrips) {
     EXPECT_EQ(result, 0x00000003u);
 }
 
-TEST(ColourPickDialog, LooksRightInBothUnits) {
-    pick(0x0a141e05, [](const DialogWindow& dialog) {
+TEST(DialogLayout, OfTheColourPickIsRightInBothUnits) {
+    pick(0xffffffff, [](const DialogWindow& dialog) {
         expectALook(dialog);
+        dialog.click(IDC_PICK_256);
+        EXPECT_EQ(textsOf(dialog), L"255 255 255 255 ");
+        expectTextsFit(dialog);
+        expectNothingIsCovered(dialog);
+    });
+}
+
+TEST(DialogLayout, OfTheColourPickHasItsStripsBesideTheField) {
+    pick(0, [](const DialogWindow& dialog) {
+        const auto place = [&](int control) { return placeOf(dialog.item(control), dialog.handle()); };
+        const RECT field = place(IDC_PICK_FIELD), lightness = place(IDC_PICK_LIGHTNESS),
+                   black = place(IDC_PICK_BLACK);
+        EXPECT_GE(field.right - field.left, 242);  // two pixels a column, two a row
+        EXPECT_GE(field.bottom - field.top, 130);
+        EXPECT_EQ(lightness.top, field.top);
+        EXPECT_EQ(lightness.bottom, field.bottom);
+        EXPECT_EQ(black.right, field.right);
+        EXPECT_EQ(place(IDC_PICK_LIGHTNESS_MARK).top, lightness.top);
+        EXPECT_EQ(place(IDC_PICK_BLACK_MARK).left, black.left);
+    });
+}
+
+TEST(DialogLayout, OfTheColourPickShowsWhereItsColourIs) {
+    pick(0x0a141e05, [](const DialogWindow& dialog) {
         clickAt(dialog, IDC_PICK_FIELD, {sizeOf(dialog, IDC_PICK_FIELD).cx * 3 / 4,
                                          sizeOf(dialog, IDC_PICK_FIELD).cy / 3});
         clickAt(dialog, IDC_PICK_LIGHTNESS, {3, sizeOf(dialog, IDC_PICK_LIGHTNESS).cy / 3});
         dialog.enter(IDC_PICK_K, L"5", IDC_PICK_FIELD);
-        keepPicture(pictureOf(dialog), "colour-pick");
-        dialog.click(IDC_PICK_256);
-        expectTextsFit(dialog);
-        expectNothingIsCovered(dialog);
+        const Picture picture = pictureOf(dialog);
+        RECT window, mark;
+        ::GetWindowRect(dialog.handle(), &window);
+        ::GetWindowRect(dialog.item(IDC_PICK_LIGHTNESS_MARK), &mark);
+        const auto black = [&](LONG y) {  // at the tip of the marker
+            const auto at = static_cast<size_t>(y - window.top) * static_cast<size_t>(picture.width) +
+                            static_cast<size_t>(mark.left - window.left);
+            return (picture.pixels[at] & 0xffffff) == 0;
+        };
+        EXPECT_TRUE(black(mark.top + (mark.bottom - mark.top) / 3));
+        EXPECT_FALSE(black(mark.top + (mark.bottom - mark.top) / 2));
+        keepPicture(picture, "colour-pick");
     });
 }
 

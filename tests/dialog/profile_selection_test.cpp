@@ -37,17 +37,18 @@ std::filesystem::path loadedLibrary() {
     return path;
 }
 
-class ProfileSelectionDialog : public testing::Test {
-protected:
-    ProfileSelectionDialog() {
+// A folder with a library of its own and the profiles that it offers.
+struct Home {
+    Home() {
         std::filesystem::create_directories(home.folder() / "ini");
         std::filesystem::create_directories(home.folder() / "profiles");
         writeFile(home.path("ini/KoLink.ini"), "<INI>\r\n    KO_FOLDER = .\\profiles\r\n</INI>\r\n");
         std::filesystem::copy_file(loadedLibrary(), home.folder() / "KoLink.dll");
     }
-    ~ProfileSelectionDialog() override {
+    ~Home() {
         if (library) ::FreeLibrary(library);
     }
+    Home(const Home&) = delete;
     std::string path(const std::string& name) const {
         return (home.folder() / "profiles" / name).string();
     }
@@ -59,19 +60,24 @@ protected:
         add("wide.icm", "RGB ");
         add("press.icc", "CMYK");
     }
-    int32_t open(ProfileSelection* selection, const std::function<void(const DialogWindow&)>& drive,
-                 HWND owner = nullptr) {
+    int32_t call(HWND owner, ProfileSelection* selection) {
         if (!library) library = ::LoadLibraryW((home.folder() / "KoLink.dll").c_str());
         using Function = int32_t (*)(HWND, ProfileSelection*);
         const auto function = reinterpret_cast<Function>(
             reinterpret_cast<void*>(::GetProcAddress(library, "jColorProfileSelectDlg")));
+        return function ? function(owner, selection) : -1;
+    }
+    int32_t open(ProfileSelection* selection, const std::function<void(const DialogWindow&)>& drive,
+                 HWND owner = nullptr) {
         int32_t result = -1;
-        if (function) openDialog([&] { result = function(owner, selection); }, drive);
+        openDialog([&] { result = call(owner, selection); }, drive);
         return result;
     }
     TempFolder home;
     HMODULE library = nullptr;
 };
+
+class ProfileSelectionDialog : public testing::Test, protected Home {};
 
 Texts entriesOf(const DialogWindow& dialog, int list) {
     const HWND window = dialog.item(list);
@@ -229,11 +235,7 @@ TEST_F(ProfileSelectionDialog, AnEmptyFolderOffersNothingToSet) {
 }
 
 TEST_F(ProfileSelectionDialog, NoRecordIsRefusedAtOnce) {
-    if (!library) library = ::LoadLibraryW((home.folder() / "KoLink.dll").c_str());
-    const auto function = reinterpret_cast<int32_t (*)(HWND, ProfileSelection*)>(
-        reinterpret_cast<void*>(::GetProcAddress(library, "jColorProfileSelectDlg")));
-    ASSERT_NE(function, nullptr);
-    EXPECT_EQ(function(nullptr, nullptr), 0);
+    EXPECT_EQ(call(nullptr, nullptr), 0);
 }
 
 TEST_F(ProfileSelectionDialog, NamesOfTheUsersLanguageAreShownAsTheyAre) {
@@ -261,22 +263,26 @@ TEST_F(ProfileSelectionDialog, NamesOfTheUsersLanguageAreShownAsTheyAre) {
     EXPECT_EQ(wide(record.rgbPath), (folder / own).wstring());
 }
 
+LONG textWidth(HWND control, const std::wstring& text) {
+    const HDC dc = ::GetDC(control);
+    const HGDIOBJ before = ::SelectObject(
+        dc, reinterpret_cast<HGDIOBJ>(::SendMessageW(control, WM_GETFONT, 0, 0)));
+    SIZE size{};
+    ::GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    ::SelectObject(dc, before);
+    ::ReleaseDC(control, dc);
+    return size.cx;
+}
+
 TEST_F(ProfileSelectionDialog, TheOpenedListIsAsWideAsItsLongestName) {
     const std::string name = std::string(100, 'W') + ".icc";
     add(name, "RGB ");
     ProfileSelection record{};
     open(&record, [&](const DialogWindow& dialog) {
         const HWND list = dialog.item(IDC_SELECT_RGB);
-        const HDC dc = ::GetDC(list);
-        const HGDIOBJ before = ::SelectObject(
-            dc, reinterpret_cast<HGDIOBJ>(::SendMessageW(list, WM_GETFONT, 0, 0)));
-        SIZE size{};
-        ::GetTextExtentPoint32W(dc, wide(name).c_str(), static_cast<int>(name.size()), &size);
-        ::SelectObject(dc, before);
-        ::ReleaseDC(list, dc);
         const LRESULT widest = ::GetSystemMetrics(SM_CXSCREEN);
         const LRESULT dropped = ::SendMessageW(list, CB_GETDROPPEDWIDTH, 0, 0);
-        EXPECT_GT(dropped, std::min<LRESULT>(size.cx, widest - 1));
+        EXPECT_GT(dropped, std::min<LRESULT>(textWidth(list, wide(name)), widest - 1));
         EXPECT_LE(dropped, widest);
         RECT closed;
         ::GetWindowRect(dialog.item(IDC_SELECT_CMYK), &closed);
@@ -328,11 +334,7 @@ TEST_F(ProfileSelectionDialog, ASecondOpeningFromTheMessageLoopDoesNotDisturbThe
         &first,
         [&](const DialogWindow& dialog) {
             choose(dialog, IDC_SELECT_RGB, 1);
-            postCall(owner, [&] {
-                using Function = int32_t (*)(HWND, ProfileSelection*);
-                inner = reinterpret_cast<Function>(reinterpret_cast<void*>(
-                    ::GetProcAddress(library, "jColorProfileSelectDlg")))(owner, &second);
-            });
+            postCall(owner, [&] { inner = call(owner, &second); });
             HWND opened = nullptr;
             ASSERT_TRUE(eventually([&] {
                 opened = ::GetLastActivePopup(owner);
@@ -354,14 +356,27 @@ TEST_F(ProfileSelectionDialog, ASecondOpeningFromTheMessageLoopDoesNotDisturbThe
     EXPECT_EQ(second.rgbPath, path("wide.icm"));
 }
 
-using DialogLayoutOfProfileSelection = ProfileSelectionDialog;
+// How much wider than the closed list the longest of its entries is; below 0 when it fits.
+LONG excessOf(const DialogWindow& dialog, int list) {
+    COMBOBOXINFO parts{};
+    parts.cbSize = sizeof parts;
+    ::GetComboBoxInfo(dialog.item(list), &parts);
+    LONG longest = 0;
+    for (const std::wstring& entry : entriesOf(dialog, list))
+        longest = std::max(longest, textWidth(dialog.item(list), entry));
+    return longest - (parts.rcItem.right - parts.rcItem.left);
+}
 
-TEST_F(DialogLayoutOfProfileSelection, LooksRightInEveryLanguage) {
-    for (const char* name : {"Wide gamut.icc", "Office screen.icc", "sRGB.icm"}) add(name, "RGB ");
-    for (const char* name : {"Coated paper 39L.icc", "Newsprint.icc"}) add(name, "CMYK");
-    ProfileSelection record = recordOf(path("Office screen.icc"), path("Coated paper 39L.icc"), 1);
-    open(&record, [](const DialogWindow& dialog) {
+TEST(DialogLayout, OfTheProfileSettingIsRightInEveryLanguage) {
+    Home home;
+    for (const char* name : {"Wide gamut.icc", "Office screen.icc", "Scanner.icm"}) home.add(name, "RGB ");
+    for (const char* name : {"Coated paper 39L.icc", "Newsprint.icc"}) home.add(name, "CMYK");
+    ProfileSelection record =
+        recordOf(home.path("Office screen.icc"), home.path("Coated paper 39L.icc"), 1);
+    home.open(&record, [](const DialogWindow& dialog) {
         expectALook(dialog);
+        for (const int list : {IDC_SELECT_RGB, IDC_SELECT_CMYK, IDC_SELECT_INTENT})
+            EXPECT_LE(excessOf(dialog, list), 0) << list;
         keepPicture(pictureOf(dialog), "profile-selection-" + language());
     });
 }

@@ -4,10 +4,12 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <filesystem>
 #include <thread>
 
 #include "frame/platform.h"
 #include "frame/state.h"
+#include "tests/support/files.h"
 
 namespace ko {
 namespace {
@@ -95,6 +97,24 @@ TEST(NamedMutex, ThatWasAbandonedIsTakenLikeAFreeOne) {
     platform::lock(*next);
     platform::unlockAndClose(next);
     platform::closeNamedMutex(kept);
+}
+
+TEST(FilesMatching, NamesThatTheCodePageCannotSayComeInTheirShortForm) {
+    const test::TempFolder folder;
+    test::writeFile(folder.path("plain.icc"), "plain");
+    // Thai is on none of the code pages that are in use here.
+    std::filesystem::copy_file(folder.folder() / "plain.icc", folder.folder() / L"\u0e01\u0e02.icc");
+    const auto names = platform::filesMatching(folder.path("*.icc").c_str());
+    ASSERT_EQ(names.size(), 2u);
+    for (const std::string& name : names) EXPECT_EQ(test::readText(folder.path(name)), "plain") << name;
+}
+
+TEST(SamePath, IgnoresTheCaseOfTheCodePagesLetters) {
+    EXPECT_TRUE(platform::samePath("C:\\Colour\\a.ICC", "c:\\colour\\A.icc"));
+    EXPECT_FALSE(platform::samePath("a.icc", "a.icm"));
+    EXPECT_FALSE(platform::samePath("a.icc", "a.ic"));
+    if (::GetACP() == 1252) EXPECT_TRUE(platform::samePath("\xc9.icc", "\xe9.icc"));  // an acute E
+    if (::GetACP() == 932) EXPECT_TRUE(platform::samePath("\x82\x60", "\x82\x81"));  // a wide A
 }
 
 }  // namespace
