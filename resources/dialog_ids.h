@@ -111,4 +111,46 @@
 #define IDC_LINK_AMOUNT_UNIT 1182
 #define IDC_LINK_SHOW_PAPER 101 /* a command without a control: the swatch is to be painted anew */
 
+/* The page of the CMYK profile that corrects colours locally. */
+#define IDC_CUBE_AREA 1094
+#define IDC_CUBE_SATURATION_BAR 1100
+#define IDC_CUBE_HUE_BAR 1190
+#define IDC_CUBE_LIGHTNESS 1155
+#define IDC_CUBE_LIGHTNESS_BAR 1109
+#define IDC_CUBE_BLACK 1112
+#define IDC_CUBE_BLACK_BAR 1191
+#define IDC_CUBE_RANGE 1140 /* hue and saturation, from where to where */
+#define IDC_CUBE_BLACK_SPAN 1128
+#define IDC_CUBE_LIGHTNESS_SPAN 1129
+#define IDC_CUBE_COUNT 1192
+#define IDC_CUBE_SATURATION 1141
+#define IDC_CUBE_HUE 1142
+#define IDC_CUBE_SCALE 1157 /* what the fields count in */
+#define IDC_CUBE_C 1037 /* the colour picked */
+#define IDC_CUBE_M 1036
+#define IDC_CUBE_Y 1038
+#define IDC_CUBE_K 1039
+#define IDC_CUBE_SPIN_C 1101
+#define IDC_CUBE_SPIN_M 1102
+#define IDC_CUBE_SPIN_Y 1103
+#define IDC_CUBE_SPIN_K 1104
+#define IDC_CUBE_CURRENT_C 1087 /* what the profile makes of it */
+#define IDC_CUBE_CURRENT_M 1088
+#define IDC_CUBE_CURRENT_Y 1089
+#define IDC_CUBE_CURRENT_K 1090
+#define IDC_CUBE_CHANGED_C 1041 /* what it is to make of it */
+#define IDC_CUBE_CHANGED_M 1040
+#define IDC_CUBE_CHANGED_Y 1042
+#define IDC_CUBE_CHANGED_K 1043
+#define IDC_CUBE_CHANGED_SPIN_C 1105
+#define IDC_CUBE_CHANGED_SPIN_M 1106
+#define IDC_CUBE_CHANGED_SPIN_Y 1107
+#define IDC_CUBE_CHANGED_SPIN_K 1108
+#define IDC_CUBE_256 1134
+#define IDC_CUBE_BEFORE 1193 /* swatches */
+#define IDC_CUBE_AFTER 1194
+#define IDC_CUBE_CHANGE 1031
+#define IDC_CUBE_UNDO 1195
+#define IDC_CUBE_INITIALISE 1033
+
 #endif

@@ -73,12 +73,14 @@ public:
     int32_t nodesInRange() const noexcept { return nodesInRange_; }  // those that change() touches
     bool canUndo() const noexcept { return undo_.has_value(); }
 
-    std::string shown(int32_t level) const;  // as the fields show levels
+    int32_t shownValue(int32_t level) const noexcept;  // as the fields show levels
+    std::string shown(int32_t level) const { return std::to_string(shownValue(level)); }
     // Shift-JIS: the spans, or that none is specified; hue and saturation from where to where.
     std::string lightnessText() const;
     std::string blackText() const;
     std::string rangeText() const;
     std::string countText() const;
+    static std::string changedText(int32_t count);  // after a change
 
     // Pictures. The area's cells are 2 degrees by 1 percent, a scale's 1 percent.
     Cells areaCells(ColourDisplay display) const;

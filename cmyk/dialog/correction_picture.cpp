@@ -51,8 +51,8 @@ std::vector<uint32_t> printed(const CmykProfile& profile, const std::vector<uint
 
 }  // namespace
 
-std::string ColourCorrection::shown(int32_t level) const {
-    return std::to_string(valueToDisplay(levels256_, level));
+int32_t ColourCorrection::shownValue(int32_t level) const noexcept {
+    return valueToDisplay(levels256_, level);
 }
 
 std::string ColourCorrection::lightnessText() const {
@@ -77,6 +77,10 @@ std::string ColourCorrection::rangeText() const {
 
 std::string ColourCorrection::countText() const {
     return filled(texts::kNodesInRange, nodesInRange_, 0);
+}
+
+std::string ColourCorrection::changedText(int32_t count) {
+    return filled(texts::kNodesChanged, count, 0);
 }
 
 Cells ColourCorrection::areaCells(ColourDisplay display) const {

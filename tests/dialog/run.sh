@@ -6,7 +6,7 @@ readonly dpi=$1
 shift
 scratch=$(mktemp -d)
 wineserver --kill 2> /dev/null  # one that was started without a screen has none
-Xvfb -displayfd 3 -screen 0 1600x1200x24 -nolisten tcp 3> "$scratch/display" 2> "$scratch/xvfb" &
+Xvfb -displayfd 3 -screen 0 2400x1800x24 -nolisten tcp 3> "$scratch/display" 2> "$scratch/xvfb" &
 xvfb=$!
 trap 'wineserver --kill 2> /dev/null; kill $xvfb; rm -rf "$scratch"' EXIT
 for _ in $(seq 100); do
