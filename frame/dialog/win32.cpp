@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/boundary.h"
+#include "frame/dialog/template.h"
 #include "frame/platform.h"
 #include "frame/state.h"
 #include "frame/text.h"
@@ -267,8 +268,9 @@ void Dialog::leaveFocusedField() noexcept {
 }
 
 INT_PTR ModalDialog::run(HWND owner, const wchar_t* templateName) {
-    return ::DialogBoxParamW(module(), templateName, owner, procedure,
-                             reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
+    const Template shown(templateName);
+    return ::DialogBoxIndirectParamW(module(), shown.get(), owner, procedure,
+                                     reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
 }
 
 INT_PTR ModalDialog::started(bool complete) noexcept {
@@ -283,8 +285,9 @@ void ModalDialog::end(INT_PTR result) {
 
 bool ChildDialog::create(HWND parent, const wchar_t* templateName) {
     destroy();
-    ::CreateDialogParamW(module(), templateName, parent, procedure,
-                         reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
+    const Template shown(templateName);
+    ::CreateDialogIndirectParamW(module(), shown.get(), parent, procedure,
+                                 reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
     if (window() && !complete_) destroy();
     return window() != nullptr;
 }

@@ -19,13 +19,19 @@ export DISPLAY
 set_value() { wine reg add "$1" /v "$2" /t "$3" /d "$4" /f > /dev/null; }
 set_value 'HKCU\Control Panel\Desktop' LogPixels REG_DWORD "$dpi"
 set_value 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ N  # Wine draws the frames itself
-# As on a Chinese Windows, captions and messages have a Chinese font there; Wine's own knows none.
+# Wine's font for captions and messages lacks what another language's needs: they get one that has
+# it, as Windows finds by itself. In Japanese Wine finds it too.
 metrics='HKCU\Control Panel\Desktop\WindowMetrics'
+font_of() {  # CHARSET FACE: a regular font, eleven pixels high, as the registry holds it
+    local face
+    face=$(printf '%s' "$2" | iconv -t UTF-16LE | od -An -v -tx1 | tr -d ' \n')
+    printf 'F5FFFFFF%024d90010000000000%s00000022%s%0*d' 0 "$1" "$face" $((128 - ${#face})) 0
+}
 for font in CaptionFont MessageFont; do
     case ${LC_ALL:-} in
-        zh*) set_value "$metrics" $font REG_BINARY "F5FFFFFF$(printf '0%.0s' {1..24})90010000$(
-                 )0000008600000022530069006D00530075006E00$(printf '0%.0s' {1..104})" ;;
-        *)   wine reg delete "$metrics" /v $font /f > /dev/null 2>&1 ;;
+        ja*) wine reg delete "$metrics" /v $font /f > /dev/null 2>&1 ;;
+        zh*) set_value "$metrics" $font REG_BINARY "$(font_of 86 SimSun)" ;;
+        *)   set_value "$metrics" $font REG_BINARY "$(font_of 80 'VL PGothic')" ;;
     esac
 done
 wineserver --kill
