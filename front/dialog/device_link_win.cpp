@@ -3,8 +3,8 @@
 // property and lives as long as the window or a message that is being handled.
 #include "front/dialog/device_link_win.h"
 
-#include <algorithm>
-#include <iterator>
+#include <shellapi.h>
+
 #include <memory>
 
 #include "frame/boundary.h"
@@ -64,6 +64,12 @@ void forgetInput() noexcept {
     while (::PeekMessageW(&message, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE)) {}
 }
 
+// Nothing for one that the system's code page cannot name, or that were another file when cut.
+TypedPath pathOf(std::wstring_view file) {
+    const TypedPath path = systemPath(file);
+    return path && path->size() < KOLINK_PATH_SIZE ? path : TypedPath();
+}
+
 class DeviceLinkDialog final : public DeviceLinkHost {
 public:
     static INT_PTR open(HWND window, CmsLinkSettings* record);
@@ -102,6 +108,7 @@ private:
     void end(INT_PTR result);
     void leavePath(const PathControls& path);
     void leaveAmount();
+    void drop(HDROP files);
     void takeFields();
     void showPath(const PathControls& path);
     void enablePaper();
@@ -149,6 +156,10 @@ INT_PTR DeviceLinkDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CTLCOLOREDIT:
             return colourOf(reinterpret_cast<HDC>(wParam),
                             ::GetDlgCtrlID(reinterpret_cast<HWND>(lParam)));
+        case WM_DROPFILES:
+            if (!busy_ && !ended_) drop(reinterpret_cast<HDROP>(wParam));
+            ::DragFinish(reinterpret_cast<HDROP>(wParam));
+            return TRUE;
         case WM_PAINT: paperChanged(); return FALSE;
         case WM_NCDESTROY:
             delete static_cast<Holder*>(::RemovePropW(window_, kProperty));
@@ -169,6 +180,7 @@ void DeviceLinkDialog::opened() {
         ::CheckDlgButton(window_, radio.control,
                          (model_.*radio.is)(radio.number) ? BST_CHECKED : BST_UNCHECKED);
     enablePaper();
+    ::DragAcceptFiles(window_, TRUE);
     if (!place_.known) place_.remember(window_);
     place_.apply(window_);
 }
@@ -246,6 +258,22 @@ void DeviceLinkDialog::leavePath(const PathControls& path) {
     showPath(path);
 }
 
+// A file that is dropped on a path's field.
+void DeviceLinkDialog::drop(HDROP files) {
+    wchar_t name[1024];
+    POINT at;
+    if (!::DragQueryFileW(files, 0, name, std::size(name)) || !::DragQueryPoint(files, &at)) return;
+    ::ClientToScreen(window_, &at);
+    for (const PathControls& path : kPaths) {
+        RECT field;
+        ::GetWindowRect(item(path.edit), &field);
+        if (!::PtInRect(&field, at)) continue;
+        setText(window_, path.edit, std::wstring_view(name));
+        model_.leavePath(path.which, pathOf(name));
+        showPath(path);
+    }
+}
+
 // Percent is coarser than the setting, so that a field which nobody touched leaves it as it is.
 void DeviceLinkDialog::leaveAmount() {
     const std::string typed = asciiOf(window_, IDC_LINK_AMOUNT);
@@ -306,8 +334,7 @@ std::optional<TypedPath> DeviceLinkDialog::choosePath(LinkPath which, Choice cho
     if (!file) return std::nullopt;
     for (const PathControls& path : kPaths)
         if (path.which == which) setText(window_, path.edit, *file);  // shown even if refused
-    const TypedPath path = systemPath(*file);
-    return path && path->size() < KOLINK_PATH_SIZE ? path : TypedPath();  // cut, it were another file
+    return pathOf(*file);
 }
 
 void DeviceLinkDialog::tell(std::string_view text, Icon icon) {

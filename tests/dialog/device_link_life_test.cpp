@@ -198,8 +198,8 @@ TEST(DeviceLinkLifetime, CommandsDuringAMessageAreIgnored) {
                   [&](const DialogWindow& dialog) {
                       dialog.press(IDOK);
                       const DialogWindow message = dialog.asked();
-                      for (const int command : {IDCANCEL, IDOK, IDC_LINK_BROWSE_BASE,
-                                                IDC_LINK_SWATCH, IDC_LINK_SATURATION})
+                      for (const int command : {IDC_LINK_SATURATION, IDC_LINK_BROWSE_BASE,
+                                                IDC_LINK_SWATCH, IDOK, IDCANCEL})
                           ::SendMessageW(dialog.handle(), WM_COMMAND,
                                          static_cast<WPARAM>(command), 0);
                       ::SendMessageW(dialog.handle(), WM_CLOSE, 0, 0);

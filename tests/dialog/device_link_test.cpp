@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstring>
 #include <memory>
 
@@ -11,6 +10,8 @@
 #include "kolink/icc_file.h"
 #include "tests/dialog/layout.h"
 #include "tests/dialog/lifetime.h"
+
+#include <shlobj.h>
 
 using namespace ko::test;
 
@@ -549,6 +550,52 @@ TEST(DeviceLinkDialog, ALinkInAFolderNamedInTheSystemsLanguageIsWrittenAndShown)
     look(settings, [&](const DialogWindow& dialog) {
         EXPECT_EQ(dialog.text(IDC_LINK_OUTPUT), output);
     });
+}
+
+// As the system hands over what was dropped at a place of the dialog.
+void drop(const DialogWindow& dialog, POINT at, const std::vector<std::wstring>& files) {
+    std::wstring names;
+    for (const std::wstring& file : files) names += file + L'\0';
+    names += L'\0';
+    const HGLOBAL block =
+        ::GlobalAlloc(GMEM_MOVEABLE, sizeof(DROPFILES) + names.size() * sizeof(wchar_t));
+    auto* const head = static_cast<DROPFILES*>(::GlobalLock(block));
+    *head = {sizeof(DROPFILES), at, FALSE, TRUE};
+    names.copy(reinterpret_cast<wchar_t*>(head + 1), names.size());
+    ::GlobalUnlock(block);
+    ::SendMessageW(dialog.handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
+}
+
+TEST(DeviceLinkDialog, AFileDroppedOnAFieldIsItsPath) {
+    const TempFolder folder;
+    CmsLinkSettings settings = newSettings();
+    EXPECT_EQ(edit(settings,
+                   [&](const DialogWindow& dialog) {
+                       const auto middleOf = [&](int control) {
+                           const RECT place = placeOf(dialog.item(control), dialog.handle());
+                           return POINT{(place.left + place.right) / 2,
+                                        (place.top + place.bottom) / 2};
+                       };
+                       for (const int field : kEdits) {
+                           const std::wstring own = named(L"file") + std::to_wstring(field);
+                           drop(dialog, middleOf(field), {own, named(L"second")});
+                           for (const int other : kEdits)
+                               EXPECT_EQ(dialog.text(other) == own, other == field);
+                           drop(dialog, middleOf(field), {});
+                           EXPECT_EQ(dialog.text(field), own);
+                           dialog.enter(field, L"", IDCANCEL);
+                       }
+                       drop(dialog, middleOf(IDC_LINK_RELATIVE), {named(L"nowhere")});
+                       drop(dialog, {-5, 100000}, {named(L"nowhere")});
+                       drop(dialog, middleOf(IDC_LINK_BASE), {std::wstring(3000, L'x')});
+                       drop(dialog, middleOf(IDC_LINK_BASE), {L"Z:\\\x0e01.icc"});
+                       EXPECT_EQ(create(dialog), kNotMade);
+                       dialog.enter(IDC_LINK_BASE, L"", IDCANCEL);
+                       drop(dialog, middleOf(IDC_LINK_OUTPUT), {wide(folder.path("made.icc"))});
+                       EXPECT_EQ(create(dialog), kMade);
+                   }),
+              1);
+    EXPECT_EQ(settings.outputPath, folder.path("made.icc"));
 }
 
 TEST(DeviceLinkDialog, BlanksAndQuotationMarksAroundAPathGo) {
