@@ -7,12 +7,13 @@
 
 namespace ko::cmyk {
 
-TonePage::TonePage(CmykProfile& profile, CurveSet& set)
-    : CurveEditor(kChannels, kCurvePoints, {3, 4}, 0x0f), profile_(profile), set_(set) {}
+TonePage::TonePage(CmykProfile& profile, CurveSet& remembered)
+    : CurveEditor(kChannels, kCurvePoints, {3, 4}, 0x0f), profile_(profile), set_(remembered),
+      remembered_(remembered) {}
 
 void TonePage::chooseSet(CurveSet set) noexcept {
     release();
-    set_ = set;
+    set_ = remembered_ = set;
 }
 
 void TonePage::reset() noexcept {

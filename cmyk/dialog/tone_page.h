@@ -17,9 +17,9 @@ enum class CurveSet { input, output };
 
 class TonePage final : public tone::CurveEditor {
 public:
-    // Edits the profile's curves in place. set is where the choice of the set is kept; it outlives
-    // the page.
-    TonePage(CmykProfile& profile, CurveSet& set);
+    // Edits the profile's curves in place. remembered is the choice of the set that the next page
+    // begins with; it outlives this one.
+    TonePage(CmykProfile& profile, CurveSet& remembered);
 
     CurveSet curveSet() const noexcept { return set_; }
     void chooseSet(CurveSet set) noexcept;  // ends a drag as it stands
@@ -49,7 +49,8 @@ private:
         std::array<uint8_t, kCurvePoints> values, flags;
     };
     CmykProfile& profile_;
-    CurveSet& set_;
+    CurveSet set_;
+    CurveSet& remembered_;
     std::array<Curve, kChannels> kept_{};  // of the set, from when the drag began
 };
 

@@ -16,6 +16,10 @@ KOLINK_BEGIN
  *   path   char[260], in the system's code page: what jKoCmykLoadProfile reads; empty, or a
  *          folder that ends in a backslash, for a new profile. Takes the path last saved under,
  *          also after Cancel; empty when a new profile was not saved.
+ * Points of the curves are hit strictly within 3 pixels across and 4 down; a right click takes a
+ * drag back or removes a point, never an end. A percentage is taken over only after someone has
+ * typed in its field. Name and comment are stored in Shift-JIS, cut at a whole character to 63 and
+ * 499 bytes; a character that Shift-JIS lacks becomes '?'.
  * OK saves first; a profile without a file asks for one, and a person who cancels that closes the
  * editor all the same. Files that are not named .icc get ".icc" appended to their name.
  * Returns 1 for OK and 0 for Cancel. A file that cannot be read is told to the user; the result

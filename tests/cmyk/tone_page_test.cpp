@@ -141,6 +141,14 @@ TEST(TonePage, TheChoiceOfTheSetOutlivesThePage) {
     EXPECT_EQ(TonePage(*editing.profile, editing.set).curveSet(), CurveSet::output);
 }
 
+TEST(TonePage, AChoiceOnAnotherPageLeavesThisOneAlone) {
+    Editing editing;
+    TonePage(*editing.profile, editing.set).chooseSet(CurveSet::output);
+    EXPECT_EQ(editing.page.curveSet(), CurveSet::input);
+    editing.type(0, 10, "100");
+    EXPECT_EQ(editing.profile->curveValues[0][10], 255);
+}
+
 TEST(TonePage, ChoosingASetEndsADragAndKeepsThePoint) {
     Editing editing;
     editing.drag(0, 10, 99);
