@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "resources/dialog_ids.h"
 #include "tests/dialog/layout.h"
 #include "tests/dialog/lifetime.h"
@@ -300,7 +302,9 @@ TEST(ProfileTonePage, LooksAsItShould) {
     const TempFolder folder;
     const std::string path = folder.path("press.icc");
     writeLink(path, "\x88\xf3\x8d\xfc\x8b\x40 3", "coated\r\n150 lpi");
-    openDialog(jKoCmykProfileDlg, path, [](const DialogWindow& dialog) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.folder());  // a short caption
+    openDialog(jKoCmykProfileDlg, "press.icc", [](const DialogWindow& dialog) {
         const DialogWindow page = pageOf(dialog);
         page.click(IDC_CURVES_INPUT);
         moveTo(page, 32);
@@ -316,6 +320,7 @@ TEST(ProfileTonePage, LooksAsItShould) {
             EXPECT_GT(picture.count(colour), 50) << std::hex << colour;
         keepPicture(picture, "profile-tone-" + language());
     });
+    std::filesystem::current_path(before);
 }
 
 }  // namespace
