@@ -131,7 +131,24 @@ void expectEveryControlHasAName(const DialogWindow& dialog) {
     }
 }
 
+void expectEveryLetterHasAGlyph(const DialogWindow& dialog) {
+    for (const HWND control : controlsOf(dialog.handle())) {
+        if (classOf(control) != L"Static" && classOf(control) != L"Button") continue;
+        const std::wstring text = textOf(control);
+        std::vector<WORD> glyphs(text.size() + 1);
+        const HDC dc = ::GetDC(control);
+        const auto font = reinterpret_cast<HGDIOBJ>(::SendMessageW(control, WM_GETFONT, 0, 0));
+        const HGDIOBJ before = ::SelectObject(dc, font);
+        ::GetGlyphIndicesW(dc, text.c_str(), static_cast<int>(text.size()), glyphs.data(),
+                           GGI_MARK_NONEXISTING_GLYPHS);
+        ::SelectObject(dc, before);
+        ::ReleaseDC(control, dc);
+        EXPECT_EQ(std::count(glyphs.begin(), glyphs.end(), 0xffff), 0) << ::GetDlgCtrlID(control);
+    }
+}
+
 void expectALook(const DialogWindow& dialog) {
+    expectEveryLetterHasAGlyph(dialog);
     expectTextsFit(dialog);
     expectNothingIsCovered(dialog);
     expectEveryControlHasAName(dialog);

@@ -19,7 +19,8 @@ std::wstring textOf(HWND control);
 void expectTextsFit(const DialogWindow& dialog);
 void expectNothingIsCovered(const DialogWindow& dialog);
 void expectEveryControlHasAName(const DialogWindow& dialog);
-void expectALook(const DialogWindow& dialog);  // the three of them
+void expectEveryLetterHasAGlyph(const DialogWindow& dialog);  // of labels and buttons
+void expectALook(const DialogWindow& dialog);                 // the four of them
 
 // The dialog as it stands on the screen: rows from the top, 0x00RRGGBB.
 struct Picture {

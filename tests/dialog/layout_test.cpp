@@ -23,6 +23,10 @@ TEST(DialogLayout, NoControlCoversAnotherOrLeavesTheDialog) {
     inEach([](const ToneDialogKind&, const DialogWindow& dialog) { expectNothingIsCovered(dialog); });
 }
 
+TEST(DialogLayout, EveryLetterHasAGlyph) {
+    inEach([](const ToneDialogKind&, const DialogWindow& dialog) { expectEveryLetterHasAGlyph(dialog); });
+}
+
 TEST(DialogLayout, TheGraphIsSquareAndTheStripsFollowIt) {
     inEach([](const ToneDialogKind&, const DialogWindow& dialog) {
         const RECT graph = placeOf(dialog.item(IDC_GRAPH), dialog.handle());
