@@ -38,12 +38,15 @@ same_headers() { diff -r "$top/include" "$prefix/include"; }
 check "$target: every header is installed and nothing else" same_headers
 
 # find_package looks below the prefix only, so it cannot find another copy.
-by_cmake() {
-    cmake -G Ninja -S "$top/examples/host-c" -B "$scratch/host" "${cross[@]}" \
+by_cmake() {  # EXAMPLE FOLDER
+    cmake -G Ninja -S "$top/examples/$1" -B "$scratch/$2" "${cross[@]}" \
         -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH -DKoLink_DIR="$prefix/lib/cmake/KoLink" &&
-        ninja -C "$scratch/host"
+        ninja -C "$scratch/$2"
 }
-check "$target: the example host builds with find_package" by_cmake
+check "$target: the example host builds with find_package" by_cmake host-c host
+[ "$target" = linux ] ||
+    check "$target: the example host of the dialogs builds with find_package" \
+        by_cmake host-win32 dialogs
 
 makes_link() {  # PROGRAM OUTPUT: a link of 33 points, whose black stays black
     local said
