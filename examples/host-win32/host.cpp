@@ -17,7 +17,9 @@
 #include <kolink.h>
 #include <kolink/calib_dialog.h>
 #include <kolink/colour_pick_dialog.h>
+#include <kolink/device_link_dialog.h>
 #include <kolink/profile_dialog.h>
+#include <kolink/profile_selection_dialog.h>
 #include <kolink/tone_dialog.h>
 
 #include "host_ids.h"
@@ -26,42 +28,65 @@ namespace {
 
 using Path = char[KOLINK_PATH_SIZE];  // in the system's code page, as the library takes them
 
-constexpr uint32_t kA2B0 = 0x41324230;
+constexpr uint32_t kLink = 0x6c696e6b, kCmyk = 0x434d594b;  // ICC signatures
 
-// A link that colours are converted through: the table of its file.
+// A saved link that colours are converted through: its input curves, its grid, its output curves.
 class Link {
 public:
-    bool load(const char* path) {
-        close();
-        profile_ = jIccLoadHeader(path);
-        if (profile_) lut_ = static_cast<IccLut*>(jIccLoadTag(profile_, kA2B0));
-        if (lut_ && lut_->inputChannels == 4 && lut_->outputChannels == 4 && jIccLutSetup(lut_))
-            return true;
-        close();
-        return false;
-    }
-    bool isLoaded() const { return lut_ != nullptr; }
-    void convert(int32_t (&values)[4]) const { jIccLutColor16(lut_, values); }  // 0 to 65535
-    void close() {
-        if (lut_) jIccLutClose(lut_);
-        if (profile_) jIccRelease(profile_);
-        lut_ = nullptr;
-        profile_ = nullptr;
-    }
     Link() = default;
-    ~Link() { close(); }
+    ~Link() { jKoCmykReleaseProfile(profile_); }
     Link(const Link&) = delete;
     Link& operator=(const Link&) = delete;
 
+    bool load(const char* path) {
+        jKoCmykReleaseProfile(profile_);
+        profile_ = isLink(path) ? jKoCmykCreateProfile() : nullptr;
+        if (!profile_ || jKoCmykLoadProfile(profile_, path)) return profile_ != nullptr;
+        jKoCmykReleaseProfile(profile_);
+        profile_ = nullptr;
+        return false;
+    }
+    bool isLoaded() const { return profile_ != nullptr; }
+    void convert(int32_t (&inks)[4]) const {  // levels 0 to 255 in, 16 times that out
+        for (int ink = 0; ink < 4; ++ink) inks[ink] = curve(ink, inks[ink]);
+        jKoCmykCMYKtoCMYK16(profile_, inks);
+        for (int ink = 0; ink < 4; ++ink)
+            if (!isIdentity(4 + ink)) inks[ink] = 16 * curve(4 + ink, (inks[ink] + 8) / 16);
+    }
+
 private:
-    IccProfile* profile_ = nullptr;
-    IccLut* lut_ = nullptr;  // the profile's
+    static bool isLink(const char* path) {
+        IccProfile* const header = jIccLoadHeader(path);
+        const bool result = header && header->header.deviceClass == kLink &&
+                            header->header.colourSpace == kCmyk &&
+                            header->header.connectionSpace == kCmyk;
+        if (header) jIccRelease(header);
+        return result;
+    }
+    // A curve goes through its control points, the points that have their flag set.
+    int32_t curve(int which, int32_t level) const {
+        TonePoint points[65];
+        int32_t count = 0;
+        for (int32_t j = 0; j < 65; ++j)
+            if (profile_->curveFlags[which][j])
+                points[count++] = {4 * j - j / 64, profile_->curveValues[which][j]};
+        return std::min(std::max(jKoToneGetSplineTone(points, count, level), 0), 255);
+    }
+    bool isIdentity(int which) const {
+        for (int32_t level = 0; level < 256; ++level)
+            if (curve(which, level) != level) return false;
+        return true;
+    }
+
+    CmykProfile* profile_ = nullptr;
 };
 
 struct Host {
     HWND window = nullptr;  // null before it is made and after it is gone
     bool isCalling = false;  // a dialog is open
-    uint32_t colour = 0;    // C in the highest byte, then M, Y, K
+    uint32_t colour = 0;     // C in the highest byte, then M, Y, K
+    CmsLinkSettings settings;
+    ProfileSelection selection = {};
     Link link;
     Path linkPath = {};
 };
@@ -114,6 +139,37 @@ void showColour(Host& host) {
     InvalidateRect(GetDlgItem(host.window, IDC_SWATCH), nullptr, FALSE);
 }
 
+void showSettings(Host& host) {
+    if (!host.window) return;
+    const CmsLinkSettings& link = host.settings;
+    const ProfileSelection& selection = host.selection;
+    std::wstring text = L"Device link";
+    const auto path = [&](const wchar_t* name, const char* value) {
+        text += std::wstring(L"\r\n  ") + name + L": " + (value[0] ? wide(value) : L"-");
+    };
+    const auto number = [&](const wchar_t* name, int32_t value) {
+        text += std::wstring(L"\r\n  ") + name + L": " + std::to_wstring(value);
+    };
+    path(L"base", link.basePath);
+    path(L"source", link.sourcePath);
+    path(L"destination", link.destinationPath);
+    path(L"black", link.blackPath);
+    path(L"output", link.outputPath);
+    number(L"intent", link.intent);
+    number(L"preservation", link.preservation);
+    number(L"white mode", link.whiteMode);
+    const int32_t paper[4] = {link.paperC, link.paperM, link.paperY, link.paperK};
+    text += L"\r\n  paper:";
+    for (int ink = 0; ink < 4; ++ink)
+        text += std::wstring(L" ") + L"CMYK"[ink] + L' ' + std::to_wstring(paper[ink]);
+    number(L"limit", link.limit);
+    text += L"\r\nProfiles";
+    path(L"RGB", selection.rgbPath);
+    path(L"CMYK", selection.cmykPath);
+    number(L"intent", selection.intent);
+    SetDlgItemTextW(host.window, IDC_SETTINGS, text.c_str());
+}
+
 void loadLink(Host& host, const char* path) {
     const bool loaded = host.link.load(path);
     lstrcpynA(host.linkPath, loaded ? path : "", sizeof host.linkPath);
@@ -132,12 +188,12 @@ void convert(Host& host) {
     for (int ink = 0; ink < 4; ++ink) {
         const UINT level = std::min(GetDlgItemInt(host.window, IDC_IN_C + ink, nullptr, FALSE), 255u);
         SetDlgItemInt(host.window, IDC_IN_C + ink, level, FALSE);
-        values[ink] = static_cast<int32_t>(level) * 257;
+        values[ink] = static_cast<int32_t>(level);
     }
     host.link.convert(values);
     std::wstring text;
     for (int ink = 0; ink < 4; ++ink) {
-        const int tenths = (values[ink] * 10 + 128) / 257;
+        const int tenths = (values[ink] * 10 + 8) / 16;
         wchar_t part[40];
         wsprintfW(part, L"%s%c %d.%d", ink ? L" " : L"", L"CMYK"[ink], tenths / 10, tenths % 10);
         text += part;
@@ -221,6 +277,28 @@ void pickColour(Host& host) {
     showColour(host);
 }
 
+// The profiles chosen become those that the dialogs show colours through.
+void selectProfiles(Host& host) {
+    ProfileSelection& selection = host.selection;
+    const int32_t result = jColorProfileSelectDlg(host.window, &selection);
+    say(host, came(L"jColorProfileSelectDlg", result));
+    if (result != 1) return;
+    jColorEndProfile();
+    if (selection.rgbPath[0] && selection.cmykPath[0])
+        say(host, came(L"jColorSetupProfile", jColorSetupProfile(selection.rgbPath,
+                                                                 selection.cmykPath,
+                                                                 selection.intent)));
+    showSettings(host);
+    showColour(host);
+}
+
+void makeLink(Host& host) {
+    const int32_t result = jCmsDeviceLinkDlg(host.window, &host.settings);
+    say(host, came(L"jCmsDeviceLinkDlg", result) + L"  " + wide(host.settings.outputPath));
+    showSettings(host);
+    if (result == 1) loadLink(host, host.settings.outputPath);
+}
+
 void openLink(Host& host) {
     Path path;
     if (chooseFile(host, L"Device links (*.icc)\0*.icc\0", path)) loadLink(host, path);
@@ -233,6 +311,12 @@ void command(Host& host, UINT id) {
         if (id == editor.open || id == editor.create) edit(host, editor, id == editor.create);
     switch (id) {
         case IDM_PICK: pickColour(host); break;
+        case IDM_SELECT: selectProfiles(host); break;
+        case IDM_LINK: makeLink(host); break;
+        case IDM_LINK_RESET:
+            jCmsInitCms(&host.settings);
+            showSettings(host);
+            break;
         case IDM_LINK_OPEN: openLink(host); break;
         case IDC_CONVERT: convert(host); break;
         case IDM_EXIT: DestroyWindow(host.window); break;
@@ -255,6 +339,7 @@ void opened(Host& host) {
         SetDlgItemInt(host.window, IDC_IN_C + ink, 0, FALSE);
     }
     showColour(host);
+    showSettings(host);
 }
 
 INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -289,6 +374,7 @@ INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
     Host host;
+    jCmsInitCms(&host.settings);
     const HWND window = CreateDialogParamW(instance, MAKEINTRESOURCEW(IDR_HOST), nullptr, procedure,
                                            reinterpret_cast<LPARAM>(&host));
     if (!window) return 1;

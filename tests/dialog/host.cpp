@@ -56,12 +56,14 @@ HostProgram::~HostProgram() {
     ::CloseHandle(process_.hProcess);
 }
 
-void HostProgram::choose(int command) const {
-    ::PostMessageW(window_.handle(), WM_COMMAND, static_cast<WPARAM>(command), 0);
+void HostProgram::order(int command) const {
+    if (!::SendMessageTimeoutW(window_.handle(), WM_COMMAND, static_cast<WPARAM>(command), 0,
+                               SMTO_NORMAL, 5000, nullptr))
+        throw std::runtime_error("the command opened something");
 }
 
 DialogWindow HostProgram::open(int command) const {
-    choose(command);
+    ::PostMessageW(window_.handle(), WM_COMMAND, static_cast<WPARAM>(command), 0);
     return window_.asked();
 }
 

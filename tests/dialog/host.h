@@ -16,8 +16,8 @@ public:
     HostProgram(const HostProgram&) = delete;
 
     const DialogWindow& window() const { return window_; }
-    void choose(int command) const;  // from the menu; does not wait for what it opens
-    DialogWindow open(int command) const;  // from the menu, and waits for its window
+    void order(int command) const;         // from the menu; what opens nothing is done by then
+    DialogWindow open(int command) const;  // from the menu; the window that it opens
     // The same where a file is asked for first.
     DialogWindow open(int command, const std::string& file) const;
     void waitUntilClosed() const;  // until what it opened is closed, and its result is shown

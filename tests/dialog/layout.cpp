@@ -87,9 +87,10 @@ void expectTextsFit(const DialogWindow& dialog) {
     int texts = 0;
     for (const HWND control : controlsOf(dialog.handle())) {
         const bool isList = classOf(control) == L"ComboBox" || classOf(control) == L"ListBox";
-        const bool isLong = classOf(control) == L"Edit" && (styleOf(control) & ES_AUTOHSCROLL) != 0 &&
-                            placeOf(control, dialog.handle()).right -
-                                    placeOf(control, dialog.handle()).left > 100;  // scrolls
+        const RECT place = placeOf(control, dialog.handle());
+        const bool isLong = classOf(control) == L"Edit" &&  // scrolls
+                            ((styleOf(control) & WS_VSCROLL) != 0 ||
+                             ((styleOf(control) & ES_AUTOHSCROLL) != 0 && place.right - place.left > 100));
         if (isOwnPicture(control) || isFrame(control) || isSpin(control) || isList || isLong) continue;
         RECT client;
         ::GetClientRect(control, &client);
