@@ -58,9 +58,10 @@ private:
         ::GetWindowRect(item(IDC_PAGES), &tabs);
         ::MapWindowPoints(nullptr, window(), reinterpret_cast<POINT*>(&tabs), 2);
         const HDC dc = ::GetDC(window());
-        const int side = scaled(dc, 10) / 2, above = scaled(dc, 30) - side;
+        const int across = scaled(dc, 10), down = scaled(dc, 30), edge = across / 2;
         ::ReleaseDC(window(), dc);
-        return {tabs.left + side, tabs.top + above, tabs.right - side, tabs.bottom - side};
+        return {tabs.left + edge, tabs.top + down - edge, tabs.right - across + edge,
+                tabs.bottom - edge};
     }
 
     void showPage(size_t shown) {
