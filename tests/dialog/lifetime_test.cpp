@@ -7,28 +7,6 @@ using namespace ko::test;
 
 namespace {
 
-// GetGuiResources cannot be relied on; a table that has grown gives new handles higher places.
-template <typename Make, typename Free>
-unsigned highestIndex(int count, Make make, Free release) {
-    std::vector<decltype(make())> made;
-    unsigned highest = 0;
-    for (int at = 0; at < count; ++at) {
-        made.push_back(make());
-        highest = std::max<unsigned>(highest, LOWORD(reinterpret_cast<uintptr_t>(made.back())));
-    }
-    for (const auto handle : made) release(handle);
-    return highest;
-}
-unsigned drawingObjects() {
-    return highestIndex(300, [] { return ::CreatePen(PS_SOLID, 1, 0); }, ::DeleteObject);
-}
-unsigned windows() {
-    const auto make = [] {
-        return ::CreateWindowExW(0, L"Static", L"", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    };
-    return highestIndex(100, make, ::DestroyWindow);
-}
-
 void useAndClose(const ToneDialogKind& kind) {
     openDialog(kind.edit, "", [&](const DialogWindow& dialog) {
         dialog.drag(dialog.point(0, kind.last, 0), dialog.point(0, kind.last, 100));
