@@ -241,6 +241,18 @@ TEST(ColourCorrectionChange, ANodeWhoseEdgeIsAtNoDistanceIsLeftAndNotCounted) {
     EXPECT_FALSE(page.model.canUndo());
 }
 
+TEST(ColourCorrectionChange, ANodeWhoseEdgeIsOneUnitAwayIsChanged) {
+    Correcting page;
+    page.pick({64, 128, 192, 0});
+    page.reach(1, 0);
+    page.lightness(100, 100);
+    page.black(0, 0);
+    page.change({50, 0, 0, 0});
+    EXPECT_GT(page.model.nodesInRange(), 0);
+    expectChangeByTheRules(page);
+    EXPECT_EQ(page.node(8, 16, 24, 0) >> 24, 114u);
+}
+
 TEST(ColourCorrectionChange, EveryBlackOfTheSpanIsTakenAndNoOther) {
     Correcting page;
     page.pick({64, 128, 192, 96});
@@ -729,6 +741,27 @@ TEST(ColourCorrectionPicture, TheOutlineOfARangeThatWrapsIsDrawnAtBothEdges) {
                                         {{340, 140}, {359, 140}}, {{0, 140}, {40, 140}},
                                         {{340, 60}, {340, 140}},  {{40, 60}, {40, 140}}};
     EXPECT_EQ(lines, expected);
+}
+
+TEST(ColourCorrectionPicture, TheOutlineGoesOnAtTheLeftEdgeAsWell) {
+    Correcting page;
+    page.press(Surface::area, kArea, {350, 100});
+    page.reach(30, 20);
+    const std::vector<Line> expected = {{{320, 60}, {359, 60}},   {{0, 60}, {20, 60}},
+                                        {{320, 140}, {359, 140}}, {{0, 140}, {20, 140}},
+                                        {{320, 60}, {320, 140}},  {{20, 60}, {20, 140}}};
+    EXPECT_EQ(page.model.outline(kArea, false), expected);
+}
+
+TEST(ColourCorrectionPicture, AnOutlineOfEveryHueHasNoSides) {
+    Correcting page;
+    page.reach(180, 20);
+    const std::vector<Line> expected = {{{0, 60}, {359, 60}}, {{0, 140}, {359, 140}}};
+    EXPECT_EQ(page.model.outline(kArea, false), expected);
+    page.reach(20, 20);
+    page.press(Surface::area, kArea, {90, 200});  // a grey has every hue
+    EXPECT_EQ(page.model.outline(kArea, false),
+              (std::vector<Line>{{{0, 160}, {359, 160}}, {{0, 200}, {359, 200}}}));
 }
 
 TEST(ColourCorrectionPicture, TheOutlineIsOpenWhereTheRangeGoesOnBeyondTheArea) {
