@@ -31,9 +31,23 @@ SIZE sizeOf(const DialogWindow& dialog, int control) {
     return {area.right, area.bottom};
 }
 
+// All of it is handled before the system tells, on its own, where the pointer really is; and a
+// window is painted only when everything else has been handled.
+void mouse(const DialogWindow& dialog, int control,
+           std::initializer_list<std::pair<UINT, POINT>> messages) {
+    const HWND window = dialog.item(control);
+    for (const auto& [message, at] : messages)
+        ::PostMessageW(window, message, 0, MAKELPARAM(at.x, at.y));
+    ::InvalidateRect(window, nullptr, FALSE);
+    EXPECT_TRUE(eventually([&] { return !::GetUpdateRect(window, nullptr, FALSE); }));
+}
+
 void clickAt(const DialogWindow& dialog, int control, POINT at) {
-    dialog.mouse(WM_LBUTTONDOWN, at, control);
-    dialog.drop(at, control);
+    mouse(dialog, control, {{WM_LBUTTONDOWN, at}, {WM_LBUTTONUP, at}});
+}
+
+void drag(const DialogWindow& dialog, int control, POINT from, POINT to) {
+    mouse(dialog, control, {{WM_LBUTTONDOWN, from}, {WM_MOUSEMOVE, to}, {WM_LBUTTONUP, to}});
 }
 
 int packed(int c, int m, int y, int k) {
@@ -101,6 +115,17 @@ TEST(ColourPickDialog, ReturnTakesTheFieldThatIsBeingTyped) {
         EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
     });
     EXPECT_EQ(result, 0x00006600u);
+}
+
+TEST(ColourPickDialog, AnAccessKeyTakesTheFieldThatIsBeingTyped) {
+    pick(0, [](const DialogWindow& dialog) {
+        dialog.type(IDC_PICK_Y, L"40");
+        // As the access key of the box does it: the field keeps the focus until it is told.
+        ::CheckDlgButton(dialog.handle(), IDC_PICK_256, BST_CHECKED);
+        ::SendMessageW(dialog.handle(), WM_COMMAND, MAKEWPARAM(IDC_PICK_256, BN_CLICKED),
+                       reinterpret_cast<LPARAM>(dialog.item(IDC_PICK_256)));
+        EXPECT_EQ(dialog.text(IDC_PICK_Y), L"102");
+    });
 }
 
 TEST(ColourPickDialog, TheBoxChangesUnitsFieldsAndSpinRanges) {
@@ -193,16 +218,13 @@ TEST(ColourPickDialog, AClickInTheBlackStripSetsBlack) {
 
 TEST(ColourPickDialog, DraggingGoesOnBeyondTheEdges) {
     const uint32_t result = pick(0, [](const DialogWindow& dialog) {
-        dialog.drag({10, 3}, {5000, -5000}, IDC_PICK_BLACK);
+        drag(dialog, IDC_PICK_BLACK, {10, 3}, {5000, -5000});
         EXPECT_EQ(dialog.text(IDC_PICK_K), L"100");
-        dialog.drag({10, 3}, {-5000, 5000}, IDC_PICK_BLACK);
+        drag(dialog, IDC_PICK_BLACK, {10, 3}, {-5000, 5000});
         EXPECT_EQ(dialog.text(IDC_PICK_K), L"0");
-        dialog.drop({0, 0}, IDC_PICK_BLACK);
-        dialog.drag({20, 20}, {-30, -30}, IDC_PICK_FIELD);
-        dialog.drop({0, 0}, IDC_PICK_FIELD);
+        drag(dialog, IDC_PICK_FIELD, {20, 20}, {-30, -30});
         EXPECT_EQ(textsOf(dialog), L"0 100 100 0 ");
-        dialog.drag({5, 20}, {5, 5000}, IDC_PICK_LIGHTNESS);
-        dialog.drop({0, 0}, IDC_PICK_LIGHTNESS);
+        drag(dialog, IDC_PICK_LIGHTNESS, {5, 20}, {5, 5000});
         dialog.click(IDOK);
     });
     EXPECT_EQ(result, 0xffffff00u);
@@ -211,8 +233,7 @@ TEST(ColourPickDialog, DraggingGoesOnBeyondTheEdges) {
 TEST(ColourPickDialog, TheCursorAloneChangesNothing) {
     const uint32_t result = pick(0x11223344, [](const DialogWindow& dialog) {
         for (const int control : {IDC_PICK_FIELD, IDC_PICK_LIGHTNESS, IDC_PICK_BLACK}) {
-            dialog.mouse(WM_MOUSEMOVE, {9, 9}, control);
-            dialog.mouse(WM_LBUTTONUP, {9, 9}, control);
+            mouse(dialog, control, {{WM_MOUSEMOVE, {9, 9}}, {WM_LBUTTONUP, {9, 9}}});
         }
         clickAt(dialog, IDC_PICK_SWATCH, {9, 9});
         dialog.click(IDOK);
@@ -306,7 +327,7 @@ TEST(ColourPickDialog, TheFieldShowsEveryHue) {
 
 void useAndClose() {
     pick(0, [](const DialogWindow& dialog) {
-        dialog.drag({10, 10}, {50, 50}, IDC_PICK_FIELD);
+        drag(dialog, IDC_PICK_FIELD, {10, 10}, {50, 50});
         ::RedrawWindow(dialog.handle(), nullptr, nullptr,
                        RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
         dialog.click(IDCANCEL);
@@ -336,7 +357,7 @@ TEST(ColourPickDialog, AnOwnerThatIsDestroyedTakesTheDialogWithIt) {
     const uint32_t result = pick(
         0x12345678,
         [&](const DialogWindow& dialog) {
-            dialog.drag({10, 10}, {50, 50}, IDC_PICK_FIELD);
+            drag(dialog, IDC_PICK_FIELD, {10, 10}, {50, 50});
             postDestruction(owner);
             EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
         },
