@@ -70,4 +70,9 @@ void applyDescription(CmykProfile& profile, std::string_view text) noexcept {
     }
 }
 
+bool looksLikeEditingData(std::string_view comment) noexcept {
+    return comment.starts_with(kName) || comment.starts_with(kInputFlags) ||
+           comment.starts_with(kOutputFlags);
+}
+
 }  // namespace ko::cmyk

@@ -15,4 +15,7 @@ std::string buildDescription(const CmykProfile& profile);
 // any other description changes nothing.
 void applyDescription(CmykProfile& profile, std::string_view text) noexcept;
 
+// Whether the beginning of a comment would be read back as one of the lines before it.
+bool looksLikeEditingData(std::string_view comment) noexcept;
+
 }  // namespace ko::cmyk

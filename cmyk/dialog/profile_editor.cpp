@@ -1,5 +1,8 @@
 #include "cmyk/dialog/profile_editor.h"
 
+#include <algorithm>
+
+#include "cmyk/description.h"
 #include "resources/texts.h"
 
 namespace ko::cmyk {
@@ -27,13 +30,17 @@ std::string ProfileEditor::comment() const {
 }
 
 void ProfileEditor::leaveName(std::string_view name) {
-    copyText(profile_.name, name);
+    std::string line(name);  // a pasted line end would split it in the file
+    std::replace_if(line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    copyText(profile_.name, line);
     jStrCorrect(profile_.name);
 }
 
 void ProfileEditor::leaveComment(std::string_view comment) {
     if (comment != this->comment()) copyText(profile_.comment, comment);
     jStrCorrect(profile_.comment);
+    const std::string_view corrected = textIn(profile_.comment);
+    if (looksLikeEditingData(corrected)) copyText(profile_.comment, "\r\n" + std::string(corrected));
 }
 
 bool ProfileEditor::startNew(dialog::EditorHost& host) {

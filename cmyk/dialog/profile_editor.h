@@ -23,7 +23,8 @@ public:
     std::string comment() const;
 
     // Fields that lost the focus, in Shift-JIS; cut at a whole character. A comment that is still
-    // the one shown keeps its own line ends.
+    // the one shown keeps its own line ends. One that the file would read back as something else
+    // gets an empty line before it.
     void leaveName(std::string_view name);
     void leaveComment(std::string_view comment);
 

@@ -6,28 +6,10 @@
 #include "frame/platform.h"
 #include "resources/texts.h"
 #include "tests/cmyk/support.h"
+#include "tests/support/answers.h"
 
 namespace ko::cmyk {
 namespace {
-
-// Answers the model's questions as a test wants it to.
-struct Answers : dialog::EditorHost {
-    bool ask(std::string_view, std::string_view question) override {
-        EXPECT_EQ(question, texts::kResetQuestion);
-        return ++questions, yes;
-    }
-    std::optional<std::string> chooseSavePath(std::string_view initial,
-                                              std::string_view filter) override {
-        EXPECT_EQ(filter, texts::kProfileFilter);
-        ++saves;
-        startedFrom = initial;
-        return path;
-    }
-    bool yes = true;
-    std::optional<std::string> path;
-    int questions = 0, saves = 0;
-    std::string startedFrom;
-};
 
 struct Editing {
     explicit Editing(std::string_view path = "") : profile(createProfile().release()) {
@@ -36,7 +18,7 @@ struct Editing {
     }
     test::OwnedProfile profile;
     std::optional<ProfileEditor> editor;
-    Answers answers;
+    test::Answers answers;
     test::TempFolder folder;
 };
 
@@ -58,6 +40,7 @@ TEST(ProfileEditor, AFolderOpensANewProfile) {
 TEST(ProfileEditor, SaveWithoutAFileAsksFromTheRootAlone) {
     Editing editing("folder" + root());
     editing.editor->save(editing.answers);
+    EXPECT_EQ(editing.answers.filter, texts::kProfileFilter);
     EXPECT_EQ(editing.answers.startedFrom, root());  // and not from the folder
     editing.editor->saveAs(editing.answers);
     EXPECT_EQ(editing.answers.startedFrom, "folder" + root());
@@ -139,6 +122,7 @@ TEST(ProfileEditor, NewAsksFirst) {
     editing.editor->leaveName("mine");
     EXPECT_FALSE(editing.editor->startNew(editing.answers));
     EXPECT_EQ(editing.answers.questions, 1);
+    EXPECT_EQ(editing.answers.asked, texts::kResetQuestion);
     EXPECT_EQ(editing.editor->name(), "mine");
     EXPECT_EQ(editing.editor->path(), "file.icc");
 }
@@ -209,6 +193,27 @@ TEST(ProfileEditor, LinesOfAnotherSystemAreShownAsLinesAndStayAsTheyAre) {
     EXPECT_EQ(textIn(editing.profile->comment), "a\nb\r\nc");
     editing.editor->leaveComment("a\r\nb");
     EXPECT_EQ(textIn(editing.profile->comment), "a\r\nb");
+}
+
+TEST(ProfileEditor, ALineEndInANameBecomesABlank) {
+    Editing editing;
+    editing.editor->leaveName("\nfirst\r\nCTRL: 1\n");
+    EXPECT_EQ(editing.editor->name(), "first  CTRL: 1");
+}
+
+TEST(ProfileEditor, ACommentThatLooksLikeEditingDataIsReadBackAsAComment) {
+    for (const char* comment : {"NAME: other", "CTRL: 111", "CTL2: 111\r\nx"}) {
+        Editing editing;
+        editing.editor->leaveName("mine");
+        editing.editor->leaveComment(comment);
+        editing.editor->leaveComment(editing.editor->comment());  // once is enough
+        editing.answers.path = editing.folder.path("a.icc");
+        editing.editor->saveAs(editing.answers);
+        const auto again = loaded(editing.folder.path("a.icc"));
+        EXPECT_EQ(textIn(again->comment), "\r\n" + std::string(comment));
+        EXPECT_STREQ(again->name, "mine");
+        EXPECT_EQ(again->curveFlags[0][1], 0);
+    }
 }
 
 TEST(ProfileEditor, RecordsWithoutTerminatorsAreReadWithinTheirFields) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/answers.h"
 #include "tests/support/files.h"
 
 namespace ko::tone {
@@ -10,23 +11,10 @@ namespace {
 
 using dialog::Point;
 using dialog::Size;
+using test::Answers;
 
 // A plot of 256 x 255 pixels: a grid step of 16 levels is 16 pixels wide, a level one pixel high.
 constexpr Size kGraph = {279, 278};
-
-// Answers the model's questions as a test wants it to.
-struct Answers : dialog::EditorHost {
-    bool ask(std::string_view, std::string_view) override { return ++questions, yes; }
-    std::optional<std::string> chooseSavePath(std::string_view initial, std::string_view) override {
-        ++saves;
-        startedFrom = initial;
-        return path;
-    }
-    bool yes = true;
-    std::optional<std::string> path;
-    int questions = 0, saves = 0;
-    std::string startedFrom;
-};
 
 struct Editing {
     explicit Editing(const ToneEditorKind& kind, std::string_view path = "")
