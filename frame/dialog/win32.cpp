@@ -153,6 +153,56 @@ bool isChecked(HWND dialog, int control) noexcept {
     return ::IsDlgButtonChecked(dialog, control) == BST_CHECKED;
 }
 
+namespace {
+
+bool isOfClass(HWND window, const wchar_t* name) noexcept {
+    wchar_t found[32] = {};
+    ::GetClassNameW(window, found, static_cast<int>(std::size(found)));
+    return ::lstrcmpiW(found, name) == 0;
+}
+
+RECT placeIn(HWND dialog, HWND control) noexcept {
+    RECT area{};
+    ::GetWindowRect(control, &area);
+    ::MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&area), 2);
+    return area;
+}
+
+void moveRows(HWND dialog, HWND control, int top, int height) noexcept {
+    const RECT area = placeIn(dialog, control);
+    ::SetWindowPos(control, nullptr, area.left, top, area.right - area.left, height,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void centreField(HWND dialog, HWND field, HWND spin) noexcept {
+    const RECT area = placeIn(dialog, field);
+    RECT client{};
+    ::GetClientRect(field, &client);
+    const HDC dc = ::GetDC(field);
+    const auto font = reinterpret_cast<HGDIOBJ>(::SendMessageW(field, WM_GETFONT, 0, 0));
+    const HGDIOBJ before = ::SelectObject(dc, font);
+    TEXTMETRICW metrics{};
+    ::GetTextMetricsW(dc, &metrics);
+    ::SelectObject(dc, before);
+    ::ReleaseDC(field, dc);
+    const int height = area.bottom - area.top, edges = height - client.bottom;
+    const int less = height - (metrics.tmHeight + edges + 2);
+    if (less <= 0) return;
+    moveRows(dialog, field, area.top + less / 2, height - less);
+    if (spin) moveRows(dialog, spin, area.top + less / 2, height - less);
+}
+
+}  // namespace
+
+void centreFields(HWND dialog) noexcept {
+    for (HWND at = ::GetWindow(dialog, GW_CHILD); at; at = ::GetWindow(at, GW_HWNDNEXT)) {
+        const bool oneLine = isOfClass(at, L"Edit") && !(::GetWindowLongW(at, GWL_STYLE) & ES_MULTILINE);
+        const HWND next = ::GetWindow(at, GW_HWNDNEXT);
+        const bool hasSpin = next && isOfClass(next, L"msctls_updown32");
+        if (oneLine) centreField(dialog, at, hasSpin ? next : nullptr);
+    }
+}
+
 int showMessage(HWND owner, std::wstring_view caption, std::wstring_view text, UINT style) {
     return ::MessageBoxW(owner, std::wstring(text).c_str(), std::wstring(caption).c_str(), style);
 }
@@ -235,6 +285,7 @@ INT_PTR CALLBACK Dialog::procedure(HWND window, UINT message, WPARAM wParam, LPA
         auto* const dialog = reinterpret_cast<Dialog*>(lParam);
         dialog->window_ = window;
         ::SetWindowLongPtrW(window, DWLP_USER, lParam);
+        centreFields(window);
         return dialog->started(atBoundary(false, [&] { return dialog->opened(), true; }));
     }
     auto* const dialog = reinterpret_cast<Dialog*>(::GetWindowLongPtrW(window, DWLP_USER));

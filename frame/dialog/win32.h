@@ -52,6 +52,10 @@ void setText(HWND dialog, int control, std::string_view shiftJis);
 std::string asciiOf(HWND dialog, int control);
 bool isChecked(HWND dialog, int control) noexcept;
 
+// A field's text stands at its top, more and more above its label the higher the resolution is:
+// each field becomes as high as its text needs, in the middle of its place.
+void centreFields(HWND dialog) noexcept;
+
 // Message boxes and the file dialog on an owner.
 int showMessage(HWND owner, std::wstring_view caption, std::wstring_view text, UINT style);
 // mode 0 opens, 1 saves. path: a name to begin with, a folder when it ends in a separator; takes

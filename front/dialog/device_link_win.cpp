@@ -170,6 +170,7 @@ INT_PTR DeviceLinkDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void DeviceLinkDialog::opened() {
+    centreFields(window_);
     for (const PathControls& path : kPaths) {
         ::SendMessageW(item(path.edit), EM_SETLIMITTEXT, KOLINK_PATH_SIZE - 1, 0);
         showPath(path);
