@@ -313,7 +313,7 @@ TEST(ColourPickDialog, TheSwatchShowsTheColour) {
         const SIZE size = sizeOf(dialog, IDC_PICK_SWATCH);
         EXPECT_GE(pictureOf(dialog).count(0xf0e6dc), (size.cx - 2) * (size.cy - 2));
         dialog.enter(IDC_PICK_K, L"100", IDC_PICK_M);
-        EXPECT_EQ(pictureOf(dialog).count(0xf0e6dc), 0);
+        EXPECT_LT(pictureOf(dialog).count(0xf0e6dc), size.cx);  // a row of the lightness strip at most
     });
 }
 
