@@ -313,7 +313,8 @@ int32_t ColourCorrection::change() {
             undo.after.push_back(row[black]);
         }
     }
-    if (count > 0) undo_ = std::move(undo);  // a change of nothing leaves the one before to undo
+    // A change that has changed nothing leaves the one before to be undone.
+    if (undo.before != undo.after) undo_ = std::move(undo);
     readCurrent();
     return static_cast<int32_t>(count);
 }

@@ -95,8 +95,7 @@ public:
 
     // What the person does. Each says whether anything shown has changed.
     bool press(Surface surface, dialog::Size size, dialog::Point at);
-    bool move(dialog::Size size, dialog::Point at);
-    void release() noexcept { held_.reset(); }
+    bool move(dialog::Size size, dialog::Point at);  // while what was pressed is held
     bool step(Surface surface, Key key, bool shift);
     void setLevels256(bool on) noexcept { levels256_ = on; }
     void pick(int32_t ink, std::string_view number);      // as it is shown: percent or level

@@ -133,16 +133,17 @@ std::vector<Line> ColourCorrection::outline(Size area, bool half) const {
     const auto row = [&](int32_t saturation) {
         return pixelAt(kFullSaturation - saturation, area.height, kFullSaturation);
     };
+    const int32_t right = std::max(0, area.width - 1);
     const int32_t high = row(std::min(top, kFullSaturation)), low = row(bottom);
     const int32_t first = place_.hue - reach.hue / part, last = place_.hue + reach.hue / part;
     std::vector<Line> lines;
     const auto across = [&](int32_t y) {
         if (everyHue) {
-            lines.push_back({{0, y}, {area.width - 1, y}});
+            lines.push_back({{0, y}, {right, y}});
         } else if (first >= 0 && last < kHues) {
             lines.push_back({{column(first), y}, {column(last), y}});
         } else {  // over the edge and on at the other
-            lines.push_back({{column(first), y}, {area.width - 1, y}});
+            lines.push_back({{column(first), y}, {right, y}});
             lines.push_back({{0, y}, {column(last), y}});
         }
     };

@@ -20,6 +20,9 @@ KOLINK_BEGIN
  * drag back or removes a point, never an end. A percentage is taken over only after someone has
  * typed in its field. Name and comment are stored in Shift-JIS, cut at a whole character to 63 and
  * 499 bytes; a character that Shift-JIS lacks becomes '?'.
+ * The colour correction changes nodes of the grid, and nothing else, in a range of hue, saturation,
+ * lightness and black around a colour; docs/colour-correction.md says which, and by how much. Its
+ * current-value fields hold the colour picked and pick another when they are typed in.
  * OK saves first; a profile without a file asks for one, and a person who cancels that closes the
  * editor all the same. Files that are not named .icc get ".icc" appended to their name.
  * Returns 1 for OK and 0 for Cancel. A file that cannot be read is told to the user; the result

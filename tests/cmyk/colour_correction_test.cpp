@@ -49,10 +49,7 @@ struct Correcting {
         press(Surface::blackBar, kBlackStrip, {low, 0});
         press(Surface::blackBar, kBlackStrip, {high, 0});
     }
-    void press(Surface surface, Size size, Point at) {
-        model.press(surface, size, at);
-        model.release();
-    }
+    void press(Surface surface, Size size, Point at) { model.press(surface, size, at); }
     // Changed values as differences from the current ones; those that do not fit are limited.
     void change(const std::array<int, 4>& by) {
         for (int32_t ink = 0; ink < 4; ++ink)
@@ -315,6 +312,16 @@ TEST(ColourCorrectionUndo, TakesBackTheLastOfTwoChanges) {
     EXPECT_EQ(differing(*page.profile, *once.profile), 0u);
 }
 
+TEST(ColourCorrectionUndo, AChangeOfNoInkLeavesTheOneBeforeToUndo) {
+    Correcting page;
+    page.change({10, 10, 10, 10});
+    page.model.change();
+    page.pick({200, 10, 10, 0});
+    EXPECT_GT(page.model.change(), 0);
+    EXPECT_TRUE(page.model.undo());
+    EXPECT_EQ(differing(*page.profile, *createProfile()), 0u);
+}
+
 TEST(ColourCorrectionUndo, ShowsTheCurrentValuesAgain) {
     Correcting page;
     const Cmyk before = page.model.current();
@@ -368,9 +375,9 @@ TEST(ColourCorrectionPick, ADragPicksAlongTheWayAndBeyondTheEdgesTheNearestColou
     EXPECT_EQ(page.model.place(), (Place{359, 200, 100}));
     EXPECT_TRUE(page.model.move(kArea, {-5000, 5000}));
     EXPECT_EQ(page.model.place(), (Place{kNoHue, 0, 100}));
-    page.model.release();
+    page.model.reread();
     EXPECT_FALSE(page.model.move(kArea, {90, 40}));
-    EXPECT_EQ(page.model.place(), (Place{kNoHue, 0, 100}));
+    EXPECT_EQ(page.model.place(), (Place{180, 100, 100}));
 }
 
 TEST(ColourCorrectionPick, AnotherScreenGivesTheSameColoursAtTheSamePlaces) {
@@ -549,12 +556,10 @@ TEST(ColourCorrectionRange, AnEndThatIsDraggedStopsAtThePickedColour) {
     page.lightness(60, 140);
     page.model.press(Surface::lightnessBar, kStrip, {0, 70});
     page.model.move(kStrip, {0, 190});
-    page.model.release();
     EXPECT_EQ(page.model.lightnessSpan(), (Span{30, 50}));
     page.press(Surface::black, kBlackStrip, {128, 0});
     page.model.press(Surface::blackBar, kBlackStrip, {200, 0});
     page.model.move(kBlackStrip, {0, 0});
-    page.model.release();
     EXPECT_EQ(page.model.blackSpan(), (Span{0, 50}));
 }
 
@@ -606,6 +611,20 @@ TEST(ColourCorrectionRange, ThePickedColourNeverLeavesTheSpans) {
             ASSERT_TRUE(span->low <= percent && percent <= span->high);
         }
         ASSERT_EQ(page.model.strengthOn(Surface::blackBar, 256, page.model.picked()[3]), 255);
+        // What is shown stays on the surface, whatever its size.
+        const int32_t right = std::max(0, size.width - 1), bottom = std::max(0, size.height - 1);
+        for (const bool half : {false, true})
+            for (const Line& line : page.model.outline(size, half))
+                for (const Point end : {line.from, line.to}) {
+                    ASSERT_TRUE(end.x >= 0 && end.x <= right) << end.x;
+                    ASSERT_TRUE(end.y >= 0 && end.y <= bottom) << end.y;
+                }
+        const Point marker = page.model.marker(size);
+        ASSERT_TRUE(marker.x >= 0 && marker.x <= right && marker.y >= 0 && marker.y <= bottom);
+        for (const Surface bar : {Surface::hueBar, Surface::saturationBar, Surface::lightnessBar}) {
+            const int32_t strength = page.model.strengthOn(bar, size.height, at.y);
+            ASSERT_TRUE(strength >= 0 && strength <= 255);
+        }
     }
 }
 
