@@ -48,7 +48,8 @@ std::string fromWide(std::wstring_view wide, UINT codePage, BOOL* lost) {
 std::wstring firstExtension(std::wstring_view patterns) {
     patterns.remove_prefix(std::min(patterns.find(L'\0'), patterns.size() - 1) + 1);
     if (!patterns.starts_with(L"*.")) return {};
-    return std::wstring(patterns.substr(2, patterns.find_first_of(std::wstring_view(L";\0", 2)) - 2));
+    const size_t end = patterns.find_first_of(std::wstring_view(L";\0", 2));
+    return std::wstring(patterns.substr(2, end - 2));
 }
 
 // The short form of a name that exists; empty when there is none.

@@ -152,7 +152,8 @@ INT_PTR DeviceLinkDialog::open(HWND window, CmsLinkSettings* record) {
 INT_PTR DeviceLinkDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_COMMAND: return command(LOWORD(wParam), HIWORD(wParam));
-        case WM_DRAWITEM: return paintSwatch(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+        case WM_DRAWITEM:
+            return lParam && paintSwatch(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         case WM_CTLCOLOREDIT:
             return colourOf(reinterpret_cast<HDC>(wParam),
                             ::GetDlgCtrlID(reinterpret_cast<HWND>(lParam)));
@@ -293,7 +294,8 @@ void DeviceLinkDialog::takeFields() {
 }
 
 void DeviceLinkDialog::showPath(const PathControls& path) {
-    if (!model_.isRefused(path.which)) setText(window_, path.edit, widePath(model_.path(path.which)));
+    if (!model_.isRefused(path.which))
+        setText(window_, path.edit, widePath(model_.path(path.which)));
     ::InvalidateRect(item(path.edit), nullptr, FALSE);
 }
 

@@ -29,6 +29,8 @@ KOLINK_API int32_t jCmsDeviceLinkDlg(HWND owner, CmsLinkSettings *settings);
  *   lParam of WM_INITDIALOG  the CmsLinkSettings to edit, written only when a link was made, just
  *             before the dialog ends with 1; must live until then. Null begins with the settings of
  *             jCmsInitCms, which are lost at the end.
+ * Exported under its plain name on 32 bits as well, although it is stdcall there: an import library
+ * that does not come with this one may lack it, GetProcAddress finds it.
  * The dialog keeps what it needs with its window: windows that are not this dialog, null and
  * messages before WM_INITDIALOG are answered with FALSE. */
 KOLINK_API INT_PTR CALLBACK jCmsDeviceLinkDlgProc(HWND dialog, UINT message, WPARAM wParam,

@@ -2,34 +2,22 @@
 // hands, what is left behind.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstring>
+#include <random>
 
 #include "kolink/cmyk_profile.h"
-#include "kolink/device_link_dialog.h"
-#include "tests/dialog/driver.h"
+#include "tests/dialog/device_link.h"
 #include "tests/dialog/lifetime.h"
 
 using namespace ko::test;
 
 namespace {
 
-constexpr int kEdits[] = {IDC_LINK_BASE, IDC_LINK_SOURCE, IDC_LINK_DESTINATION, IDC_LINK_BLACK,
-                          IDC_LINK_OUTPUT};
-
-using Drive = std::function<void(const DialogWindow&)>;
-
 CmsLinkSettings settingsFor(const std::string& output) {
-    CmsLinkSettings settings;
-    jCmsInitCms(&settings);
-    output.copy(settings.outputPath, sizeof settings.outputPath - 1);
+    CmsLinkSettings settings = writingTo(output);
     settings.whiteMode = 2;
     return settings;
-}
-
-int32_t edit(CmsLinkSettings& settings, const Drive& drive, HWND owner = nullptr) {
-    int32_t result = -1;
-    openDialog([&] { result = jCmsDeviceLinkDlg(owner, &settings); }, drive);
-    return result;
 }
 
 bool unchanged(const CmsLinkSettings& a, const CmsLinkSettings& b) {
@@ -39,7 +27,7 @@ bool unchanged(const CmsLinkSettings& a, const CmsLinkSettings& b) {
 TEST(DeviceLinkLifetime, ClosingTheWindowCancels) {
     CmsLinkSettings settings = settingsFor("");
     const CmsLinkSettings before = settings;
-    EXPECT_EQ(edit(settings,
+    EXPECT_EQ(editLink(settings,
                    [](const DialogWindow& dialog) {
                        dialog.enter(IDC_LINK_BASE, L"changed", IDCANCEL);
                        ::SendMessageW(dialog.handle(), WM_CLOSE, 0, 0);
@@ -53,7 +41,7 @@ TEST(DeviceLinkLifetime, AnOwnerThatIsDestroyedTakesTheDialogWithIt) {
     const HWND owner = newOwner();
     CmsLinkSettings settings = settingsFor("");
     const CmsLinkSettings before = settings;
-    EXPECT_EQ(edit(
+    EXPECT_EQ(editLink(
                   settings,
                   [&](const DialogWindow& dialog) {
                       dialog.type(IDC_LINK_BASE, L"changed");
@@ -73,7 +61,7 @@ TEST(DeviceLinkLifetime, AnOwnerMayGoWhileTheDialogHasSomethingOpen) {
         const HWND owner = newOwner();
         CmsLinkSettings settings = settingsFor(folder.path("made.icc"));
         const CmsLinkSettings before = settings;
-        EXPECT_EQ(edit(
+        EXPECT_EQ(editLink(
                       settings,
                       [&](const DialogWindow& dialog) {
                           dialog.press(button);
@@ -96,7 +84,7 @@ TEST(DeviceLinkLifetime, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFirst)
     CmsLinkSettings inner = settingsFor(folder.path("inner.icc"));
     inner.paperC = 50;
     int32_t innerResult = -1;
-    EXPECT_EQ(edit(
+    EXPECT_EQ(editLink(
                   outer,
                   [&](const DialogWindow& dialog) {
                       dialog.enter(IDC_LINK_AMOUNT, L"30", IDCANCEL);
@@ -131,7 +119,7 @@ TEST(DeviceLinkLifetime, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFirst)
 TEST(DeviceLinkLifetime, ASecondPressOfCreateWaitsForNoSecondBuild) {
     const HWND owner = newOwner();
     CmsLinkSettings settings = settingsFor("");  // nothing can be written, so the dialog stays
-    edit(
+    editLink(
         settings,
         [&](const DialogWindow& dialog) {
             postCall(owner, [&] {
@@ -150,14 +138,15 @@ TEST(DeviceLinkLifetime, ASecondPressOfCreateWaitsForNoSecondBuild) {
     ::DestroyWindow(owner);
 }
 
-int received;
+std::atomic<int> received, marks;
 LRESULT CALLBACK countInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     received += message == WM_KEYDOWN || message == WM_LBUTTONDOWN;
+    marks += message == WM_APP;
     return ::DefWindowProcW(window, message, wParam, lParam);
 }
 
 TEST(DeviceLinkLifetime, KeysAndClicksThatWaitedForTheBuildAreForgotten) {
-    received = 0;
+    received = marks = 0;
     WNDCLASSW description{};
     description.lpfnWndProc = countInput;
     description.hInstance = ::GetModuleHandleW(nullptr);
@@ -168,7 +157,7 @@ TEST(DeviceLinkLifetime, KeysAndClicksThatWaitedForTheBuildAreForgotten) {
     const HWND owner = newOwner();
     const auto pressThen = [&](int command) {
         CmsLinkSettings settings = settingsFor("");
-        edit(
+        editLink(
             settings,
             [&](const DialogWindow& dialog) {
                 postCall(owner, [&] {
@@ -178,6 +167,10 @@ TEST(DeviceLinkLifetime, KeysAndClicksThatWaitedForTheBuildAreForgotten) {
                 });
                 if (command == IDOK) dialog.asked().press(IDOK);
                 dialog.waitForQuiet();
+                // Behind whatever still waits.
+                const int before = marks;
+                ::PostMessageW(receiver, WM_APP, 0, 0);
+                EXPECT_TRUE(eventually([&] { return marks > before; }));
             },
             owner);
     };
@@ -189,11 +182,50 @@ TEST(DeviceLinkLifetime, KeysAndClicksThatWaitedForTheBuildAreForgotten) {
     ::DestroyWindow(receiver);
 }
 
+// Looks at the dialog when the message that tells of the build is being made: nothing that the
+// build has covered with its work could have been painted since.
+HWND watched;
+int unpainted, windowsMade;
+LRESULT CALLBACK whenAWindowIsMade(int code, WPARAM wParam, LPARAM lParam) {
+    if (code == HCBT_CREATEWND) {
+        ++windowsMade;
+        for (HWND at = ::GetWindow(watched, GW_CHILD); at; at = ::GetWindow(at, GW_HWNDNEXT))
+            unpainted += ::GetUpdateRect(at, nullptr, FALSE) != FALSE;
+        unpainted += ::GetUpdateRect(watched, nullptr, FALSE) != FALSE;
+    }
+    return ::CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+TEST(DeviceLinkLifetime, TheDialogIsPaintedWhileTheLinkIsBuilt) {
+    const HWND owner = newOwner();
+    CmsLinkSettings settings = settingsFor("");
+    editLink(
+        settings,
+        [&](const DialogWindow& dialog) {
+            watched = dialog.handle();
+            unpainted = windowsMade = 0;
+            HHOOK hook = nullptr;
+            postCall(owner, [&] {
+                ::RedrawWindow(watched, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
+                hook = ::SetWindowsHookExW(WH_CBT, whenAWindowIsMade, nullptr,
+                                           ::GetCurrentThreadId());
+                ::SendMessageW(watched, WM_COMMAND, IDOK, 0);
+            });
+            EXPECT_EQ(closeMessage(dialog), kNotWritten);
+            dialog.waitForQuiet();
+            EXPECT_TRUE(::UnhookWindowsHookEx(hook));
+        },
+        owner);
+    ::DestroyWindow(owner);
+    EXPECT_GT(windowsMade, 0);
+    EXPECT_EQ(unpainted, 0);
+}
+
 TEST(DeviceLinkLifetime, CommandsDuringAMessageAreIgnored) {
     const TempFolder folder;
     const HWND owner = newOwner();
     CmsLinkSettings settings = settingsFor(folder.path("made.icc"));
-    EXPECT_EQ(edit(
+    EXPECT_EQ(editLink(
                   settings,
                   [&](const DialogWindow& dialog) {
                       dialog.press(IDOK);
@@ -224,10 +256,46 @@ TEST(DeviceLinkLifetime, TheCursorIsTheOneFromBeforeTheBuild) {
     }
 }
 
+TEST(DeviceLinkLifetime, MessagesInAnyOrderDoNoHarm) {
+    CmsLinkSettings settings = settingsFor("");  // nothing can be written, so the dialog stays
+    constexpr int kCommands[] = {IDOK, IDC_LINK_SHOW_PAPER, IDC_LINK_BASE, IDC_LINK_BROWSE_BASE,
+                                 IDC_LINK_OUTPUT, IDC_LINK_SATURATION, IDC_LINK_WHITE_GIVEN,
+                                 IDC_LINK_WHITE_NO_INK, IDC_LINK_SWATCH, IDC_LINK_AMOUNT, 0, 9999};
+    constexpr UINT kMessages[] = {WM_COMMAND, WM_COMMAND, WM_COMMAND, WM_INITDIALOG, WM_DRAWITEM,
+                                  WM_CTLCOLOREDIT, WM_DROPFILES, WM_PAINT, WM_SETFOCUS,
+                                  WM_KILLFOCUS, WM_ENABLE, WM_TIMER, WM_NOTIFY, WM_USER + 1};
+    for (uint32_t seed = 1; seed <= 3; ++seed) {
+        std::mt19937 random(seed);
+        editLink(settings, [&](const DialogWindow& dialog) {
+            for (int step = 0; step < 300 && dialog.isOpen(); ++step) {
+                const UINT message = kMessages[random() % std::size(kMessages)];
+                const WORD command =
+                    static_cast<WORD>(kCommands[random() % std::size(kCommands)]);
+                const WORD notification = static_cast<WORD>(random() % 3 ? 0 : random() & 0x7ff);
+                const WPARAM parameter =
+                    message == WM_COMMAND ? MAKEWPARAM(command, notification) : 0;
+                ::PostMessageW(dialog.handle(), message, parameter, 0);
+                // The dialog goes on as soon as what this opened has been cancelled.
+                ASSERT_TRUE(eventually([&] {
+                    if (!dialog.isOpen()) return true;
+                    ::SendMessageW(dialog.handle(), WM_NULL, 0, 0);
+                    const HWND open = ::GetLastActivePopup(dialog.handle());
+                    if (!open || open == dialog.handle())
+                        return ::IsWindowEnabled(dialog.handle()) != FALSE;
+                    ::PostMessageW(open, WM_COMMAND, IDCANCEL, 0);
+                    ::PostMessageW(open, WM_COMMAND, IDOK, 0);
+                    return false;
+                })) << seed << ' ' << step;
+            }
+            EXPECT_TRUE(dialog.isOpen());
+        });
+    }
+}
+
 TEST(DeviceLinkLifetime, TwoHundredOpeningsLeaveNothingBehind) {
     const auto use = [] {
         CmsLinkSettings settings = settingsFor("");
-        edit(settings, [](const DialogWindow& dialog) {
+        editLink(settings, [](const DialogWindow& dialog) {
             dialog.enter(IDC_LINK_BASE, L"\x0e01", IDCANCEL);  // refused, in red
             dialog.click(IDC_LINK_WHITE_NO_INK);
             dialog.click(IDC_LINK_WHITE_GIVEN);
@@ -248,7 +316,7 @@ TEST(DeviceLinkLifetime, TenThousandPastedCharactersAreCutOrClampedInEveryField)
     for (const wchar_t character : {L'9', L'漢', L'\x263a', L'\0'}) {
         const std::wstring text(10000, character ? character : L' ');
         onClipboard(text);
-        edit(settings, [&](const DialogWindow& dialog) {
+        editLink(settings, [&](const DialogWindow& dialog) {
             for (const int field : {IDC_LINK_BASE, IDC_LINK_SOURCE, IDC_LINK_DESTINATION,
                                     IDC_LINK_BLACK, IDC_LINK_OUTPUT, IDC_LINK_AMOUNT}) {
                 const size_t limit = field == IDC_LINK_AMOUNT ? 3 : 259;
@@ -264,7 +332,7 @@ TEST(DeviceLinkLifetime, TenThousandPastedCharactersAreCutOrClampedInEveryField)
                 dialog.focus(IDCANCEL);
             }
             EXPECT_EQ(dialog.text(IDC_LINK_AMOUNT), character == L'9' ? L"400" : L"0");
-            for (const int field : kEdits)
+            for (const int field : kLinkEdits)
                 EXPECT_EQ(dialog.text(field) == std::wstring(259, L'9'), character == L'9');
         });
     }
@@ -275,6 +343,10 @@ HMODULE library() { return ::GetModuleHandleW(L"KoLink.dll"); }
 
 TEST(DeviceLinkProcedure, AHostMayRunItWithTheLibrarysTemplate) {
     const TempFolder folder;
+    // Its plain name, on 32 bits as well.
+    const auto procedure = reinterpret_cast<DLGPROC>(
+        reinterpret_cast<void*>(::GetProcAddress(library(), "jCmsDeviceLinkDlgProc")));
+    ASSERT_NE(procedure, nullptr);
     for (const bool wideCall : {false, true}) {
         CmsLinkSettings settings = settingsFor(folder.path("made.icc"));
         INT_PTR result = -7;
@@ -283,8 +355,8 @@ TEST(DeviceLinkProcedure, AHostMayRunItWithTheLibrarysTemplate) {
             [&] {
                 result = wideCall ? ::DialogBoxParamW(library(), L"CMSLINKDLG", nullptr,
                                                       jCmsDeviceLinkDlgProc, parameter)
-                                  : ::DialogBoxParamA(library(), "CMSLINKDLG", nullptr,
-                                                      jCmsDeviceLinkDlgProc, parameter);
+                                  : ::DialogBoxParamA(library(), "CMSLINKDLG", nullptr, procedure,
+                                                      parameter);
             },
             [&](const DialogWindow& dialog) {
                 if (wideCall || ::GetACP() == 932) {

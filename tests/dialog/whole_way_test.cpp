@@ -61,8 +61,8 @@ std::wstring converted(const CmykProfile& link, const Levels& cmyk) {
     std::wstring text;
     for (size_t ink = 0; ink < 4; ++ink) {
         const int32_t tenths = (values[ink] * 10 + 8) / 16;
-        text += std::wstring(ink ? L" " : L"") + L"CMYK"[ink] + L' ' + std::to_wstring(tenths / 10) +
-                L'.' + std::to_wstring(tenths % 10);
+        text += std::wstring(ink ? L" " : L"") + L"CMYK"[ink] + L' ';
+        text += std::to_wstring(tenths / 10) + L'.' + std::to_wstring(tenths % 10);
     }
     return text;
 }

@@ -1,0 +1,106 @@
+// The Create button of the device-link dialog: what it writes, and what it says when it cannot.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tests/dialog/device_link.h"
+
+using namespace ko::test;
+
+namespace {
+
+std::wstring named(const wchar_t* name) { return std::wstring(L"Z:\\missing\\") + name; }
+
+TEST(DeviceLinkDialog, CreateWritesTheLinkAndReturnsTheSettingsItWasMadeWith) {
+    const TempFolder folder;
+    CmsLinkSettings settings = writingTo("");
+    settings.intent = 2;
+    const std::string micro = testData("CGATS001Compat-v2-micro.icc");
+    const std::string output = folder.path("made.icc");
+    EXPECT_EQ(editLink(settings,
+                   [&](const DialogWindow& dialog) {
+                       dialog.enter(IDC_LINK_SOURCE, wide(micro), IDCANCEL);
+                       dialog.enter(IDC_LINK_DESTINATION, wide(kDebian), IDCANCEL);
+                       dialog.enter(IDC_LINK_OUTPUT, wide(output), IDCANCEL);
+                       EXPECT_EQ(create(dialog), kNotMade);  // the source has no saturation table
+                       dialog.click(IDC_LINK_PERCEPTUAL);
+                       dialog.click(IDC_LINK_KEEP_SECONDARIES);
+                       dialog.click(IDC_LINK_WHITE_NO_INK);
+                       EXPECT_EQ(create(dialog), kMade);
+                   }),
+              1);
+    CmsLinkSettings expected = writingTo(output);
+    micro.copy(expected.sourcePath, 259);
+    std::strcpy(expected.destinationPath, kDebian);
+    expected.preservation = 2;
+    expected.whiteMode = 1;
+    EXPECT_EQ(std::memcmp(&settings, &expected, sizeof settings), 0);
+    expectTheLinkOf(expected, output);
+}
+
+TEST(DeviceLinkDialog, ReturnCreatesWithTheFieldThatHasTheFocus) {
+    const TempFolder folder;
+    CmsLinkSettings settings = writingTo("");
+    EXPECT_EQ(editLink(settings,
+                   [&](const DialogWindow& dialog) {
+                       dialog.type(IDC_LINK_OUTPUT, wide(folder.path("made.icc")));
+                       ::PostMessageW(dialog.item(IDC_LINK_OUTPUT), WM_KEYDOWN, VK_RETURN, 0);
+                       EXPECT_EQ(closeMessage(dialog), kMade);
+                   }),
+              1);
+    EXPECT_EQ(settings.outputPath, folder.path("made.icc"));
+    EXPECT_TRUE(exists(folder.path("made.icc")));
+}
+
+TEST(DeviceLinkDialog, WhatCannotBeMadeIsToldAndTheDialogStaysOpenForCorrection) {
+    const TempFolder folder;
+    CmsLinkSettings settings = writingTo(folder.path("made.icc"));
+    EXPECT_EQ(editLink(settings,
+                   [&](const DialogWindow& dialog) {
+                       for (const int field : {IDC_LINK_BASE, IDC_LINK_SOURCE, IDC_LINK_BLACK}) {
+                           dialog.enter(field, named(L"profile.icc"), IDCANCEL);
+                           dialog.enter(IDC_LINK_DESTINATION, named(L"p.icc"), IDCANCEL);
+                           EXPECT_EQ(create(dialog), kNotMade);
+                           EXPECT_FALSE(exists(folder.path("made.icc")));
+                           dialog.enter(field, L"", IDCANCEL);
+                       }
+                       dialog.enter(IDC_LINK_DESTINATION, L"", IDCANCEL);
+                       EXPECT_EQ(create(dialog), kMade);
+                   }),
+              1);
+    EXPECT_TRUE(exists(folder.path("made.icc")));
+}
+
+TEST(DeviceLinkDialog, WhatCannotBeWrittenIsToldAndTheDialogStaysOpenForCorrection) {
+    const TempFolder folder;
+    CmsLinkSettings settings = writingTo("");
+    EXPECT_EQ(editLink(settings,
+                   [&](const DialogWindow& dialog) {
+                       EXPECT_EQ(create(dialog), kNotWritten);  // no path at all
+                       dialog.enter(IDC_LINK_OUTPUT, named(L"made.icc"), IDCANCEL);
+                       EXPECT_EQ(create(dialog), kNotWritten);
+                       dialog.enter(IDC_LINK_OUTPUT, wide(folder.path("made.icc")), IDCANCEL);
+                       EXPECT_EQ(create(dialog), kMade);
+                   }),
+              1);
+    EXPECT_EQ(settings.outputPath, folder.path("made.icc"));
+}
+
+TEST(DeviceLinkDialog, ALinkThatAnotherProgramHoldsIsNotTakenForTheNewOne) {
+    const TempFolder folder;
+    CmsLinkSettings settings = writingTo(folder.path("made.icc"));
+    editLink(settings, [](const DialogWindow& dialog) { EXPECT_EQ(create(dialog), kMade); });
+    const Bytes before = readFile(folder.path("made.icc"));
+    const HANDLE held = ::CreateFileA(folder.path("made.icc").c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    settings.whiteMode = 2;
+    settings.paperC = 99;
+    EXPECT_EQ(editLink(settings,
+                   [](const DialogWindow& dialog) { EXPECT_EQ(create(dialog), kNotWritten); }),
+              0);
+    ::CloseHandle(held);
+    EXPECT_EQ(readFile(folder.path("made.icc")), before);
+}
+
+}  // namespace

@@ -1,0 +1,219 @@
+// The paths of the device-link dialog: typed, chosen, dropped, in every code page.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tests/dialog/device_link.h"
+#include "tests/dialog/layout.h"
+
+#include <shlobj.h>
+
+using namespace ko::test;
+
+namespace {
+
+std::wstring named(const wchar_t* name) { return std::wstring(L"Z:\\missing\\") + name; }
+
+// The kinds of files that the file dialog offers, one a line.
+std::wstring offered(const DialogWindow& ask) {
+    constexpr int kFilterBox = 0x470;
+    const HWND box = ask.item(kFilterBox);
+    std::wstring kinds;
+    const auto count = ::SendMessageW(box, CB_GETCOUNT, 0, 0);
+    for (LRESULT at = 0; at < count; ++at) {
+        wchar_t text[200] = {};
+        ::SendMessageW(box, CB_GETLBTEXT, static_cast<WPARAM>(at), reinterpret_cast<LPARAM>(text));
+        kinds += std::wstring(text) + L'\n';
+    }
+    return kinds;
+}
+
+TEST(DeviceLinkDialog, EachBrowseButtonOffersItsFilesAndShowsTheChosenOne) {
+    const TempFolder folder;
+    const std::wstring icc = L"ICCﾌﾟﾛﾌｧｲﾙ (*.icc, *.icm)\n";
+    const std::wstring kinds[] = {icc + L"LUTﾌｧｲﾙ (*.LUT)\n", icc + L"NQPﾌｧｲﾙ (*.nqp)\n",
+                                  icc + L"DCCﾌｧｲﾙ (*.dcc)\n", L"LUTﾌｧｲﾙ (*.bkc)\n", icc};
+    const char* const names[] = {"a.lut", "b.nqp", "c.dcc", "d.bkc", "e.icc"};
+    for (const char* const name : names) writeFile(folder.path(name), "content");
+    lookAtLink(writingTo(""), [&](const DialogWindow& dialog) {
+        for (size_t at = 0; at < 4; ++at) {
+            dialog.press(kLinkBrowse[at]);
+            const DialogWindow ask = dialog.asked();
+            EXPECT_EQ(offered(ask), kinds[at]) << at;
+            ask.chooseFile(folder.path(names[at]));
+            dialog.waitForQuiet();
+            EXPECT_EQ(dialog.text(kLinkEdits[at]), wide(folder.path(names[at])));
+        }
+        dialog.press(IDC_LINK_BROWSE_OUTPUT);
+        const DialogWindow ask = dialog.asked();
+        EXPECT_EQ(offered(ask), kinds[4]);
+        ask.chooseFile(folder.path("new"));
+        dialog.waitForQuiet();
+        EXPECT_EQ(dialog.text(IDC_LINK_OUTPUT), wide(folder.path("new.icc")));
+    });
+}
+
+TEST(DeviceLinkDialog, BrowsingBeginsWithTheFieldsFileAndItsCancelKeepsIt) {
+    const TempFolder folder;
+    writeFile(folder.path("first.icc"), "content");
+    lookAtLink(writingTo(""), [&](const DialogWindow& dialog) {
+        for (size_t at = 0; at < 5; ++at) {
+            dialog.enter(kLinkEdits[at], wide(folder.path("first.icc")), IDCANCEL);
+            dialog.press(kLinkBrowse[at]);
+            const DialogWindow ask = dialog.asked();
+            const HWND name = ask.item(0x480) ? ask.item(0x480) : ask.item(0x47c);
+            wchar_t text[300] = {};
+            ::SendMessageW(name, WM_GETTEXT, 300, reinterpret_cast<LPARAM>(text));
+            EXPECT_EQ(std::wstring(text), L"first.icc");
+            ask.press(IDCANCEL);
+            dialog.waitForQuiet();
+            EXPECT_EQ(dialog.text(kLinkEdits[at]), wide(folder.path("first.icc")));
+        }
+    });
+}
+
+TEST(DeviceLinkDialog, BrowsingOpensAlsoWhereTheFieldHoldsNoName) {
+    lookAtLink(writingTo(""), [&](const DialogWindow& dialog) {
+        for (const wchar_t* const odd : {L"a<>|?*.icc", L"\\", L"...", L"::::"}) {
+            dialog.enter(IDC_LINK_BASE, odd, IDCANCEL);
+            dialog.press(IDC_LINK_BROWSE_BASE);
+            dialog.asked().press(IDCANCEL);
+            dialog.waitForQuiet();
+            EXPECT_EQ(dialog.text(IDC_LINK_BASE), odd);
+        }
+    });
+}
+
+TEST(DeviceLinkDialog, APathThatTheCodePageCannotNameTurnsRedAndKeepsTheLinkFromBeingMade) {
+    const TempFolder folder;
+    const std::wstring thai = L"Z:\\\x0e01\x0e02.icc";  // in none of the code pages
+    CmsLinkSettings settings = writingTo(folder.path("made.icc"));
+    std::strcpy(settings.basePath, "before.icc");
+    EXPECT_EQ(editLink(settings,
+                   [&](const DialogWindow& dialog) {
+                       dialog.enter(IDC_LINK_BASE, thai, IDCANCEL);
+                       EXPECT_EQ(dialog.text(IDC_LINK_BASE), thai);
+                       EXPECT_GT(pictureOf(dialog).count(0xc80000), 5);
+                       EXPECT_EQ(create(dialog), kNotMade);
+                       EXPECT_FALSE(exists(folder.path("made.icc")));
+                       dialog.enter(IDC_LINK_BASE, L"", IDCANCEL);
+                       EXPECT_EQ(pictureOf(dialog).count(0xc80000), 0);
+                       dialog.enter(IDC_LINK_OUTPUT, thai, IDCANCEL);
+                       EXPECT_EQ(create(dialog), kNotWritten);
+                       EXPECT_FALSE(exists(folder.path("made.icc")));
+                       dialog.enter(IDC_LINK_OUTPUT, wide(folder.path("other.icc")), IDCANCEL);
+                       EXPECT_EQ(create(dialog), kMade);
+                   }),
+              1);
+    EXPECT_STREQ(settings.basePath, "");
+    EXPECT_EQ(settings.outputPath, folder.path("other.icc"));
+}
+
+TEST(DeviceLinkDialog, NoQuestionMarkEverStandsForACharacterThatIsMissing) {
+    CmsLinkSettings settings = writingTo("");
+    lookAtLink(settings, [](const DialogWindow& dialog) {
+        for (const int field : kLinkEdits)
+            for (const wchar_t character : {L'\x0e01', L'\x4e00', L'\xe9', L'\x2116', L'\x30a2'}) {
+                const std::wstring path = std::wstring(L"Z:\\") + character + L".icc";
+                dialog.enter(field, path, IDCANCEL);
+                EXPECT_EQ(dialog.text(field), path);
+            }
+    });
+}
+
+TEST(DeviceLinkDialog, ALinkInAFolderNamedInTheSystemsLanguageIsWrittenAndShown) {
+    const TempFolder folder;
+    const std::wstring local = ::GetACP() == 932   ? L"色表"
+                               : ::GetACP() == 936 ? L"颜色"
+                                                   : L"couleur-é";
+    const std::wstring inside = wide(folder.path("")) + local;
+    ASSERT_TRUE(::CreateDirectoryW(inside.c_str(), nullptr));
+    const std::wstring output = inside + L"\\" + local;
+    CmsLinkSettings settings = writingTo("");
+    EXPECT_EQ(editLink(settings,
+                   [&](const DialogWindow& dialog) {
+                       dialog.enter(IDC_LINK_OUTPUT, output, IDCANCEL);
+                       EXPECT_EQ(dialog.text(IDC_LINK_OUTPUT), output);
+                       EXPECT_EQ(create(dialog), kMade);
+                   }),
+              1);
+    EXPECT_EQ(wide(settings.outputPath), output);
+    EXPECT_NE(::GetFileAttributesW(output.c_str()), INVALID_FILE_ATTRIBUTES);
+    lookAtLink(settings, [&](const DialogWindow& dialog) {
+        EXPECT_EQ(dialog.text(IDC_LINK_OUTPUT), output);
+    });
+}
+
+// As the system hands over what was dropped at a place of the dialog.
+void drop(const DialogWindow& dialog, POINT at, const std::vector<std::wstring>& files) {
+    std::wstring names;
+    for (const std::wstring& file : files) names += file + L'\0';
+    names += L'\0';
+    const HGLOBAL block =
+        ::GlobalAlloc(GMEM_MOVEABLE, sizeof(DROPFILES) + names.size() * sizeof(wchar_t));
+    auto* const head = static_cast<DROPFILES*>(::GlobalLock(block));
+    *head = {sizeof(DROPFILES), at, FALSE, TRUE};
+    names.copy(reinterpret_cast<wchar_t*>(head + 1), names.size());
+    ::GlobalUnlock(block);
+    ::SendMessageW(dialog.handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
+}
+
+TEST(DeviceLinkDialog, AFileDroppedOnAFieldIsItsPath) {
+    const TempFolder folder;
+    CmsLinkSettings settings = writingTo("");
+    EXPECT_EQ(editLink(settings,
+                   [&](const DialogWindow& dialog) {
+                       const auto middleOf = [&](int control) {
+                           const RECT place = placeOf(dialog.item(control), dialog.handle());
+                           return POINT{(place.left + place.right) / 2,
+                                        (place.top + place.bottom) / 2};
+                       };
+                       for (const int field : kLinkEdits) {
+                           const std::wstring own = named(L"file") + std::to_wstring(field);
+                           drop(dialog, middleOf(field), {own, named(L"second")});
+                           for (const int other : kLinkEdits)
+                               EXPECT_EQ(dialog.text(other) == own, other == field);
+                           drop(dialog, middleOf(field), {});
+                           EXPECT_EQ(dialog.text(field), own);
+                           dialog.enter(field, L"", IDCANCEL);
+                       }
+                       drop(dialog, middleOf(IDC_LINK_RELATIVE), {named(L"nowhere")});
+                       drop(dialog, {-5, 100000}, {named(L"nowhere")});
+                       drop(dialog, middleOf(IDC_LINK_BASE), {std::wstring(3000, L'x')});
+                       drop(dialog, middleOf(IDC_LINK_BASE), {L"Z:\\\x0e01.icc"});
+                       EXPECT_EQ(create(dialog), kNotMade);
+                       dialog.enter(IDC_LINK_BASE, L"", IDCANCEL);
+                       drop(dialog, middleOf(IDC_LINK_OUTPUT), {wide(folder.path("made.icc"))});
+                       EXPECT_EQ(create(dialog), kMade);
+                   }),
+              1);
+    EXPECT_EQ(settings.outputPath, folder.path("made.icc"));
+}
+
+TEST(DeviceLinkDialog, BlanksAndQuotationMarksAroundAPathGo) {
+    lookAtLink(writingTo(""), [](const DialogWindow& dialog) {
+        for (const int field : kLinkEdits) {
+            dialog.enter(field, L"  a b.icc  ", IDCANCEL);
+            EXPECT_EQ(dialog.text(field), L"a b.icc");
+            dialog.enter(field, L"\"a b.icc\"", IDCANCEL);
+            EXPECT_EQ(dialog.text(field), L"a b.icc");
+        }
+    });
+}
+
+TEST(DeviceLinkDialog, PathsOf260BytesAreCutAtAWholeCharacter) {
+    lookAtLink(writingTo(""), [](const DialogWindow& dialog) {
+        const wchar_t character = ::GetACP() == 1252 ? L'\xe9' : L'\x4e00';
+        const size_t bytes = ::GetACP() == 1252 ? 1 : 2;
+        for (const int field : kLinkEdits) {
+            const std::wstring text = L"a" + std::wstring(400, character);
+            ::SendMessageW(dialog.item(field), WM_SETTEXT, 0,
+                           reinterpret_cast<LPARAM>(text.c_str()));
+            dialog.focus(field);
+            dialog.focus(IDCANCEL);
+            EXPECT_EQ(dialog.text(field), L"a" + std::wstring(258 / bytes, character));
+        }
+    });
+}
+
+}  // namespace
