@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <commctrl.h>
+
 #include <filesystem>
 
 #include "resources/dialog_ids.h"
@@ -273,7 +275,8 @@ TEST(ProfileTonePage, AccessKeysReachThePageThatIsShown) {
 TEST(ProfileTonePage, APageThatGoesDoesNotKeepTheFocus) {
     onPage([](const DialogWindow& dialog, const DialogWindow& page) {
         page.type(IDC_PERCENT_K, L"40");
-        choosePage(dialog, kCorrectionPage);
+        // Without a click, which would bring the focus to the tabs.
+        ::SendMessageW(dialog.item(IDC_PAGES), TCM_SETCURFOCUS, kCorrectionPage, 0);
         EXPECT_EQ(focused(dialog), dialog.item(IDC_PAGES));
         EXPECT_FALSE(::IsWindowVisible(page.handle()));
         EXPECT_NE(pageOf(dialog).handle(), page.handle());
