@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 
 namespace ko::test {
 namespace {
@@ -122,13 +123,27 @@ void expectNothingIsCovered(const DialogWindow& dialog) {
     }
 }
 
+namespace {
+// As a screen reader finds it: a field and a list have the label before them, shown or hidden.
+std::wstring nameOf(HWND control) {
+    if (classOf(control) != L"Edit" && classOf(control) != L"ComboBox") return textOf(control);
+    const HWND before = ::GetWindow(control, GW_HWNDPREV);
+    return before && classOf(before) == L"Static" ? textOf(before) : std::wstring();
+}
+bool hasALetter(const std::wstring& name) {
+    return std::any_of(name.begin(), name.end(), [](wchar_t c) { return ::IsCharAlphaW(c); });
+}
+}  // namespace
+
 void expectEveryControlHasAName(const DialogWindow& dialog) {
+    std::set<std::wstring> ofFields;
     for (const HWND control : controlsOf(dialog.handle())) {
         if (isFrame(control) || isSpin(control)) continue;
-        const bool named = classOf(control) == L"Edit" || classOf(control) == L"ComboBox";
-        const HWND before = ::GetWindow(control, GW_HWNDPREV);  // hidden labels count
-        const bool label = before && classOf(before) == L"Static" && !textOf(before).empty();
-        EXPECT_TRUE(named ? label : !textOf(control).empty()) << ::GetDlgCtrlID(control);
+        const std::wstring name = nameOf(control);
+        EXPECT_FALSE(name.empty()) << ::GetDlgCtrlID(control);
+        if (classOf(control) != L"Edit" && classOf(control) != L"ComboBox") continue;
+        EXPECT_TRUE(hasALetter(name)) << ::GetDlgCtrlID(control);  // more than an arrow or a unit
+        EXPECT_TRUE(ofFields.insert(name).second) << ::GetDlgCtrlID(control) << " has another's";
     }
 }
 
