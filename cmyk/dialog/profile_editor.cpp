@@ -40,7 +40,8 @@ void ProfileEditor::leaveComment(std::string_view comment) {
     if (comment != this->comment()) copyText(profile_.comment, comment);
     jStrCorrect(profile_.comment);
     const std::string_view corrected = textIn(profile_.comment);
-    if (looksLikeEditingData(corrected)) copyText(profile_.comment, "\r\n" + std::string(corrected));
+    if (looksLikeEditingData(corrected))
+        copyText(profile_.comment, "\r\n" + std::string(corrected));
 }
 
 bool ProfileEditor::startNew(dialog::EditorHost& host) {

@@ -24,7 +24,9 @@ public:
     CurveSet curveSet() const noexcept { return set_; }
     void chooseSet(CurveSet set) noexcept;  // ends a drag as it stands
     int32_t level(int32_t channel, int32_t point) const noexcept { return levelOf(channel, point); }
-    bool isControlPoint(int32_t channel, int32_t point) const noexcept { return isMarked(channel, point); }
+    bool isControlPoint(int32_t channel, int32_t point) const noexcept {
+        return isMarked(channel, point);
+    }
 
     void reset() noexcept;  // the set's four curves become straight lines
 
