@@ -305,7 +305,10 @@ INT_PTR CALLBACK Dialog::procedure(HWND window, UINT message, WPARAM wParam, LPA
                     return ::SendMessageW(parent, message, wParam, lParam);
                 return dialog->command(LOWORD(wParam), HIWORD(wParam));
             }
-            case WM_DRAWITEM: return dialog->drawItem(*reinterpret_cast<DRAWITEMSTRUCT*>(lParam));
+            case WM_DRAWITEM: {
+                const auto* const drawing = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+                return drawing && dialog->drawItem(*drawing);
+            }
             default: return dialog->message(message, wParam, lParam);
         }
     });

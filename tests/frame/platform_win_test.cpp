@@ -113,8 +113,12 @@ TEST(SamePath, IgnoresTheCaseOfTheCodePagesLetters) {
     EXPECT_TRUE(platform::samePath("C:\\Colour\\a.ICC", "c:\\colour\\A.icc"));
     EXPECT_FALSE(platform::samePath("a.icc", "a.icm"));
     EXPECT_FALSE(platform::samePath("a.icc", "a.ic"));
-    if (::GetACP() == 1252) EXPECT_TRUE(platform::samePath("\xc9.icc", "\xe9.icc"));  // an acute E
-    if (::GetACP() == 932) EXPECT_TRUE(platform::samePath("\x82\x60", "\x82\x81"));  // a wide A
+    if (::GetACP() == 1252) {
+        EXPECT_TRUE(platform::samePath("\xc9.icc", "\xe9.icc"));  // an acute E
+    }
+    if (::GetACP() == 932) {
+        EXPECT_TRUE(platform::samePath("\x82\x60", "\x82\x81"));  // a wide A
+    }
 }
 
 }  // namespace
