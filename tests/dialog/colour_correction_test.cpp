@@ -446,18 +446,45 @@ TEST(CorrectionPage, LooksRight) {
     });
 }
 
-TEST(CorrectionPage, ARangeOverTheEdgeWithSpansLooksRight) {
+TEST(CorrectionPage, NoAccessKeyOfFrameAndPageIsUsedTwice) {
+    onPage("", [](const DialogWindow& dialog, const DialogWindow&) {
+        std::wstring keys;
+        for (const HWND control : controlsOf(dialog.handle())) {
+            const std::wstring text = ko::test::textOf(control);
+            const size_t at = text.find(L'&');
+            if (classOf(control) == L"Edit" || at == std::wstring::npos) continue;
+            EXPECT_EQ(keys.find(text[at + 1]), std::wstring::npos) << static_cast<char>(text[at + 1]);
+            keys += text[at + 1];
+        }
+        EXPECT_EQ(keys.size(), 15u);
+    });
+}
+
+// A colour with a range, spans and a changed value.
+void arrange(const DialogWindow& page, const std::array<int, 4>& levels) {
+    pickLevels(page, levels);
+    page.click(IDC_CUBE_256);
+    enter(page, IDC_CUBE_HUE, 40);
+    enter(page, IDC_CUBE_SATURATION, 35);
+    const SIZE bar = sizeOf(page, IDC_CUBE_LIGHTNESS_BAR), black = sizeOf(page, IDC_CUBE_BLACK_BAR);
+    clickAt(page, IDC_CUBE_LIGHTNESS_BAR, {2, bar.cy / 4});
+    clickAt(page, IDC_CUBE_LIGHTNESS_BAR, {2, bar.cy * 7 / 10});
+    clickAt(page, IDC_CUBE_BLACK_BAR, {black.cx / 3, 2});
+    enter(page, kChanged[1], 60);
+}
+
+TEST(CorrectionPage, ARangeWithSpansLooksRight) {
     onPage("", [](const DialogWindow& dialog, const DialogWindow& page) {
-        pickLevels(page, {20, 190, 200, 26});
-        page.click(IDC_CUBE_256);
-        enter(page, IDC_CUBE_HUE, 40);
-        enter(page, IDC_CUBE_SATURATION, 35);
-        const SIZE bar = sizeOf(page, IDC_CUBE_LIGHTNESS_BAR), black = sizeOf(page, IDC_CUBE_BLACK_BAR);
-        clickAt(page, IDC_CUBE_LIGHTNESS_BAR, {2, bar.cy / 3});
-        clickAt(page, IDC_CUBE_LIGHTNESS_BAR, {2, bar.cy * 7 / 10});
-        clickAt(page, IDC_CUBE_BLACK_BAR, {black.cx / 3, 2});
-        enter(page, kChanged[1], 60);
+        arrange(page, {180, 40, 150, 26});
         keepPicture(pictureOf(dialog), "profile-correction-range");
+        expectALook(page);
+    });
+}
+
+TEST(CorrectionPage, ARangeOverTheEdgeLooksRight) {
+    onPage("", [](const DialogWindow& dialog, const DialogWindow& page) {
+        arrange(page, {20, 190, 200, 26});
+        keepPicture(pictureOf(dialog), "profile-correction-edge");
         expectALook(page);
     });
 }
