@@ -470,7 +470,7 @@ void arrange(const DialogWindow& page, const std::array<int, 4>& levels) {
     clickAt(page, IDC_CUBE_LIGHTNESS_BAR, {2, bar.cy / 4});
     clickAt(page, IDC_CUBE_LIGHTNESS_BAR, {2, bar.cy * 7 / 10});
     clickAt(page, IDC_CUBE_BLACK_BAR, {black.cx / 3, 2});
-    enter(page, kChanged[1], 60);
+    enter(page, kChanged[2], 45);
 }
 
 TEST(CorrectionPage, ARangeWithSpansLooksRight) {
