@@ -53,6 +53,7 @@ const Words& words() {
 }
 
 int32_t edit(const CalibSet& set, const Drive& drive, HWND owner = nullptr) {
+    ::SetCursorPos(0, 0);  // what the pointer says on its own is then outside every graph
     int32_t result = -1;
     openDialog([&] { result = jKoCalibEditCurveDlg(owner, set.get()); }, drive);
     return result;
