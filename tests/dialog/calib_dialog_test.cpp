@@ -473,7 +473,9 @@ TEST(CalibDialog, ReturnSavesAndEscapeCancels) {
     const int32_t result = edit(set, [&](const DialogWindow& dialog) {
         dialog.type(IDC_TITLE, L"typed");
         ::PostMessageW(dialog.item(IDC_TITLE), WM_KEYDOWN, VK_RETURN, 0);
-        EXPECT_TRUE(eventually([&] { return readText(path).find("TITLE = typed\r\n") != std::string::npos; }));
+        EXPECT_TRUE(eventually([&] { return std::string_view(set->title) == "typed"; }));
+        dialog.caption();  // answered when the saving is over
+        EXPECT_NE(readText(path).find("TITLE = typed\r\n"), std::string::npos);
         dialog.pressKey(IDC_VALUE_X, VK_ESCAPE);
         EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
     });
