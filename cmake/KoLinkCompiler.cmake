@@ -42,6 +42,17 @@ else()
     target_compile_options(ko_quickly_built INTERFACE -O1)
 endif()
 
+# The big headers of a target, read once. A compiler cache does better without: it would take every
+# change of one of them for a change of everything.
+function(ko_precompile target)
+    if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
+        target_precompile_headers(${target} PRIVATE ${ARGN})
+        # GCC 12 then sees what it overlooks in the system's headers otherwise, and is wrong.
+        target_compile_options(${target} PRIVATE
+            $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds> $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>)
+    endif()
+endfunction()
+
 # User texts are written in UTF-8 and live in Shift-JIS at run time. clang has no such option:
 # its builds (the fuzz targets) keep them in UTF-8.
 function(ko_shift_jis_texts target)
