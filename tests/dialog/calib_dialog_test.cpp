@@ -513,29 +513,34 @@ TEST(CalibDialog, OddSetsAreShownAndEditedWithoutHarm) {
 }
 
 TEST(CalibDialog, MessagesInAnyOrderDoNoHarm) {
-    constexpr UINT kMessages[] = {WM_LBUTTONDOWN, WM_LBUTTONUP,  WM_MOUSEMOVE, WM_RBUTTONDOWN, WM_LBUTTONDBLCLK,
-                                  WM_KEYDOWN,     WM_KEYUP,      WM_CHAR,      WM_SETFOCUS,    WM_KILLFOCUS,
-                                  WM_PAINT,       WM_ERASEBKGND, WM_SIZE,      WM_ENABLE,      WM_TIMER,
-                                  WM_HSCROLL,     WM_VSCROLL,    WM_CAPTURECHANGED, WM_CANCELMODE};
-    constexpr int kControls[] = {IDC_GRAPH, IDC_GRAPH, IDC_GRAPH, IDC_TITLE, IDC_VALUE_X, IDC_VALUE_Y,
-                                 IDC_CHANNEL, IDC_RELATIVE, IDC_ADD, IDC_RESET, IDC_STRIP_INPUT};
+    // The graph is ours and gets everything; the system's controls get what a person can cause.
+    constexpr UINT kInput[] = {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSEMOVE, WM_RBUTTONDOWN,
+                               WM_KEYDOWN,     WM_KEYUP,     WM_CHAR};
+    constexpr UINT kAll[] = {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSEMOVE,  WM_RBUTTONDOWN, WM_LBUTTONDBLCLK,
+                             WM_KEYDOWN,     WM_KEYUP,     WM_CHAR,       WM_SETFOCUS,    WM_KILLFOCUS,
+                             WM_PAINT,       WM_SIZE,      WM_ERASEBKGND, WM_ENABLE,      WM_TIMER,
+                             WM_HSCROLL,     WM_VSCROLL,   WM_CANCELMODE, WM_CAPTURECHANGED};
+    constexpr int kControls[] = {IDC_TITLE,    IDC_VALUE_X, IDC_VALUE_Y, IDC_CHANNEL,
+                                 IDC_RELATIVE, IDC_ADD,     IDC_RESET};
     for (uint32_t seed = 1; seed <= 8; ++seed) {
         const CalibSet set = inkSet(3, seed % 2 ? 255 : 100, seed % 3 ? 255 : 0);
         std::minstd_rand random(seed);
         const int32_t result = edit(set, [&](const DialogWindow& dialog) {
             const auto any = [&](auto& choices) { return choices[random() % std::size(choices)]; };
             for (int message = 0; message < 300; ++message) {
-                const int control = any(kControls);
+                const bool toGraph = random() % 2 != 0;
+                const int control = toGraph ? IDC_GRAPH : any(kControls);
+                const UINT what = toGraph ? any(kAll) : any(kInput);
                 const auto x = static_cast<WORD>(random() % 400), y = static_cast<WORD>(random() % 400);
                 DWORD_PTR answer = 0;
-                ASSERT_TRUE(::SendMessageTimeoutW(dialog.item(control), any(kMessages), random() % 64,
+                ASSERT_TRUE(::SendMessageTimeoutW(dialog.item(control), what, random() % 64,
                                                   MAKELPARAM(x, y), SMTO_NORMAL, 20000, &answer))
                     << seed << ' ' << message;
                 if (message % 16 == 0) {
                     const int asks[] = {IDC_ADD, IDC_RESET, IDC_RELATIVE, IDC_CHANNEL, IDC_TITLE};
                     const int notifications[] = {BN_CLICKED, CBN_SELCHANGE, EN_KILLFOCUS, EN_CHANGE};
-                    const WPARAM what = MAKEWPARAM(any(asks), any(notifications));
-                    ::SendMessageTimeoutW(dialog.handle(), WM_COMMAND, what, 0, SMTO_NORMAL, 20000, &answer);
+                    const WPARAM told = MAKEWPARAM(any(asks), any(notifications));
+                    ::SendMessageTimeoutW(dialog.handle(), WM_COMMAND, told, 0, SMTO_NORMAL, 20000, &answer);
                 }
             }
             ::EnableWindow(dialog.item(IDC_GRAPH), TRUE);
