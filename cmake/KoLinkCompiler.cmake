@@ -49,7 +49,8 @@ function(ko_precompile target)
         target_precompile_headers(${target} PRIVATE ${ARGN})
         # GCC 12 then sees what it overlooks in the system's headers otherwise, and is wrong.
         target_compile_options(${target} PRIVATE
-            $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds> $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>)
+            $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds> $<$<CXX_COMPILER_ID:GNU>:-Wno-dangling-else>
+            $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
     endif()
 endfunction()
 

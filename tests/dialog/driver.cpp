@@ -45,6 +45,22 @@ HWND dialogOf(DWORD thread, HWND owner, bool anyOwner) {
     return search.found;
 }
 
+// Keeps what the pointer says on its own, at any time, from the windows of this thread: only what a
+// test sends arrives.
+class PointerAway {
+public:
+    PointerAway()
+        : hook_(::SetWindowsHookExW(WH_MOUSE, discard, nullptr, ::GetCurrentThreadId())) {}
+    ~PointerAway() { ::UnhookWindowsHookEx(hook_); }
+    PointerAway(const PointerAway&) = delete;
+
+private:
+    static LRESULT CALLBACK discard(int code, WPARAM wParam, LPARAM lParam) {
+        return code < 0 ? ::CallNextHookEx(nullptr, code, wParam, lParam) : 1;
+    }
+    HHOOK hook_;
+};
+
 DWORD threadOf(HWND window) { return ::GetWindowThreadProcessId(window, nullptr); }
 
 }  // namespace
@@ -168,6 +184,7 @@ void DialogWindow::drag(POINT from, POINT to, int control) const {
 
 void openDialog(const std::function<void()>& call,
                 const std::function<void(const DialogWindow&)>& drive) {
+    const PointerAway away;
     const DWORD thread = ::GetCurrentThreadId();
     std::atomic<bool> closed = false;
     std::thread driver([&] {
