@@ -78,14 +78,6 @@ void paintDashes(HDC dc, const std::vector<Line>& lines) {
     }
 }
 
-void paintRing(HDC dc, Point at, int radius, COLORREF colour) {
-    const HGDIOBJ pen = ::SelectObject(dc, ::CreatePen(PS_SOLID, scaled(dc, 1), colour));
-    const HGDIOBJ brush = ::SelectObject(dc, ::GetStockObject(NULL_BRUSH));
-    ::Ellipse(dc, at.x - radius, at.y - radius, at.x + radius + 1, at.y + radius + 1);
-    ::SelectObject(dc, brush);
-    ::DeleteObject(::SelectObject(dc, pen));
-}
-
 class CorrectionPage final : public ChildDialog, public SurfaceEvents {
 public:
     CorrectionPage(CmykProfile& profile, ColourDisplay display)
@@ -268,9 +260,7 @@ private:
         paintCells(dc, size, area());
         paintDashes(dc, model_.outline(size, true));
         paintOutline(dc, model_.outline(size, false), scaled(dc, 1), scaled(dc, 1) * 3);
-        const Point at = model_.marker(size);
-        paintRing(dc, at, scaled(dc, 5), kInk);
-        paintRing(dc, at, scaled(dc, 4), kPaper);
+        paintColourMark(dc, model_.marker(size));
     }
 
     // A line across a scale or a bar at the picked colour.

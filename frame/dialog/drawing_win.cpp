@@ -127,6 +127,21 @@ void paintGraph(HDC dc, Size size, const GraphPicture& picture, bool hasFocus) {
     }
 }
 
+namespace {
+void paintRing(HDC dc, Point at, int radius, COLORREF colour) {
+    const HGDIOBJ pen = ::SelectObject(dc, ::CreatePen(PS_SOLID, scaled(dc, 1), colour));
+    const HGDIOBJ brush = ::SelectObject(dc, ::GetStockObject(NULL_BRUSH));
+    ::Ellipse(dc, at.x - radius, at.y - radius, at.x + radius + 1, at.y + radius + 1);
+    ::SelectObject(dc, brush);
+    ::DeleteObject(::SelectObject(dc, pen));
+}
+}  // namespace
+
+void paintColourMark(HDC dc, Point at) {
+    paintRing(dc, at, scaled(dc, 5), RGB(0, 0, 0));
+    paintRing(dc, at, scaled(dc, 4), RGB(255, 255, 255));
+}
+
 void paintStrip(HDC dc, RECT area, StripDirection direction, COLORREF from, COLORREF to) {
     const bool upward = direction == StripDirection::upward;
     const int length = upward ? area.bottom - area.top : area.right - area.left;

@@ -118,6 +118,7 @@ int scaled(HDC dc, int pixels) noexcept;  // pixels at 96 dpi
 void paintGraph(HDC dc, Size size, const GraphPicture& picture, bool hasFocus);
 enum class StripDirection { upward, rightward };  // where the scale grows
 void paintStrip(HDC dc, RECT area, StripDirection direction, COLORREF from, COLORREF to);
+void paintColourMark(HDC dc, Point at);  // a ring that shows on every colour
 
 // The window class of the graphs, "KoLinkGraph" in the templates. A graph tells its dialog what
 // happens on it and asks for its picture.

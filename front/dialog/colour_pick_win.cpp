@@ -54,14 +54,6 @@ void paintMark(HDC dc, Size size, int32_t at, bool upright) {
     ::SelectObject(dc, pen);
 }
 
-void paintRing(HDC dc, Point at, int radius, COLORREF colour) {
-    const HGDIOBJ pen = ::SelectObject(dc, ::CreatePen(PS_SOLID, scaled(dc, 1), colour));
-    const HGDIOBJ brush = ::SelectObject(dc, ::GetStockObject(NULL_BRUSH));
-    ::Ellipse(dc, at.x - radius, at.y - radius, at.x + radius + 1, at.y + radius + 1);
-    ::SelectObject(dc, brush);
-    ::DeleteObject(::SelectObject(dc, pen));
-}
-
 class PickDialog final : public ModalDialog, public SurfaceEvents {
 public:
     explicit PickDialog(ColourPick& pick) : pick_(pick) {}
@@ -184,10 +176,7 @@ private:
         ::SetDIBitsToDevice(dc, 1, 1, static_cast<DWORD>(inner.width), static_cast<DWORD>(inner.height),
                             0, 0, 0, static_cast<UINT>(inner.height), picture_.data(), &form,
                             DIB_RGB_COLORS);
-        if (const auto mark = pick_.fieldMark(size)) {
-            paintRing(dc, *mark, scaled(dc, 5), RGB(0, 0, 0));
-            paintRing(dc, *mark, scaled(dc, 4), RGB(255, 255, 255));
-        }
+        if (const auto mark = pick_.fieldMark(size)) paintColourMark(dc, *mark);
         frameWhole(dc, size);
     }
 

@@ -11,6 +11,7 @@
 #include <tuple>
 
 #include "resources/texts.h"
+#include "tests/support/answers.h"
 #include "tests/support/files.h"
 
 namespace ko::calib {
@@ -18,31 +19,12 @@ namespace {
 
 using dialog::Point;
 using dialog::Size;
+using test::Answers;
 using Tones = std::vector<std::pair<float, float>>;
 
 // A plot of 256 x 255 pixels: with a limit of 255 a unit of y is one pixel.
 constexpr Size kGraph = {279, 278};
 constexpr int32_t kAll = CalibEditor::kAllChannels;
-
-// Answers the model's questions as a test wants it to.
-struct Answers : dialog::EditorHost {
-    bool ask(std::string_view askedCaption, std::string_view askedQuestion) override {
-        caption = askedCaption;
-        question = askedQuestion;
-        return ++questions, yes;
-    }
-    std::optional<std::string> chooseSavePath(std::string_view initial,
-                                              std::string_view askedFilter) override {
-        ++saves;
-        startedFrom = initial;
-        filter = askedFilter;
-        return path;
-    }
-    bool yes = true;
-    std::optional<std::string> path;
-    int questions = 0, saves = 0;
-    std::string caption, question, startedFrom, filter;
-};
 
 struct Editing {
     explicit Editing(int32_t channelCount, int32_t range = 255, int32_t limit = 255,
@@ -648,7 +630,7 @@ TEST(CalibEditor, NewAsksInTheNameOfTheDescriptionAndDoesNothingOnNo) {
     answers.yes = false;
     EXPECT_FALSE(editing.editor->startNew(answers));
     EXPECT_EQ(answers.caption, "ink");
-    EXPECT_EQ(answers.question, texts::kResetQuestion);
+    EXPECT_EQ(answers.asked, texts::kResetQuestion);
     EXPECT_EQ(editing.tones(0), (Tones{{0, 7}, {255, 9}}));
     EXPECT_EQ(editing.editor->title(), "press 3");
     EXPECT_EQ(editing.editor->fileName(), "a.clb");

@@ -10,7 +10,8 @@
 namespace ko::test {
 
 struct Answers : dialog::EditorHost {
-    bool ask(std::string_view, std::string_view question) override {
+    bool ask(std::string_view title, std::string_view question) override {
+        caption = title;
         asked = question;
         return ++questions, yes;
     }
@@ -24,7 +25,7 @@ struct Answers : dialog::EditorHost {
     bool yes = true;
     std::optional<std::string> path;
     int questions = 0, saves = 0;
-    std::string asked, startedFrom, filter;
+    std::string caption, asked, startedFrom, filter;
 };
 
 }  // namespace ko::test
