@@ -24,7 +24,7 @@ grep -hE '^[A-Za-z]' "${lists[@]}" | sort > "$scratch/list"
 # leaves of our own files, records and attributes taken out, up to each parameter list.
 { echo '#include "kolink.h"'; cd "$top/include" && printf '#include "%s"\n' kolink/*_dialog.h; } |
     "$compiler" -E -I "$top/include" - |
-    awk '/^# [0-9]+ "/ { ours = $3 ~ /kolink[^"]*\.h"/; next } ours' |
+    awk '/^# [0-9]+ "/ { ours = /include\/kolink[^"]*\.h"/; next } ours' |
     tr '\n' ' ' | sed -E 's/__attribute__ ?\(\([^;{}]*\)\)\)//g; s/\{[^{}]*\}//g' | tr ';' '\n' |
     grep -v typedef | sed -nE 's/.*[^A-Za-z0-9_]([A-Za-z_][A-Za-z0-9_]*) *\([^()]*\) *$/\1/p' |
     sort > "$scratch/headers"
