@@ -21,7 +21,7 @@ if(WIN32)
 endif()
 if(KOLINK_SANITIZE)
     add_compile_options(-fsanitize=${KOLINK_SANITIZE} -fno-sanitize-recover=all
-                        -fno-omit-frame-pointer -g)
+                        -fno-omit-frame-pointer -g1)
     add_link_options(-fsanitize=${KOLINK_SANITIZE})
 endif()
 if(KOLINK_FUZZ AND CMAKE_CXX_COMPILER_ID MATCHES Clang)
