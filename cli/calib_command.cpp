@@ -1,13 +1,10 @@
 // kolink calib: calibration sets shown, read, edited and drawn.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <memory>
 
+#include "cli/arguments.h"
 #include "cli/calib.h"
 #include "cli/command.h"
 #include "cli/errors.h"
@@ -128,41 +125,41 @@ void makeNew(const Options& options) {
 
 }  // namespace
 
-void addCalibCommand(CLI::App& app) {
+void addCalibCommand(Command& app) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("calib", "Show, read and edit calibration sets (.clb)");
-    command->footer(kExamples);
-    command->require_subcommand(1);
+    Command command = app.command("calib", "Show, read and edit calibration sets (.clb)");
+    command.examples(kExamples);
+    command.needsCommand();
     const auto add = [&](const char* name, const char* description) {
-        CLI::App* sub = command->add_subcommand(name, description);
-        sub->add_option("file", options->file, "A calibration set")->type_name("FILE")->required();
+        Command sub = command.command(name, description);
+        sub.option("file", options->file, "A calibration set").called("FILE").required();
         return sub;
     };
-    const auto addChannel = [&](CLI::App* sub) {
-        sub->add_option("channel", options->channel, "The channel, from 1")->check(CLI::Range(1, 16))->required();
+    const auto addChannel = [&](Command& sub) {
+        sub.option("channel", options->channel, "The channel, from 1").between(1, 16).required();
     };
 
-    CLI::App* show = add("show", "Say what a set holds");
-    show->add_flag("--json", options->json, "For programs");
-    show->callback([options] {
+    Command show = add("show", "Say what a set holds");
+    show.flag("--json", options->json, "For programs");
+    show.does([options] {
         const CalibPtr set = loadCalib(openInput(options->file));
         writeOut(options->json ? toJson(calibReport(*set)) : toLines(calibReport(*set)));
     });
 
-    CLI::App* value = add("value", "The output tone at an input tone");
+    Command value = add("value", "The output tone at an input tone");
     addChannel(value);
-    value->add_option("x", options->x, "The input tone")->required();
-    value->callback([options] {
+    value.option("x", options->x, "The input tone").required();
+    value.does([options] {
         const float x = finite(options->x, "x");
         const CalibPtr set = loadCalib(openInput(options->file));
         writeOut(number(jKoCalibGetToneValue(set.get(), channelOf(*options, *set), x), 4) + '\n');
     });
 
-    CLI::App* setting = add("set", "Set the output tone at an input tone");
+    Command setting = add("set", "Set the output tone at an input tone");
     addChannel(setting);
-    setting->add_option("x", options->x, "The input tone")->required();
-    setting->add_option("y", options->y, "The output tone")->required();
-    setting->callback([options] {
+    setting.option("x", options->x, "The input tone").required();
+    setting.option("y", options->y, "The output tone").required();
+    setting.does([options] {
         const float x = finite(options->x, "x"), y = finite(options->y, "y");
         const CalibPtr set = loadCalib(openInput(options->file));
         const int32_t channel = channelOf(*options, *set);
@@ -178,10 +175,10 @@ void addCalibCommand(CLI::App& app) {
         save(*set, options->file);
     });
 
-    CLI::App* deleting = add("delete", "Remove the tone at an input tone; the two ends stay");
+    Command deleting = add("delete", "Remove the tone at an input tone; the two ends stay");
     addChannel(deleting);
-    deleting->add_option("x", options->x, "The input tone")->required();
-    deleting->callback([options] {
+    deleting.option("x", options->x, "The input tone").required();
+    deleting.does([options] {
         const float x = finite(options->x, "x");
         const CalibPtr set = loadCalib(openInput(options->file));
         if (jKoCalibDeleteToneValue(set.get(), channelOf(*options, *set), x) != 1)
@@ -189,20 +186,20 @@ void addCalibCommand(CLI::App& app) {
         save(*set, options->file);
     });
 
-    CLI::App* making = add("new", "Make a set of identity curves; an existing file stays as it is");
-    making->add_option("--channels", options->channels, "How many, 1 to 16 (4)")->check(CLI::Range(1, 16));
-    making->add_option("--range", options->range, "The largest input tone (255)")->check(CLI::Range(1, 65535));
-    making->add_option("--limit", options->limit, "The largest output tone (that of --range)")->check(CLI::Range(1, 65535));
-    making->add_option("--title", options->title, "Title");
-    making->add_option("--description", options->description, "Description");
-    making->add_option("--names", options->names, "Names of the channels, commas between them")->delimiter(',');
-    making->add_flag("--straight", options->straight, "Straight lines between the tones instead of the spline");
-    making->callback([options] { makeNew(*options); });
+    Command making = add("new", "Make a set of identity curves; an existing file stays as it is");
+    making.option("--channels", options->channels, "How many, 1 to 16 (4)").between(1, 16);
+    making.option("--range", options->range, "The largest input tone (255)").between(1, 65535);
+    making.option("--limit", options->limit, "The largest output tone (that of --range)").between(1, 65535);
+    making.option("--title", options->title, "Title");
+    making.option("--description", options->description, "Description");
+    making.option("--names", options->names, "Names of the channels, commas between them").separatedBy(',');
+    making.flag("--straight", options->straight, "Straight lines between the tones instead of the spline");
+    making.does([options] { makeNew(*options); });
 
-    CLI::App* plotting = add("plot", "Draw the curves as an SVG picture");
-    plotting->add_option("-o,--output", options->output, "The picture to write, - for standard output")
-        ->type_name("FILE")->required();
-    plotting->callback([options] {
+    Command plotting = add("plot", "Draw the curves as an SVG picture");
+    plotting.option("-o,--output", options->output, "The picture to write, - for standard output")
+        .called("FILE").required();
+    plotting.does([options] {
         const std::string inputs[] = {options->file};
         writeText(options->output, plotCalib(openInput(options->file)), inputs);
     });

@@ -2,19 +2,17 @@
 // work as the callback; main.cpp keeps the list.
 #pragma once
 
-namespace CLI {
-class App;
-}
-
 namespace ko::cli {
 
-void addLinkCommand(CLI::App& app);
-void addInfoCommand(CLI::App& app);
-void addPlotCommand(CLI::App& app);
-void addConvertCommand(CLI::App& app);
-void addImageCommand(CLI::App& app);
-void addListCommand(CLI::App& app);
-void addCalibCommand(CLI::App& app);
-void addTableCommand(CLI::App& app);
+class Command;
+
+void addLinkCommand(Command& app);
+void addInfoCommand(Command& app);
+void addPlotCommand(Command& app);
+void addConvertCommand(Command& app);
+void addImageCommand(Command& app);
+void addListCommand(Command& app);
+void addCalibCommand(Command& app);
+void addTableCommand(Command& app);
 
 }  // namespace ko::cli

@@ -1,12 +1,9 @@
 #include "cli/conversion.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <array>
 
+#include "cli/arguments.h"
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/icc_input.h"
@@ -173,24 +170,24 @@ const char* nameOf(ColourSpace space) {
     return space == ColourSpace::cmyk ? "CMYK" : space == ColourSpace::rgb ? "RGB" : "grey";
 }
 
-void ConversionOptions::addTo(CLI::App& command) {
-    command.add_option("--link", link_, "A saved CMYK link, or a .lut or .amt table")->type_name("FILE");
-    command.add_option("--table", table_, "A CMYK or RGB table file, text or binary")->type_name("FILE");
-    command.add_flag("--builtin", builtin_,
+void ConversionOptions::addTo(Command& command) {
+    command.option("--link", link_, "A saved CMYK link, or a .lut or .amt table").called("FILE");
+    command.option("--table", table_, "A CMYK or RGB table file, text or binary").called("FILE");
+    command.flag("--builtin", builtin_,
                      "The built-in tables of a coated press: RGB to CMYK, or CMYK to RGB");
-    command.add_option("--source", source_, "The ICC profile of the colours, RGB or CMYK")->type_name("FILE");
-    command.add_option("--destination", destination_, "The ICC profile to convert to")->type_name("FILE");
-    command.add_option("--engine", engine_,
+    command.option("--source", source_, "The ICC profile of the colours, RGB or CMYK").called("FILE");
+    command.option("--destination", destination_, "The ICC profile to convert to").called("FILE");
+    command.option("--engine", engine_,
                        "With two profiles: own (to CMYK only; the default there), or system, the\n"
                        "system's colour management")
-        ->check(CLI::IsMember({"own", "system"}));
-    command.add_option("--intent", intent_, "With two profiles: the rendering intent; absolute needs --engine system")
-        ->check(CLI::IsMember({"perceptual", "relative", "saturation", "absolute"}));
-    command.add_option("--preserve", preserve_, "With --engine own: keep pure inks pure")
-        ->check(CLI::IsMember({"none", "primaries", "secondaries"}));
-    command.add_option("--white", white_, "With --engine own: what white gets; clean is no ink (the default)")
-        ->check(CLI::IsMember({"profile", "clean"}));
-    command.add_flag("--grey", grey_, "The amount of grey ink that comes out, 0 for white");
+        .oneOf({"own", "system"});
+    command.option("--intent", intent_, "With two profiles: the rendering intent; absolute needs --engine system")
+        .oneOf({"perceptual", "relative", "saturation", "absolute"});
+    command.option("--preserve", preserve_, "With --engine own: keep pure inks pure")
+        .oneOf({"none", "primaries", "secondaries"});
+    command.option("--white", white_, "With --engine own: what white gets; clean is no ink (the default)")
+        .oneOf({"profile", "clean"});
+    command.flag("--grey", grey_, "The amount of grey ink that comes out, 0 for white");
 }
 
 std::unique_ptr<Conversion> ConversionOptions::make(std::optional<ColourSpace> inputHint) const {

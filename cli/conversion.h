@@ -8,11 +8,9 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace ko::cli {
+
+class Command;
 
 enum class ColourSpace { rgb, cmyk, grey };
 
@@ -37,7 +35,7 @@ public:
 // --preserve, --white, --grey of a command, and the conversion that they mean.
 class ConversionOptions {
 public:
-    void addTo(CLI::App& command);
+    void addTo(Command& command);
     // inputHint: the space of the colours, where that is known and the options leave it open.
     std::unique_ptr<Conversion> make(std::optional<ColourSpace> inputHint) const;
 

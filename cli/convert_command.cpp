@@ -1,8 +1,4 @@
 // kolink convert: colours from the arguments or from standard input, a line each.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -10,6 +6,7 @@
 #include <cstring>
 #include <memory>
 
+#include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/conversion.h"
 #include "cli/errors.h"
@@ -183,7 +180,7 @@ void convertInput(Pipeline& pipeline) {
 
 }  // namespace
 
-void addConvertCommand(CLI::App& app) {
+void addConvertCommand(Command& app) {
     struct Options {
         ConversionOptions conversion;
         std::vector<std::string> colours;
@@ -191,14 +188,14 @@ void addConvertCommand(CLI::App& app) {
         bool percent = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("convert", "Convert colours, from arguments or standard input");
-    command->footer(kExamples);
-    command->add_option("colours", options->colours, "Colours, such as 0,0,0,255")->type_name("COLOUR");
-    options->conversion.addTo(*command);
-    command->add_option("--from", options->from, "With --builtin or --grey alone: what the colours are")
-        ->check(CLI::IsMember({"rgb", "cmyk"}));
-    command->add_flag("--percent", options->percent, "Numbers are percent, in and out");
-    command->callback([options] {
+    Command command = app.command("convert", "Convert colours, from arguments or standard input");
+    command.examples(kExamples);
+    command.option("colours", options->colours, "Colours, such as 0,0,0,255").called("COLOUR");
+    options->conversion.addTo(command);
+    command.option("--from", options->from, "With --builtin or --grey alone: what the colours are")
+        .oneOf({"rgb", "cmyk"});
+    command.flag("--percent", options->percent, "Numbers are percent, in and out");
+    command.does([options] {
         std::optional<ColourSpace> from;
         if (!options->from.empty()) from = options->from == "rgb" ? ColourSpace::rgb : ColourSpace::cmyk;
         const auto pipeline = std::make_unique<Pipeline>(options->conversion, from, options->percent);

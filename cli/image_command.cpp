@@ -1,13 +1,10 @@
 // kolink image: a TIFF picture converted row by row, in constant memory.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <memory>
 
+#include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/conversion.h"
 #include "cli/errors.h"
@@ -160,18 +157,18 @@ void convertImage(const Options& options) {
 
 }  // namespace
 
-void addImageCommand(CLI::App& app) {
+void addImageCommand(Command& app) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("image", "Convert a TIFF picture");
-    command->footer(kExamples);
-    command->add_option("input", options->input, "The picture")->type_name("IN")->required();
-    command->add_option("output", options->output, "The picture to write")->type_name("OUT")->required();
-    options->conversion.addTo(*command);
-    command->add_option("--bits", options->bits, "Bits a sample of the result, 8 or 16; those of the picture")
-        ->check(CLI::IsMember({8, 16}));
-    command->add_flag("--embed", options->embed, "Embed the destination profile");
-    command->add_flag("-q,--quiet", options->quiet, "No progress bar");
-    command->callback([options] { convertImage(*options); });
+    Command command = app.command("image", "Convert a TIFF picture");
+    command.examples(kExamples);
+    command.option("input", options->input, "The picture").called("IN").required();
+    command.option("output", options->output, "The picture to write").called("OUT").required();
+    options->conversion.addTo(command);
+    command.option("--bits", options->bits, "Bits a sample of the result, 8 or 16; those of the picture")
+        .oneOf({8, 16});
+    command.flag("--embed", options->embed, "Embed the destination profile");
+    command.flag("-q,--quiet", options->quiet, "No progress bar");
+    command.does([options] { convertImage(*options); });
 }
 
 }  // namespace ko::cli

@@ -1,13 +1,10 @@
 // kolink info: what a file is and what it holds.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <cstring>
 #include <map>
 #include <memory>
 
+#include "cli/arguments.h"
 #include "cli/calib.h"
 #include "cli/command.h"
 #include "cli/errors.h"
@@ -334,18 +331,18 @@ Json infoReport(const std::string& path) {
 
 }  // namespace
 
-void addInfoCommand(CLI::App& app) {
+void addInfoCommand(Command& app) {
     struct Options {
         std::string file;
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("info", "Show what a profile, table or curve file holds");
-    command->footer(kExamples);
-    command->add_option("file", options->file, "An ICC profile, a table, a .lut, .amt, .bkc, .tnc, .dcc or .clb file")
-        ->type_name("FILE")->required();
-    command->add_flag("--json", options->json, "JSON for programs");
-    command->callback([options] {
+    Command command = app.command("info", "Show what a profile, table or curve file holds");
+    command.examples(kExamples);
+    command.option("file", options->file, "An ICC profile, a table, a .lut, .amt, .bkc, .tnc, .dcc or .clb file")
+        .called("FILE").required();
+    command.flag("--json", options->json, "JSON for programs");
+    command.does([options] {
         const Json report = infoReport(options->file);
         writeOut(options->json ? toJson(report) : toLines(report));
     });

@@ -1,8 +1,4 @@
 // kolink link: combines profiles, curves and settings into an ICC device link.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -14,6 +10,7 @@
 #include <memory>
 #include <optional>
 
+#include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/files.h"
@@ -411,43 +408,43 @@ void runLink(const Options& options) {
 
 }  // namespace
 
-void addLinkCommand(CLI::App& app) {
+void addLinkCommand(Command& app) {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("link", "Make an ICC device link from CMYK profiles");
-    command->footer(kExamples);
-    command->add_option("--source", options->source,
+    Command command = app.command("link", "Make an ICC device link from CMYK profiles");
+    command.examples(kExamples);
+    command.option("--source", options->source,
                         "Profile of the colours that come in: an ICC CMYK profile, or a foreign table for the plug-in")
-        ->type_name("FILE");
-    command->add_option("--destination", options->destination,
+        .called("FILE");
+    command.option("--destination", options->destination,
                         "Profile of the printer: an ICC CMYK profile, or a .dcc file with a foreign source")
-        ->type_name("FILE");
-    command->add_option("--base", options->base,
+        .called("FILE");
+    command.option("--base", options->base,
                         "Correction applied first: an ICC link from CMYK to CMYK, a .lut or an .amt table")
-        ->type_name("FILE");
-    command->add_option("--black", options->black,
+        .called("FILE");
+    command.option("--black", options->black,
                         "Pure black: a .bkc file, keep (stays pure K, level for level) or none (as converted) [keep]")
-        ->type_name("FILE|keep|none");
-    command->add_option("--intent", options->intent, "Rendering intent: perceptual, relative or saturation [perceptual]")
-        ->type_name("INTENT")
-        ->check(CLI::IsMember({"perceptual", "relative", "saturation"}).description(""));
-    command->add_option("--preserve", options->preserve,
+        .called("FILE|keep|none");
+    command.option("--intent", options->intent, "Rendering intent: perceptual, relative or saturation [perceptual]")
+        .called("INTENT")
+        .oneOf({"perceptual", "relative", "saturation"}, false);
+    command.option("--preserve", options->preserve,
                         "Keep pure C, M, Y clean (primaries), and two-ink mixes as well (secondaries) [none]")
-        ->type_name("none|primaries|secondaries")
-        ->check(CLI::IsMember({"none", "primaries", "secondaries"}).description(""));
-    command->add_option("--white", options->white,
+        .called("none|primaries|secondaries")
+        .oneOf({"none", "primaries", "secondaries"}, false);
+    command.option("--white", options->white,
                         "White: as the profiles have it, clean (no ink) or paper (see --paper) [clean]")
-        ->type_name("profile|clean|paper")
-        ->check(CLI::IsMember({"profile", "clean", "paper"}).description(""));
-    command->add_option("--paper", options->paper, "Tint of the paper in percent, added to light colours; means --white paper")
-        ->type_name("C,M,Y,K");
-    command->add_option("--fade", options->fade,
+        .called("profile|clean|paper")
+        .oneOf({"profile", "clean", "paper"}, false);
+    command.option("--paper", options->paper, "Tint of the paper in percent, added to light colours; means --white paper")
+        .called("C,M,Y,K");
+    command.option("--fade", options->fade,
                         "Total coverage (sum of the four inks) at which the paper tint has faded out, 0 to 400 [78.4]")
-        ->type_name("PERCENT");
-    command->add_option("-o,--output", options->output, "The link to write")->type_name("FILE")->required();
-    command->add_option("--name", options->name, "Name of the link [the output file's name]")->type_name("TEXT");
-    command->add_option("--comment", options->comment, "Comment kept in the link")->type_name("TEXT");
-    command->add_flag("-v,--verbose", options->verbose, "Say on standard error what was written");
-    command->callback([options] { runLink(*options); });
+        .called("PERCENT");
+    command.option("-o,--output", options->output, "The link to write").called("FILE").required();
+    command.option("--name", options->name, "Name of the link [the output file's name]").called("TEXT");
+    command.option("--comment", options->comment, "Comment kept in the link").called("TEXT");
+    command.flag("-v,--verbose", options->verbose, "Say on standard error what was written");
+    command.does([options] { runLink(*options); });
 }
 
 }  // namespace ko::cli

@@ -1,12 +1,9 @@
 // kolink list: the ICC profiles of a folder.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <cstring>
 #include <memory>
 #include <vector>
 
+#include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/files.h"
@@ -37,19 +34,19 @@ void listInto(std::vector<std::string>& paths, const std::string& folder, const 
 
 }  // namespace
 
-void addListCommand(CLI::App& app) {
+void addListCommand(Command& app) {
     struct Options {
         std::string folder, space;
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("list", "List the ICC profiles of a folder");
-    command->footer(kExamples);
-    command->add_option("folder", options->folder, "The folder")->type_name("FOLDER")->required();
-    command->add_option("--space", options->space, "Only profiles of this colour space")
-        ->check(CLI::IsMember({"RGB", "CMYK"}));
-    command->add_flag("--json", options->json, "For programs");
-    command->callback([options] {
+    Command command = app.command("list", "List the ICC profiles of a folder");
+    command.examples(kExamples);
+    command.option("folder", options->folder, "The folder").called("FOLDER").required();
+    command.option("--space", options->space, "Only profiles of this colour space")
+        .oneOf({"RGB", "CMYK"});
+    command.flag("--json", options->json, "For programs");
+    command.does([options] {
         std::error_code error;
         if (!std::filesystem::is_directory(toPath(options->folder), error))
             failOn(options->folder, std::filesystem::exists(toPath(options->folder), error)

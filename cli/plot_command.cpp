@@ -1,10 +1,7 @@
 // kolink plot: curves and ramps of a file as a picture.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <memory>
 
+#include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/files.h"
@@ -40,18 +37,18 @@ std::string picture(const std::string& path) {
 
 }  // namespace
 
-void addPlotCommand(CLI::App& app) {
+void addPlotCommand(Command& app) {
     struct Options {
         std::string file, output;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("plot", "Draw a file's curves and ramps as an SVG picture");
-    command->footer(kExamples);
-    command->add_option("file", options->file, "An ICC profile, a table, a .lut, .amt, .bkc, .tnc, .dcc or .clb file")
-        ->type_name("FILE")->required();
-    command->add_option("-o,--output", options->output, "The picture to write, - for standard output")
-        ->type_name("FILE")->required();
-    command->callback([options] {
+    Command command = app.command("plot", "Draw a file's curves and ramps as an SVG picture");
+    command.examples(kExamples);
+    command.option("file", options->file, "An ICC profile, a table, a .lut, .amt, .bkc, .tnc, .dcc or .clb file")
+        .called("FILE").required();
+    command.option("-o,--output", options->output, "The picture to write, - for standard output")
+        .called("FILE").required();
+    command.does([options] {
         const std::string inputs[] = {options->file};
         writeText(options->output, picture(options->file), inputs);
     });

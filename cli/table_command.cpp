@@ -1,13 +1,10 @@
 // kolink table: CMYK and RGB table files shown, converted between their forms, and checked.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <memory>
 
+#include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/files.h"
@@ -102,36 +99,36 @@ int check(const InputFile& file, const Table& table) {
 
 }  // namespace
 
-void addTableCommand(CLI::App& app) {
+void addTableCommand(Command& app) {
     struct Options {
         std::string file, output, form, space;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("table", "Show, convert and check CMYK and RGB table files");
-    command->footer(kExamples);
-    command->require_subcommand(1);
+    Command command = app.command("table", "Show, convert and check CMYK and RGB table files");
+    command.examples(kExamples);
+    command.needsCommand();
     const auto add = [&](const char* name, const char* description) {
-        CLI::App* sub = command->add_subcommand(name, description);
-        sub->add_option("file", options->file, "A table file")->type_name("FILE")->required();
-        sub->add_option("--space", options->space, "Which of the two tables it is, where that is in doubt")
-            ->check(CLI::IsMember({"RGB", "CMYK"}));
+        Command sub = command.command(name, description);
+        sub.option("file", options->file, "A table file").called("FILE").required();
+        sub.option("--space", options->space, "Which of the two tables it is, where that is in doubt")
+            .oneOf({"RGB", "CMYK"});
         return sub;
     };
     const auto load = [options](const InputFile& file) { return loadTable(file, spaceOption(options->space)); };
-    add("show", "Say what a table holds")->callback([=] {
+    add("show", "Say what a table holds").does([=] {
         const InputFile file = openInput(options->file);
         show(file, load(file));
     });
-    CLI::App* converting = add("convert", "Write a table in the other form");
-    converting->add_option("--to", options->form, "The form to write")
-        ->check(CLI::IsMember({"text", "binary"}))->required();
-    converting->add_option("-o,--output", options->output, "The file to write")->type_name("FILE")->required();
-    converting->callback([=] {
+    Command converting = add("convert", "Write a table in the other form");
+    converting.option("--to", options->form, "The form to write")
+        .oneOf({"text", "binary"}).required();
+    converting.option("-o,--output", options->output, "The file to write").called("FILE").required();
+    converting.does([=] {
         const InputFile file = openInput(options->file);
         convert(load(file), options->form, options->output, options->file);
     });
     add("check", "Look for lines that do not mean what they seem to; exit status 1 if there are any")
-        ->callback([=] {
+        .does([=] {
             const InputFile file = openInput(options->file);
             if (check(file, load(file)) != 0) throw Found();
         });
