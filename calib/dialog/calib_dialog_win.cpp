@@ -2,7 +2,11 @@
 // says, in the language of the user.
 #include "calib/dialog/calib_dialog.h"
 #include "calib/dialog/calib_editor.h"
-#include "frame/dialog/win32.h"
+#include "frame/dialog/ask_win.h"
+#include "frame/dialog/dialog_win.h"
+#include "frame/dialog/graph_win.h"
+#include "frame/dialog/surface_win.h"
+#include "frame/dialog/text_win.h"
 #include "frame/state.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
@@ -14,7 +18,7 @@ using namespace dialog;
 
 RememberedPlace place;
 
-class CalibDialog final : public ModalDialog, public GraphEvents {
+class CalibDialog final : public ModalDialog, public SurfaceEvents {
 public:
     explicit CalibDialog(CalibEditor& editor) : editor_(editor) {}
 
@@ -22,12 +26,41 @@ private:
     void opened() override {
         place.apply(window());
         makeGraphSquare(window());
-        attachGraph(window(), IDC_GRAPH, *this);
+        attachSurface(window(), IDC_GRAPH, *this);
         ::SendMessageW(item(IDC_TITLE), EM_SETLIMITTEXT, KOLINK_CALIB_TEXT_SIZE - 1, 0);
         for (const int field : {IDC_VALUE_X, IDC_VALUE_Y})
             ::SendMessageW(item(field), EM_SETLIMITTEXT, CalibEditor::kFieldLength, 0);
         fillChannels();
-        showAll();
+        addControls();
+    }
+
+    void addControls() {
+        add({
+            {.id = IDC_TITLE,
+             .show = [this] { setText(window(), IDC_TITLE, wideRecordText(editor_.title())); },
+             .leave = [this] { leaveTitle(textOf(window(), IDC_TITLE)); }},
+            {.id = IDC_VALUE_X,
+             .show = [this] { setText(window(), IDC_VALUE_X, wideText(editor_.xText())); },
+             .leave = [this] { editor_.leaveX(asciiOf(window(), IDC_VALUE_X)); }},
+            {.id = IDC_VALUE_Y,
+             .show = [this] { setText(window(), IDC_VALUE_Y, wideText(editor_.yText())); },
+             .leave = [this] { editor_.leaveY(asciiOf(window(), IDC_VALUE_Y)); }},
+            {.id = IDC_CHANNEL, .press = [this] { chooseChannel(); }},
+            {.id = IDC_GRAPH, .show = [this] { showGraph(); }},
+            {.id = IDC_DATE, .show = [this] { showDate(); }},
+            {.id = IDC_USE,
+             .show = [this] { showInfo(IDC_USE, wideRecordText(editor_.description())); }},
+            {.id = IDC_CHANNEL_COUNT, .show = [this] { showChannelCount(); }},
+            {.id = IDOK, .press = [this] { end(1); }},
+            {.id = IDCANCEL, .press = [this] { end(0); }},
+            {.id = IDC_RESET, .press = [this] { editor_.initialise(); }},
+            {.id = IDC_NEW, .press = [this] { editor_.startNew(host_); }},
+            {.id = IDC_SAVE, .press = [this] { editor_.save(host_); }},
+            {.id = IDC_SAVE_AS, .press = [this] { editor_.saveAs(host_); }},
+            {.id = IDC_RELATIVE,
+             .press = [this] { editor_.setRelative(isChecked(window(), IDC_RELATIVE)); }},
+            {.id = IDC_ADD, .press = [this] { editor_.add(); }},
+        });
     }
 
     void fillChannels() {
@@ -42,41 +75,6 @@ private:
 
     void closing() override { place.remember(window()); }
 
-    bool command(int control, int notification) override {
-        if (notification == EN_KILLFOCUS) return leave(control);
-        if (control == IDC_CHANNEL && notification == CBN_SELCHANGE) return chooseChannel();
-        if (notification != BN_CLICKED) return false;
-        leaveFocusedField();
-        return press(control);
-    }
-
-    bool press(int button) {
-        TranslatingHost host(window());
-        switch (button) {
-            case IDOK: end(1); return true;
-            case IDCANCEL: end(0); return true;
-            case IDC_RESET: editor_.initialise(); break;
-            case IDC_NEW: editor_.startNew(host); break;
-            case IDC_SAVE: editor_.save(host); break;
-            case IDC_SAVE_AS: editor_.saveAs(host); break;
-            case IDC_RELATIVE: editor_.setRelative(isChecked(window(), IDC_RELATIVE)); break;
-            case IDC_ADD: editor_.add(); break;
-            default: return false;
-        }
-        showAll();
-        return true;
-    }
-
-    bool leave(int field) {
-        switch (field) {
-            case IDC_TITLE: leaveTitle(textOf(window(), field)); break;
-            case IDC_VALUE_X: editor_.leaveX(asciiOf(window(), field)); break;
-            case IDC_VALUE_Y: editor_.leaveY(asciiOf(window(), field)); break;
-            default: return false;
-        }
-        showAll();
-        return true;
-    }
     void leaveTitle(const std::wstring& title) {
         // One that was not touched keeps its bytes, whatever they are.
         if (title == wideRecordText(editor_.title())) return;
@@ -84,79 +82,71 @@ private:
         editor_.leaveTitle(record.text, record.encoding);
     }
 
-    bool chooseChannel() {
+    void chooseChannel() {
         const auto entry = ::SendMessageW(item(IDC_CHANNEL), CB_GETCURSEL, 0, 0);
-        if (entry < 0) return true;
+        if (entry < 0) return;
         editor_.selectChannel(static_cast<int32_t>(entry) - 1);
         for (const int strip : {IDC_STRIP_OUTPUT, IDC_STRIP_INPUT})
             ::InvalidateRect(item(strip), nullptr, FALSE);
-        showCurves();
-        return true;
     }
 
-    void showAll() {
-        const bool english = processState().languageTable &&
-                             processState().languageTable->destinationLanguage() == "english";
+    void shown() override {
         ::SetWindowTextW(window(), filled(wideTranslated(texts::kCalibCaption),
                                           {wideRecordText(editor_.description()),
                                            widePath(editor_.fileName())}).c_str());
-        setText(window(), IDC_TITLE, wideRecordText(editor_.title()));
-        showInfo(IDC_DATE, wideText(editor_.dateText(english)));
-        showInfo(IDC_USE, wideRecordText(editor_.description()));
-        showInfo(IDC_CHANNEL_COUNT, filled(wideTranslated(texts::kChannelCount),
-                                           {std::to_wstring(editor_.channelCount())}));
-        showCurves();
     }
     void showInfo(int label, const std::wstring& text) {
         setText(window(), label, text.empty() ? std::wstring(L"-") : text);
     }
-
-    void showCurves() {
-        setText(window(), IDC_VALUE_X, editor_.xText());
-        setText(window(), IDC_VALUE_Y, editor_.yText());
-        ::InvalidateRect(item(IDC_GRAPH), nullptr, FALSE);
+    void showDate() {
+        const bool english = processState().languageTable &&
+                             processState().languageTable->destinationLanguage() == "english";
+        showInfo(IDC_DATE, wideText(editor_.dateText(english)));
     }
-    void showCurvesIf(bool changed) {
-        if (changed) showCurves();
+    void showChannelCount() {
+        showInfo(IDC_CHANNEL_COUNT, filled(wideTranslated(texts::kChannelCount),
+                                           {std::to_wstring(editor_.channelCount())}));
+    }
+    void showGraph() { ::InvalidateRect(item(IDC_GRAPH), nullptr, FALSE); }
+    void showIf(bool changed) {
+        if (changed) show();
     }
 
     bool drawItem(const DRAWITEMSTRUCT& drawing) override {
-        if (drawing.CtlID != IDC_STRIP_INPUT && drawing.CtlID != IDC_STRIP_OUTPUT) return false;
-        const bool output = drawing.CtlID == IDC_STRIP_OUTPUT;
         const int32_t channel = editor_.selectedChannel();
         const bool one = channel >= 0 && channel < editor_.channelCount();
-        const Canvas canvas(drawing.hDC, drawing.rcItem);
-        paintStrip(canvas.dc(), {0, 0, canvas.size().width, canvas.size().height},
-                   output ? StripDirection::upward : StripDirection::rightward, RGB(255, 255, 255),
-                   one ? editor_.colour(channel) : RGB(0, 0, 0));
-        return true;
+        return paintGraphStrip(drawing, one ? editor_.colour(channel) : RGB(0, 0, 0));
     }
 
-    GraphPicture graphPicture(HWND, Size size) override { return editor_.picture(size); }
-    void graphPressed(HWND, Size size, Point at) override { showCurvesIf(editor_.press(size, at)); }
-    void graphMoved(HWND, Size size, Point at) override { showCurvesIf(editor_.move(size, at)); }
-    void graphReleased(HWND) override { editor_.release(); }
-    void graphPressedRight(HWND, Size size, Point at) override {
-        showCurvesIf(editor_.pressRight(size, at));
+    void paintSurface(HWND, HDC dc, Size size, bool hasFocus) override {
+        paintGraph(dc, size, editor_.picture(size), hasFocus);
     }
-    bool graphKey(HWND, WPARAM key) override {
+    void surfacePressed(HWND, Size size, Point at) override { showIf(editor_.press(size, at)); }
+    void surfaceMoved(HWND, Size size, Point at, bool) override { showIf(editor_.move(size, at)); }
+    void surfaceReleased(HWND) override { editor_.release(); }
+    void surfacePressedRight(HWND, Size size, Point at) override {
+        showIf(editor_.pressRight(size, at));
+    }
+    const wchar_t* surfaceCursor(HWND, Size, Point) override { return kCrossCursor; }
+    bool surfaceKey(HWND, Size, WPARAM key) override {
         switch (key) {
-            case VK_LEFT: showCurvesIf(editor_.stepTone(-1)); return true;
-            case VK_RIGHT: showCurvesIf(editor_.stepTone(1)); return true;
-            case VK_UP: showCurvesIf(editor_.stepValue(1)); return true;
-            case VK_DOWN: showCurvesIf(editor_.stepValue(-1)); return true;
-            case VK_DELETE: showCurvesIf(editor_.removeTone()); return true;
+            case VK_LEFT: showIf(editor_.stepTone(-1)); return true;
+            case VK_RIGHT: showIf(editor_.stepTone(1)); return true;
+            case VK_UP: showIf(editor_.stepValue(1)); return true;
+            case VK_DOWN: showIf(editor_.stepValue(-1)); return true;
+            case VK_DELETE: showIf(editor_.removeTone()); return true;
             default: return false;
         }
     }
 
     CalibEditor& editor_;
+    WindowHost host_{*this};
 };
 
 }  // namespace
 
 int32_t editCurve(HWND owner, CalibCurveSet& set) {
-    registerGraphClass();
+    registerSurfaceClass();
     CalibEditor editor(set);
     return CalibDialog(editor).run(owner, wideTranslated(texts::kCalibTemplate).c_str()) == 1;
 }

@@ -1,13 +1,13 @@
 // The view of the page that corrects colours locally.
 #include "cmyk/dialog/profile_dialog.h"
 
-#include <commctrl.h>
-
 #include <algorithm>
 #include <array>
 
 #include "cmyk/dialog/colour_correction.h"
+#include "frame/dialog/ask_win.h"
 #include "frame/dialog/surface_win.h"
+#include "frame/dialog/text_win.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
 
@@ -41,8 +41,7 @@ constexpr SurfaceControl kSurfaces[] = {
 };
 constexpr int kSwatches[] = {IDC_CUBE_BEFORE, IDC_CUBE_AFTER};
 
-constexpr COLORREF kPaper = RGB(255, 255, 255), kInk = RGB(0, 0, 0), kBorder = RGB(128, 128, 128),
-                   kStrength = RGB(120, 160, 215);
+constexpr COLORREF kInk = RGB(0, 0, 0), kStrength = RGB(120, 160, 215);
 constexpr int kBigStep = 10;  // Page Up and Down move by this many steps
 
 // Cells stretched over a control.
@@ -59,7 +58,7 @@ void paintCells(HDC dc, Size size, const Cells& cells) {
 void paintOutline(HDC dc, const std::vector<Line>& lines, int light, int dark) {
     for (const auto& [colour, width] : {std::pair{kInk, dark}, {kPaper, light}})
         for (const Line& line : lines)
-            jLine(dc, line.from.x, line.from.y, line.to.x, line.to.y, colour, width);
+            drawLine(dc, line.from, line.to, colour, width);
 }
 
 // Light and dark by turns, for the same reason.
@@ -72,13 +71,12 @@ void paintDashes(HDC dc, const std::vector<Line>& lines) {
             const int end = std::min(at + dash, last + 1);
             const RECT part = across ? RECT{at, line.from.y, end, line.from.y + width}
                                      : RECT{line.from.x, at, line.from.x + width, end};
-            jRectangle(dc, kRectangleFill, part.left, part.top, part.right, part.bottom,
-                       (at - first) / dash % 2 == 0 ? kPaper : kInk, 0);
+            fillArea(dc, part, (at - first) / dash % 2 == 0 ? kPaper : kInk);
         }
     }
 }
 
-class CorrectionPage final : public ChildDialog, public SurfaceEvents {
+class CorrectionPage final : public ProfilePage, public SurfaceEvents {
 public:
     CorrectionPage(CmykProfile& profile, ColourDisplay display)
         : model_(profile), display_(display) {}
@@ -86,8 +84,6 @@ public:
 
 private:
     void opened() override {
-        for (const SurfaceControl& each : kSurfaces) attachSurface(window(), each.control, *this);
-        for (const int swatch : kSwatches) attachSurface(window(), swatch, *this);
         for (const InkControls& ink : kInks)
             for (const auto& [edit, spin] : {std::pair{ink.picked, ink.pickedSpin},
                                              {ink.changed, ink.changedSpin}}) {
@@ -96,120 +92,118 @@ private:
             }
         limit(IDC_CUBE_SATURATION);
         limit(IDC_CUBE_HUE);
-        showUnits();
-        showAll();
+        for (int32_t ink = 0; ink < 4; ++ink) addInk(ink, kInks[ink]);
+        addRange();
+        addSurfaces();
+        addButtons();
     }
 
     void limit(int edit) { ::SendMessageW(item(edit), EM_SETLIMITTEXT, 4, 0); }
+    std::string textIn(int field) const { return asciiOf(window(), field); }
 
-    bool command(int control, int notification) override {
-        switch (notification) {
-            case EN_CHANGE: return !showing_ && typed(control);
-            case EN_KILLFOCUS: return leave(control);
-            case BN_CLICKED: leaveFocusedField(); return press(control);
-            default: return false;
-        }
+    void addInk(int32_t ink, const InkControls& controls) {
+        add({
+            {.id = controls.picked,
+             .show = [=, this] { setText(window(), controls.picked, model_.shown(pickedOf(ink))); },
+             .leave = [=, this] { model_.pick(ink, textIn(controls.picked)); }},
+            {.id = controls.pickedSpin,
+             .show = [=, this] { showSpin(controls.pickedSpin, pickedOf(ink)); },
+             .step =
+                 [=, this](int by) {
+                     model_.pick(ink, textIn(controls.picked));
+                     model_.stepPicked(ink, by);
+                 }},
+            {.id = controls.current,
+             .show =
+                 [=, this] { setText(window(), controls.current, model_.shown(currentOf(ink))); }},
+            // What is typed here counts at once; the text is put right when the field is left.
+            {.id = controls.changed,
+             .show =
+                 [=, this] { setText(window(), controls.changed, model_.shown(changedOf(ink))); },
+             .leave = [] {},
+             .type = [=, this] { model_.setChanged(ink, textIn(controls.changed)); }},
+            {.id = controls.changedSpin,
+             .show = [=, this] { showSpin(controls.changedSpin, changedOf(ink)); },
+             .step = [=, this](int by) { model_.stepChanged(ink, by); }},
+        });
+    }
+    int32_t pickedOf(int32_t ink) const { return model_.picked()[static_cast<size_t>(ink)]; }
+    int32_t currentOf(int32_t ink) const { return model_.current()[static_cast<size_t>(ink)]; }
+    int32_t changedOf(int32_t ink) const { return model_.changed()[static_cast<size_t>(ink)]; }
+
+    void showSpin(int spin, int32_t level) {
+        ::SendMessageW(item(spin), UDM_SETRANGE32, 0, model_.levels256() ? 255 : 100);
+        ::SendMessageW(item(spin), UDM_SETPOS32, 0, model_.shownValue(level));
     }
 
-    // What is typed into these fields counts at once; their texts are put right when they are left.
-    bool typed(int field) {
-        const std::string text = asciiOf(window(), field);
-        if (field == IDC_CUBE_SATURATION) model_.setSaturationReach(text);
-        if (field == IDC_CUBE_HUE) model_.setHueReach(text);
-        for (int32_t ink = 0; ink < 4; ++ink)
-            if (field == kInks[ink].changed) model_.setChanged(ink, text);
-        showAll(field);
-        return true;
+    void addRange() {
+        const auto label = [this](int control, std::string (ColourCorrection::*text)() const) {
+            add({{.id = control,
+                  .show = [=, this] { setText(window(), control, (model_.*text)()); }}});
+        };
+        label(IDC_CUBE_RANGE, &ColourCorrection::rangeText);
+        label(IDC_CUBE_BLACK_SPAN, &ColourCorrection::blackText);
+        label(IDC_CUBE_LIGHTNESS_SPAN, &ColourCorrection::lightnessText);
+        label(IDC_CUBE_COUNT, &ColourCorrection::countText);
+        const auto reach = [this](int field, int32_t (ColourCorrection::*get)() const noexcept,
+                                  void (ColourCorrection::*set)(std::string_view)) {
+            add({{.id = field,
+                  .show = [=, this] { setText(window(), field, std::to_string((model_.*get)())); },
+                  .leave = [] {},
+                  .type = [=, this] { (model_.*set)(textIn(field)); }}});
+        };
+        reach(IDC_CUBE_SATURATION, &ColourCorrection::saturationReach,
+              &ColourCorrection::setSaturationReach);
+        reach(IDC_CUBE_HUE, &ColourCorrection::hueReach, &ColourCorrection::setHueReach);
     }
 
-    bool leave(int field) {
-        for (int32_t ink = 0; ink < 4; ++ink)
-            if (field == kInks[ink].picked) model_.pick(ink, asciiOf(window(), field));
-        showAll();
-        return true;
+    void addSurfaces() {
+        const auto surface = [this](int control) {
+            attachSurface(window(), control, *this);
+            add({{.id = control,
+                  .show = [=, this] { ::InvalidateRect(item(control), nullptr, FALSE); }}});
+        };
+        for (const SurfaceControl& each : kSurfaces) surface(each.control);
+        for (const int swatch : kSwatches) surface(swatch);
     }
 
-    bool press(int button) {
-        switch (button) {
-            case IDC_CUBE_256:
-                model_.setLevels256(isChecked(window(), IDC_CUBE_256));
-                showUnits();
-                break;
-            case IDC_CUBE_CHANGE: return change(), true;
-            case IDC_CUBE_UNDO:
-                model_.undo();
-                recolour();
-                break;
-            case IDC_CUBE_INITIALISE:
-                model_.reread();
-                recolour();
-                break;
-            default: return false;
-        }
-        showAll();
-        return true;
+    void addButtons() {
+        add({
+            {.id = IDC_CUBE_SCALE,
+             .show =
+                 [this] {
+                     setText(window(), IDC_CUBE_SCALE,
+                             model_.levels256() ? texts::kPixelValue : texts::kDotPercent);
+                 }},
+            {.id = IDC_CUBE_256,
+             .press = [this] { model_.setLevels256(isChecked(window(), IDC_CUBE_256)); }},
+            {.id = IDC_CUBE_CHANGE, .press = [this] { change(); }},
+            {.id = IDC_CUBE_UNDO,
+             .show = [this] { enableUndo(); },
+             .press =
+                 [this] {
+                     model_.undo();
+                     recolour();
+                 }},
+            {.id = IDC_CUBE_INITIALISE, .press = [this] { reread(); }},
+        });
     }
 
     void change() {
         const int32_t count = model_.change();
         recolour();
-        showAll();
+        show();
         showMessage(::GetAncestor(window(), GA_ROOT), wideText(texts::kProfileCaption),
                     wideText(ColourCorrection::changedText(count)), MB_OK | MB_ICONINFORMATION);
     }
 
-    INT_PTR message(UINT message, WPARAM, LPARAM lParam) override {
-        if (message != WM_NOTIFY) return FALSE;
-        const auto& note = *reinterpret_cast<const NMHDR*>(lParam);
-        if (note.code != static_cast<UINT>(UDN_DELTAPOS)) return FALSE;
-        const int by = reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta;
-        for (int32_t ink = 0; ink < 4; ++ink) {
-            if (note.hwndFrom == item(kInks[ink].pickedSpin)) {
-                leave(kInks[ink].picked);
-                model_.stepPicked(ink, by);
-            } else if (note.hwndFrom == item(kInks[ink].changedSpin)) {
-                model_.stepChanged(ink, by);
-            }
-        }
-        showAll();
-        ::SetWindowLongPtrW(window(), DWLP_MSGRESULT, TRUE);  // the position is set already
-        return TRUE;
+    void reread() {
+        model_.reread();
+        recolour();
     }
-
-    void showUnits() {
-        const bool levels = model_.levels256();
-        setText(window(), IDC_CUBE_SCALE, levels ? texts::kPixelValue : texts::kDotPercent);
-        for (const InkControls& ink : kInks)
-            for (const int spin : {ink.pickedSpin, ink.changedSpin})
-                ::SendMessageW(item(spin), UDM_SETRANGE32, 0, levels ? 255 : 100);
-    }
-
-    // Everything but the text of the field that is being typed into.
-    void showAll(int typing = 0) {
-        showing_ = true;
-        const auto show = [&](int control, const std::string& text) {
-            if (control != typing) setText(window(), control, text);
-        };
-        for (size_t at = 0; at < 4; ++at) {
-            const InkControls& ink = kInks[at];
-            const int32_t picked = model_.picked()[at], changed = model_.changed()[at];
-            show(ink.picked, model_.shown(picked));
-            show(ink.current, model_.shown(model_.current()[at]));
-            show(ink.changed, model_.shown(changed));
-            ::SendMessageW(item(ink.pickedSpin), UDM_SETPOS32, 0, model_.shownValue(picked));
-            ::SendMessageW(item(ink.changedSpin), UDM_SETPOS32, 0, model_.shownValue(changed));
-        }
-        show(IDC_CUBE_SATURATION, std::to_string(model_.saturationReach()));
-        show(IDC_CUBE_HUE, std::to_string(model_.hueReach()));
-        show(IDC_CUBE_RANGE, model_.rangeText());
-        show(IDC_CUBE_BLACK_SPAN, model_.blackText());
-        show(IDC_CUBE_LIGHTNESS_SPAN, model_.lightnessText());
-        show(IDC_CUBE_COUNT, model_.countText());
-        showing_ = false;
-        enableUndo();
-        for (const SurfaceControl& each : kSurfaces)
-            ::InvalidateRect(item(each.control), nullptr, FALSE);
-        for (const int swatch : kSwatches) ::InvalidateRect(item(swatch), nullptr, FALSE);
+    void startAgain() override {
+        reread();
+        show();
     }
 
     void enableUndo() {
@@ -237,8 +231,9 @@ private:
         const int id = ::GetDlgCtrlID(control);
         if (id == IDC_CUBE_BEFORE || id == IDC_CUBE_AFTER) {
             const Cmyk& colour = id == IDC_CUBE_BEFORE ? model_.current() : model_.changed();
-            return jRectangle(dc, kRectangleBoth, 0, 0, size.width, size.height,
-                              ColourCorrection::displayed(colour, display_), kBorder);
+            fillArea(dc, {0, 0, size.width, size.height},
+                     ColourCorrection::displayed(colour, display_));
+            return drawFrame(dc, {0, 0, size.width, size.height}, kBorder);
         }
         for (const SurfaceControl& each : kSurfaces) {
             if (each.control != id) continue;
@@ -249,11 +244,8 @@ private:
                 default: paintBar(dc, size, each.surface); break;
             }
         }
-        jRectangle(dc, kRectangleFrame, 0, 0, size.width, size.height, 0, kBorder);
-        if (hasFocus) {
-            const RECT inside{1, 1, size.width - 1, size.height - 1};
-            ::DrawFocusRect(dc, &inside);
-        }
+        drawFrame(dc, {0, 0, size.width, size.height}, kBorder);
+        if (hasFocus) drawFocus(dc, size, 1);
     }
 
     void paintArea(HDC dc, Size size) {
@@ -279,7 +271,7 @@ private:
     void paintBar(HDC dc, Size size, Surface bar) {
         const bool across = bar == Surface::hueBar || bar == Surface::blackBar;
         const int length = across ? size.width : size.height, depth = across ? size.height : size.width;
-        jRectangle(dc, kRectangleFill, 0, 0, size.width, size.height, kPaper, 0);
+        fillArea(dc, {0, 0, size.width, size.height}, kPaper);
         const HBRUSH brush = ::CreateSolidBrush(kStrength);
         for (int at = 0; at < length; ++at) {
             const int deep = (depth - 2) * model_.strengthOn(bar, length, at) / 255;
@@ -291,8 +283,8 @@ private:
         }
         ::DeleteObject(brush);
         const int mark = model_.markerOn(bar, length), thin = scaled(dc, 1);
-        if (across) jLine(dc, mark, 0, mark, size.height, kInk, thin);
-        else jLine(dc, 0, mark, size.width, mark, kInk, thin);
+        if (across) drawLine(dc, {mark, 0}, {mark, size.height}, kInk, thin);
+        else drawLine(dc, {0, mark}, {size.width, mark}, kInk, thin);
     }
 
     static const SurfaceControl* surfaceOf(HWND control) {
@@ -303,10 +295,10 @@ private:
 
     void surfacePressed(HWND control, Size size, Point at) override {
         const SurfaceControl* const pressed = surfaceOf(control);
-        if (pressed && model_.press(pressed->surface, size, at)) showAll();
+        if (pressed && model_.press(pressed->surface, size, at)) show();
     }
-    void surfaceDragged(HWND control, Size size, Point at) override {
-        if (surfaceOf(control) && model_.move(size, at)) showAll();
+    void surfaceMoved(HWND control, Size size, Point at, bool held) override {
+        if (held && surfaceOf(control) && model_.move(size, at)) show();
     }
 
     bool surfaceKey(HWND control, Size, WPARAM key) override {
@@ -316,7 +308,7 @@ private:
         const auto step = [&](Key direction, int times = 1) {
             bool changed = false;
             while (times-- > 0) changed = model_.step(surface->surface, direction, shift) || changed;
-            if (changed) showAll();
+            if (changed) show();
             return true;
         };
         switch (key) {
@@ -333,7 +325,6 @@ private:
 
     ColourCorrection model_;
     ColourDisplay display_;
-    bool showing_ = false;
     Cells area_;
     std::optional<std::array<int32_t, 2>> areaShown_;  // lightness and black of the area's picture
 };

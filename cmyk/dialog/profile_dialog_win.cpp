@@ -1,9 +1,14 @@
 // The view of the CMYK profile dialog: the frame with name, comment, files and the tabs.
+
 #include <array>
 #include <stdexcept>
 
 #include "cmyk/dialog/profile_dialog.h"
 #include "cmyk/dialog/profile_editor.h"
+#include "frame/dialog/ask_win.h"
+#include "frame/dialog/drawing_win.h"
+#include "frame/dialog/surface_win.h"
+#include "frame/dialog/text_win.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
 
@@ -18,18 +23,15 @@ class ProfileDialog final : public ModalDialog {
 public:
     ProfileDialog(CmykProfile& profile, ColourDisplay display)
         : editor_(profile),
-          pages_{{{makeTonePage(profile), L"PROFILETONEDLG", texts::kTonePage, IDC_RESET},
-                  {makeCubePage(profile, display), L"PROFILECUBEDLG", texts::kCorrectionPage,
-                   kRedrawCorrection}}} {}
+          pages_{{{makeTonePage(profile), L"PROFILETONEDLG", texts::kTonePage},
+                  {makeCubePage(profile, display), L"PROFILECUBEDLG", texts::kCorrectionPage}}} {}
 
 private:
     struct Tab {
         Page page;
         const wchar_t* templateName;
         const char* title;
-        int startAgain;  // the button that stands for a new profile
     };
-    static constexpr int kRedrawCorrection = 1033;
 
     void opened() override {
         rememberedPlace.apply(window());
@@ -48,7 +50,7 @@ private:
             pages_[at].page->place(area, item(IDC_COMMENT));
         }
         showPage(0);
-        showAll();
+        addControls();
     }
 
     // As large as the tabs less 10 across and 30 down (at 96 dpi): below the tabs' own row and
@@ -69,9 +71,9 @@ private:
             if (at == shown) continue;
             // A focus on a page that goes would be lost.
             if (::IsChild(pages_[at].page->window(), ::GetFocus())) ::SetFocus(item(IDC_PAGES));
-            pages_[at].page->show(false);
+            pages_[at].page->setVisible(false);
         }
-        if (shown < pages_.size()) pages_[shown].page->show(true);
+        if (shown < pages_.size()) pages_[shown].page->setVisible(true);
     }
 
     void closing() override {
@@ -79,62 +81,45 @@ private:
         for (const Tab& tab : pages_) tab.page->destroy();
     }
 
-    INT_PTR message(UINT message, WPARAM, LPARAM lParam) override {
-        if (message != WM_NOTIFY) return FALSE;
-        const auto& told = *reinterpret_cast<const NMHDR*>(lParam);
-        if (told.idFrom != IDC_PAGES || told.code != TCN_SELCHANGE) return FALSE;
-        showPage(static_cast<size_t>(::SendMessageW(item(IDC_PAGES), TCM_GETCURSEL, 0, 0)));
-        return TRUE;
+    void addControls() {
+        add({
+            {.id = IDC_TITLE,
+             .show = [this] { setText(window(), IDC_TITLE, editor_.name()); },
+             .leave = [this] { editor_.leaveName(shiftJisText(textOf(window(), IDC_TITLE))); }},
+            {.id = IDC_COMMENT,
+             .show = [this] { setText(window(), IDC_COMMENT, editor_.comment()); },
+             .leave = [this] { editor_.leaveComment(shiftJisText(textOf(window(), IDC_COMMENT))); }},
+            {.id = IDC_PAGES, .press = [this] { showPage(chosenPage()); }},
+            {.id = IDOK,
+             .press =
+                 [this] {
+                     editor_.save(host_);
+                     end(1);
+                 }},
+            {.id = IDCANCEL, .press = [this] { end(0); }},
+            {.id = IDC_SAVE, .press = [this] { editor_.save(host_); }},
+            {.id = IDC_SAVE_AS, .press = [this] { editor_.saveAs(host_); }},
+            {.id = IDC_NEW, .press = [this] { startNew(); }},
+        });
     }
 
-    bool command(int control, int notification) override {
-        if (notification == EN_KILLFOCUS) return leave(control);
-        if (notification != BN_CLICKED) return false;
-        leaveFocusedField();
-        return press(control);
+    size_t chosenPage() const {
+        return static_cast<size_t>(::SendMessageW(item(IDC_PAGES), TCM_GETCURSEL, 0, 0));
     }
 
-    bool press(int button) {
-        WindowHost host(window());
-        switch (button) {
-            case IDOK:
-                editor_.save(host);
-                end(1);
-                return true;
-            case IDCANCEL: end(0); return true;
-            case IDC_SAVE: editor_.save(host); break;
-            case IDC_SAVE_AS: editor_.saveAs(host); break;
-            case IDC_NEW:
-                if (editor_.startNew(host)) startPagesAgain();
-                break;
-            default: return false;
-        }
-        showAll();
-        return true;
+    void startNew() {
+        if (!editor_.startNew(host_)) return;
+        for (const Tab& tab : pages_) tab.page->startAgain();
     }
 
-    void startPagesAgain() {
-        for (const Tab& tab : pages_)
-            ::SendMessageW(tab.page->window(), WM_COMMAND, MAKEWPARAM(tab.startAgain, BN_CLICKED),
-                           reinterpret_cast<LPARAM>(tab.page->item(tab.startAgain)));
-    }
-
-    bool leave(int field) {
-        if (field == IDC_TITLE) editor_.leaveName(shiftJisText(textOf(window(), field)));
-        if (field == IDC_COMMENT) editor_.leaveComment(shiftJisText(textOf(window(), field)));
-        showAll();
-        return true;
-    }
-
-    void showAll() {
+    void shown() override {
         const std::wstring caption = filled(texts::kProfileEditCaption, widePath(editor_.path()));
         ::SetWindowTextW(window(), caption.c_str());
-        setText(window(), IDC_TITLE, editor_.name());
-        setText(window(), IDC_COMMENT, editor_.comment());
     }
 
     ProfileEditor editor_;
     std::array<Tab, 2> pages_;
+    WindowHost host_{*this};
 };
 
 }  // namespace
@@ -149,7 +134,7 @@ int32_t editProfile(HWND owner, char* path, ColourDisplay display) {
         return 0;
     }
     if (!copyPath(profile->path, path)) return 0;
-    registerGraphClass();
+    registerSurfaceClass();
     registerTabsAndSpins();
     const INT_PTR result = ProfileDialog(*profile, display).run(owner, L"PROFILEDLG");
     (void)copyPath(std::span(path, KOLINK_PATH_SIZE), profile->path);

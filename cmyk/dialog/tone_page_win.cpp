@@ -11,7 +11,7 @@ using namespace tone;
 
 CurveSet rememberedSet = CurveSet::input;
 
-class TonePageView final : public dialog::ChildDialog {
+class TonePageView final : public ProfilePage {
 public:
     explicit TonePageView(CmykProfile& profile)
         : page_(profile, rememberedSet),
@@ -24,24 +24,20 @@ private:
         const bool output = page_.curveSet() == CurveSet::output;
         ::CheckRadioButton(window(), IDC_CURVES_INPUT, IDC_CURVES_OUTPUT,
                            output ? IDC_CURVES_OUTPUT : IDC_CURVES_INPUT);
-        curves_.show();
+        add({
+            {.id = IDC_CURVES_INPUT, .press = [this] { page_.chooseSet(CurveSet::input); }},
+            {.id = IDC_CURVES_OUTPUT, .press = [this] { page_.chooseSet(CurveSet::output); }},
+            {.id = IDC_RESET, .press = [this] { page_.reset(); }},
+        });
+        add(curves_.controls());
     }
 
-    bool command(int control, int notification) override {
-        if (notification == EN_KILLFOCUS) return curves_.leave(control);
-        if (notification != BN_CLICKED) return false;
-        leaveFocusedField();
-        switch (control) {
-            case IDC_CURVES_INPUT: page_.chooseSet(CurveSet::input); break;
-            case IDC_CURVES_OUTPUT: page_.chooseSet(CurveSet::output); break;
-            case IDC_RESET: page_.reset(); break;
-            default: return curves_.press(control);
-        }
-        curves_.show();
-        return true;
+    void startAgain() override {
+        page_.reset();
+        show();
     }
 
-    bool drawItem(const DRAWITEMSTRUCT& drawing) override { return curves_.draw(drawing); }
+    bool drawItem(const DRAWITEMSTRUCT& drawing) override { return CurveControls::draw(drawing); }
 
     TonePage page_;
     CurveControls curves_;

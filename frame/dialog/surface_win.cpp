@@ -20,6 +20,13 @@ void paint(SurfaceEvents& events, HWND surface, const RECT& client, Size size) {
     ::EndPaint(surface, &painting);
 }
 
+bool setCursor(SurfaceEvents& events, HWND surface, Size size) {
+    POINT at;
+    if (!::GetCursorPos(&at) || !::ScreenToClient(surface, &at)) return false;
+    ::SetCursor(::LoadCursorW(nullptr, events.surfaceCursor(surface, size, {at.x, at.y})));
+    return true;
+}
+
 LRESULT surfaceMessage(SurfaceEvents& events, HWND surface, UINT message, WPARAM wParam,
                        LPARAM lParam) {
     RECT client;
@@ -37,11 +44,17 @@ LRESULT surfaceMessage(SurfaceEvents& events, HWND surface, UINT message, WPARAM
             events.surfacePressed(surface, size, at);
             return 0;
         case WM_MOUSEMOVE:
-            if (::GetCapture() == surface) events.surfaceDragged(surface, size, at);
+            events.surfaceMoved(surface, size, at, ::GetCapture() == surface);
             return 0;
         case WM_LBUTTONUP:
+            events.surfaceReleased(surface);
             if (::GetCapture() == surface) ::ReleaseCapture();
             return 0;
+        case WM_CAPTURECHANGED: events.surfaceReleased(surface); return 0;
+        case WM_RBUTTONDOWN: events.surfacePressedRight(surface, size, at); return 0;
+        case WM_SETCURSOR:
+            if (LOWORD(lParam) == HTCLIENT && setCursor(events, surface, size)) return TRUE;
+            break;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: ::InvalidateRect(surface, nullptr, FALSE); return 0;
         case WM_GETDLGCODE: return tabStop ? DLGC_WANTARROWS : DLGC_STATIC;
@@ -68,7 +81,7 @@ struct SurfaceClass {
         description.lpfnWndProc = surfaceProcedure;
         description.cbWndExtra = sizeof(void*);
         description.hInstance = module();
-        description.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // the arrow
+        description.hCursor = ::LoadCursorW(nullptr, kArrowCursor);
         description.lpszClassName = kSurfaceClass;
         ::RegisterClassW(&description);
     }

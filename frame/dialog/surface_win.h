@@ -1,18 +1,25 @@
 // A control that its dialog paints and that tells it of the mouse and the keyboard: the window
-// class "KoLinkSurface" in the templates. Painted off the screen; views alone include this.
+// class "KoLinkSurface" in the templates. Painted off the screen.
 #pragma once
 
-#include "frame/dialog/win32.h"
+#include "frame/dialog/drawing_win.h"
 
 namespace ko::dialog {
+
+// Cursors by their numbers in the system.
+inline const wchar_t* const kArrowCursor = MAKEINTRESOURCEW(32512);
+inline const wchar_t* const kCrossCursor = MAKEINTRESOURCEW(32515);
 
 class SurfaceEvents {
 public:
     virtual void paintSurface(HWND surface, HDC dc, Size size, bool hasFocus) = 0;
-    // The left button goes down, and the cursor moves while it is held: then also outside.
-    virtual void surfacePressed(HWND surface, Size size, Point at) = 0;
-    virtual void surfaceDragged(HWND surface, Size size, Point at) = 0;
-    virtual bool surfaceKey(HWND surface, Size size, WPARAM key) = 0;  // false: not one of its keys
+    virtual void surfacePressed(HWND, Size, Point) {}
+    // held: the left button went down here and still is; then also outside.
+    virtual void surfaceMoved(HWND, Size, Point, [[maybe_unused]] bool held) {}
+    virtual void surfaceReleased(HWND) {}
+    virtual void surfacePressedRight(HWND, Size, Point) {}
+    virtual bool surfaceKey(HWND, Size, [[maybe_unused]] WPARAM key) { return false; }  // not its
+    virtual const wchar_t* surfaceCursor(HWND, Size, Point) { return kArrowCursor; }
 
 protected:
     ~SurfaceEvents() = default;

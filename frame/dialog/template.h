@@ -1,13 +1,10 @@
 // Dialog templates as the system can show them.
 #pragma once
 
-#define WIN32_LEAN_AND_MEAN
-#undef NOMINMAX
-#define NOMINMAX
-#include <windows.h>
-
 #include <cstddef>
 #include <vector>
+
+#include "frame/dialog/windows.h"
 
 namespace ko::dialog {
 

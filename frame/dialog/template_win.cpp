@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "frame/dialog/win32.h"
+#include "frame/dialog/windows.h"
 
 namespace ko::dialog {
 namespace {

@@ -1,11 +1,10 @@
 // The view of the colour pick dialog.
 #include "front/dialog/colour_pick_win.h"
 
-#include <commctrl.h>
-
 #include <algorithm>
 #include <utility>
 
+#include "frame/dialog/dialog_win.h"
 #include "frame/dialog/surface_win.h"
 #include "front/dialog/colour_pick.h"
 #include "resources/dialog_ids.h"
@@ -28,17 +27,14 @@ constexpr InkControls kInks[] = {
 };
 constexpr int kSurfaces[] = {IDC_PICK_FIELD, IDC_PICK_LIGHTNESS, IDC_PICK_LIGHTNESS_MARK,
                              IDC_PICK_BLACK, IDC_PICK_BLACK_MARK, IDC_PICK_SWATCH};
-constexpr COLORREF kBorder = RGB(128, 128, 128);
 constexpr int kPage = 10;  // Page Up and Down move by this many times a small step
 
-void frameWhole(HDC dc, Size size) {
-    jRectangle(dc, kRectangleFrame, 0, 0, size.width, size.height, 0, kBorder);
-}
+void frameWhole(HDC dc, Size size) { drawFrame(dc, {0, 0, size.width, size.height}, kBorder); }
 
 // A triangle whose tip stands at the position; its foot stays within the strip.
 void paintMark(HDC dc, Size size, int32_t at, bool upright) {
     const COLORREF ground = ::GetSysColor(COLOR_BTNFACE), ink = ::GetSysColor(COLOR_BTNTEXT);
-    jRectangle(dc, kRectangleFill, 0, 0, size.width, size.height, ground, 0);
+    fillArea(dc, {0, 0, size.width, size.height}, ground);
     const int length = upright ? size.height : size.width;
     const int height = std::min<int>(scaled(dc, 8), (upright ? size.width : size.height) - 1);
     const int low = std::max<int>(0, at - height / 2), high = std::min<int>(length - 1, at + height / 2);
@@ -65,69 +61,48 @@ private:
             ::SendMessageW(item(ink.edit), EM_SETLIMITTEXT, 4, 0);
             ::SendMessageW(item(ink.spin), UDM_SETBUDDY, reinterpret_cast<WPARAM>(item(ink.edit)), 0);
         }
-        showUnits();
-        showAll();
+        addControls();
     }
 
-    bool command(int control, int notification) override {
-        if (notification == EN_KILLFOCUS) return leave(control);
-        if (notification != BN_CLICKED) return false;
-        // A default or an access key presses a button while a field still has the focus.
-        leaveFocusedField();
-        switch (control) {
-            case IDOK: end(1); return true;
-            case IDCANCEL: end(0); return true;
-            case IDC_PICK_256:
-                pick_.show256Levels(isChecked(window(), IDC_PICK_256));
-                showUnits();
-                showAll();
-                return true;
-            default: return false;
-        }
-    }
-
-    // Turns the typed text of one of the fields into its ink.
-    bool leave(int control) {
+    void addControls() {
         for (const InkControls& ink : kInks)
-            if (ink.edit == control) {
-                const bool touched = ::SendMessageW(item(control), EM_GETMODIFY, 0, 0) != 0;
-                pick_.leaveField(ink.ink, asciiOf(window(), control), touched);
-                ::SendMessageW(item(control), EM_SETMODIFY, FALSE, 0);
-                showAll();
-                return true;
-            }
-        return false;
+            add({{.id = ink.edit,
+                  .show = [=, this] { showInk(ink); },
+                  .leave = [=, this] { leave(ink); }},
+                 {.id = ink.spin, .step = [=, this](int by) { step(ink, by); }}});
+        for (const int surface : kSurfaces)
+            add({{.id = surface,
+                  .show = [=, this] { ::InvalidateRect(item(surface), nullptr, FALSE); }}});
+        add({
+            {.id = IDC_PICK_SCALE, .show = [this] { showScale(); }},
+            {.id = IDC_PICK_256,
+             .press = [this] { pick_.show256Levels(isChecked(window(), IDC_PICK_256)); }},
+            {.id = IDOK, .press = [this] { end(1); }},
+            {.id = IDCANCEL, .press = [this] { end(0); }},
+        });
     }
 
-    INT_PTR message(UINT message, WPARAM, LPARAM lParam) override {
-        const auto* const note = message == WM_NOTIFY ? reinterpret_cast<const NMHDR*>(lParam) : nullptr;
-        if (!note || note->code != static_cast<UINT>(UDN_DELTAPOS)) return FALSE;
-        for (const InkControls& ink : kInks)
-            if (note->hwndFrom == item(ink.spin)) {
-                leave(ink.edit);
-                pick_.stepInk(ink.ink, reinterpret_cast<const NMUPDOWN*>(note)->iDelta);
-                showAll();
-                ::SetWindowLongPtrW(window(), DWLP_MSGRESULT, TRUE);  // the position is set already
-                return TRUE;
-            }
-        return FALSE;
+    void leave(const InkControls& ink) {
+        const bool touched = ::SendMessageW(item(ink.edit), EM_GETMODIFY, 0, 0) != 0;
+        pick_.leaveField(ink.ink, asciiOf(window(), ink.edit), touched);
+        ::SendMessageW(item(ink.edit), EM_SETMODIFY, FALSE, 0);
     }
 
-    void showUnits() {
-        const bool levels = pick_.shows256Levels();
-        setText(window(), IDC_PICK_SCALE, levels ? texts::kPixelValue : texts::kDotPercent);
-        for (const InkControls& ink : kInks) {
-            setText(window(), ink.unit, levels ? L"" : L"%");
-            ::SendMessageW(item(ink.spin), UDM_SETRANGE32, 0, pick_.greatestValue());
-        }
+    void step(const InkControls& ink, int by) {
+        leave(ink);
+        pick_.stepInk(ink.ink, by);
     }
 
-    void showAll() {
-        for (const InkControls& ink : kInks) {
-            setText(window(), ink.edit, pick_.fieldText(ink.ink));
-            ::SendMessageW(item(ink.spin), UDM_SETPOS32, 0, pick_.shownValue(ink.ink));
-        }
-        for (const int surface : kSurfaces) ::InvalidateRect(item(surface), nullptr, FALSE);
+    void showInk(const InkControls& ink) {
+        setText(window(), ink.edit, pick_.fieldText(ink.ink));
+        setText(window(), ink.unit, pick_.shows256Levels() ? L"" : L"%");
+        ::SendMessageW(item(ink.spin), UDM_SETRANGE32, 0, pick_.greatestValue());
+        ::SendMessageW(item(ink.spin), UDM_SETPOS32, 0, pick_.shownValue(ink.ink));
+    }
+
+    void showScale() {
+        setText(window(), IDC_PICK_SCALE,
+                pick_.shows256Levels() ? texts::kPixelValue : texts::kDotPercent);
     }
 
     void paintSurface(HWND surface, HDC dc, Size size, bool hasFocus) override {
@@ -135,8 +110,7 @@ private:
             case IDC_PICK_FIELD: paintField(dc, size); break;
             case IDC_PICK_LIGHTNESS:
                 for (int y = 0; y < size.height; ++y)
-                    jRectangle(dc, kRectangleFill, 0, y, size.width, y + 1,
-                               pick_.lightnessColour(size.height, y), 0);
+                    fillArea(dc, {0, y, size.width, y + 1}, pick_.lightnessColour(size.height, y));
                 frameWhole(dc, size);
                 break;
             case IDC_PICK_LIGHTNESS_MARK:
@@ -145,9 +119,9 @@ private:
             case IDC_PICK_BLACK:
                 for (int step = 0; step < kGreySteps; ++step) {
                     const int grey = greyOfStep(step);
-                    jRectangle(dc, kRectangleFill, size.width * step / kGreySteps, 0,
-                               size.width * (step + 1) / kGreySteps, size.height,
-                               RGB(grey, grey, grey), 0);
+                    fillArea(dc, {size.width * step / kGreySteps, 0,
+                                  size.width * (step + 1) / kGreySteps, size.height},
+                             RGB(grey, grey, grey));
                 }
                 frameWhole(dc, size);
                 break;
@@ -155,13 +129,11 @@ private:
                 paintMark(dc, size, pick_.blackMark(size.width), false);
                 break;
             default:
-                jRectangle(dc, kRectangleBoth, 0, 0, size.width, size.height, pick_.swatch(), kBorder);
+                fillArea(dc, {0, 0, size.width, size.height}, pick_.swatch());
+                frameWhole(dc, size);
                 break;
         }
-        if (hasFocus) {
-            const RECT inside{1, 1, size.width - 1, size.height - 1};
-            ::DrawFocusRect(dc, &inside);
-        }
+        if (hasFocus) drawFocus(dc, size, 1);
     }
 
     void paintField(HDC dc, Size size) {
@@ -185,10 +157,11 @@ private:
         // The marks belong to the strips beside them.
         if (control == IDC_PICK_LIGHTNESS_MARK) ::SetFocus(item(IDC_PICK_LIGHTNESS));
         if (control == IDC_PICK_BLACK_MARK) ::SetFocus(item(IDC_PICK_BLACK));
-        surfaceDragged(surface, size, at);
+        surfaceMoved(surface, size, at, true);
     }
 
-    void surfaceDragged(HWND surface, Size size, Point at) override {
+    void surfaceMoved(HWND surface, Size size, Point at, bool held) override {
+        if (!held) return;
         switch (::GetDlgCtrlID(surface)) {
             case IDC_PICK_FIELD: pick_.clickField(size, at); break;
             case IDC_PICK_LIGHTNESS:
@@ -197,7 +170,7 @@ private:
             case IDC_PICK_BLACK_MARK: pick_.clickBlack(size.width, at.x); break;
             default: return;
         }
-        showAll();
+        show();
     }
 
     bool surfaceKey(HWND surface, Size size, WPARAM key) override {
@@ -206,7 +179,7 @@ private:
                              : control == IDC_PICK_LIGHTNESS ? lightnessKey(size.height, key)
                              : control == IDC_PICK_BLACK     ? blackKey(key)
                                                              : false;
-        if (handled) showAll();
+        if (handled) show();
         return handled;
     }
 

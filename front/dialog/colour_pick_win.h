@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "frame/dialog/win32.h"
+#include "frame/dialog/windows.h"
 
 namespace ko::front {
 

@@ -8,6 +8,10 @@
 #include <memory>
 
 #include "frame/boundary.h"
+#include "frame/dialog/ask_win.h"
+#include "frame/dialog/dialog_win.h"
+#include "frame/dialog/drawing_win.h"
+#include "frame/dialog/text_win.h"
 #include "frame/text.h"
 #include "front/dialog/colour_pick_win.h"
 #include "front/dialog/device_link.h"
@@ -70,57 +74,44 @@ TypedPath pathOf(std::wstring_view file) {
     return path && path->size() < KOLINK_PATH_SIZE ? path : TypedPath();
 }
 
-class DeviceLinkDialog final : public DeviceLinkHost {
+class DeviceLinkDialog final : public Dialog, public DeviceLinkHost {
 public:
     static INT_PTR open(HWND window, CmsLinkSettings* record);
     static std::shared_ptr<DeviceLinkDialog> of(HWND window) noexcept;
-    INT_PTR message(UINT message, WPARAM wParam, LPARAM lParam);
+    INT_PTR told(UINT message, WPARAM wParam, LPARAM lParam);
 
     DeviceLinkDialog(HWND window, CmsLinkSettings* record, const CmsLinkSettings& settings)
-        : window_(window), record_(record), model_(settings) {}
+        : record_(record), model_(settings) {
+        attach(window);
+    }
 
 private:
     using Holder = std::shared_ptr<DeviceLinkDialog>;
 
-    // One thing at a time: what a command opens runs a message loop, in which other commands of
-    // the dialog can arrive.
-    class Busy {
-    public:
-        explicit Busy(DeviceLinkDialog& dialog) noexcept : dialog_(dialog) { dialog_.busy_ = true; }
-        ~Busy() { dialog_.busy_ = false; }
-        Busy(const Busy&) = delete;
-        Busy& operator=(const Busy&) = delete;
-
-    private:
-        DeviceLinkDialog& dialog_;
-    };
-
     std::optional<TypedPath> choosePath(LinkPath which, Choice choice, std::string_view initial,
                                         std::string_view filter) override;
-    uint32_t pickColour(uint32_t cmyk) override { return front::pickColour(window_, cmyk); }
+    uint32_t pickColour(uint32_t cmyk) override { return front::pickColour(window(), cmyk); }
     void tell(std::string_view text, Icon icon) override;
 
-    HWND item(int control) const noexcept { return ::GetDlgItem(window_, control); }
-    void opened();
-    bool command(int control, int notification);
-    bool press(int control);
+    INT_PTR started(bool) noexcept override { return TRUE; }
+    void opened() override;
+    void closing() override;
+    void shown() override { enablePaper(); }
+    INT_PTR message(UINT message, WPARAM wParam, LPARAM lParam) override;
     void create();
-    void end(INT_PTR result);
     void leavePath(const PathControls& path);
     void leaveAmount();
     void drop(HDROP files);
     void takeFields();
     void showPath(const PathControls& path);
     void enablePaper();
-    void paperChanged() noexcept { ::PostMessageW(window_, WM_COMMAND, IDC_LINK_SHOW_PAPER, 0); }
-    bool paintSwatch(const DRAWITEMSTRUCT& drawing) const;
+    void paperChanged() noexcept { ::PostMessageW(window(), WM_COMMAND, IDC_LINK_SHOW_PAPER, 0); }
+    void showPaper() noexcept;
+    bool drawItem(const DRAWITEMSTRUCT& drawing) override;
     INT_PTR colourOf(HDC dc, int control) const;
 
-    HWND window_;  // null when it is gone
     CmsLinkSettings* record_;
     DeviceLinkModel model_;
-    bool busy_ = false;
-    bool ended_ = false;
     static RememberedPlace place_;
 };
 
@@ -145,119 +136,97 @@ INT_PTR DeviceLinkDialog::open(HWND window, CmsLinkSettings* record) {
     auto holder = std::make_unique<Holder>(
         std::make_shared<DeviceLinkDialog>(window, record, settings));
     if (!::SetPropW(window, kProperty, holder.get())) return FALSE;
-    (*holder.release())->opened();
+    const auto& dialog = *holder.release();
+    dialog->opened();
+    dialog->show();
     return TRUE;
+}
+
+INT_PTR DeviceLinkDialog::told(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NOTIFY) return FALSE;  // from none of its controls
+    if (message != WM_NCDESTROY) return receive(message, wParam, lParam);
+    delete static_cast<Holder*>(::RemovePropW(window(), kProperty));
+    attach(nullptr);
+    return FALSE;
 }
 
 INT_PTR DeviceLinkDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-        case WM_COMMAND: return command(LOWORD(wParam), HIWORD(wParam));
-        case WM_DRAWITEM:
-            return lParam && paintSwatch(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         case WM_CTLCOLOREDIT:
             return colourOf(reinterpret_cast<HDC>(wParam),
                             ::GetDlgCtrlID(reinterpret_cast<HWND>(lParam)));
         case WM_DROPFILES:
-            if (!busy_ && !ended_) drop(reinterpret_cast<HDROP>(wParam));
+            if (isIdle()) drop(reinterpret_cast<HDROP>(wParam));
             ::DragFinish(reinterpret_cast<HDROP>(wParam));
             return TRUE;
         case WM_PAINT: paperChanged(); return FALSE;
-        case WM_NCDESTROY:
-            delete static_cast<Holder*>(::RemovePropW(window_, kProperty));
-            window_ = nullptr;
-            return FALSE;
         default: return FALSE;
     }
 }
 
 void DeviceLinkDialog::opened() {
-    centreFields(window_);
+    centreFields(window());
     for (const PathControls& path : kPaths) {
         ::SendMessageW(item(path.edit), EM_SETLIMITTEXT, KOLINK_PATH_SIZE - 1, 0);
-        showPath(path);
+        add({{.id = path.edit,
+              .show = [=, this] { showPath(path); },
+              .leave = [=, this] { leavePath(path); }},
+             {.id = path.browse, .press = [=, this] { model_.browse(path.which, *this); }}});
     }
     ::SendMessageW(item(IDC_LINK_AMOUNT), EM_SETLIMITTEXT, 3, 0);
-    setText(window_, IDC_LINK_AMOUNT, model_.amountText());
-    for (const Radio& radio : kRadios)
-        ::CheckDlgButton(window_, radio.control,
-                         (model_.*radio.is)(radio.number) ? BST_CHECKED : BST_UNCHECKED);
-    enablePaper();
-    ::DragAcceptFiles(window_, TRUE);
-    if (!place_.known) place_.remember(window_);
-    place_.apply(window_);
-}
-
-bool DeviceLinkDialog::command(int control, int notification) {
-    if (ended_) return false;
-    if (control == IDC_LINK_SHOW_PAPER) {
-        enablePaper();
-        ::InvalidateRect(item(IDC_LINK_SWATCH), nullptr, FALSE);
-        return true;
-    }
-    if (notification == EN_KILLFOCUS) {
-        if (control == IDC_LINK_AMOUNT) return leaveAmount(), true;
-        for (const PathControls& path : kPaths)
-            if (path.edit == control) return leavePath(path), true;
-        return false;
-    }
-    const bool pressed = notification == BN_CLICKED || notification == BN_DOUBLECLICKED;
-    return pressed && !busy_ && press(control);
-}
-
-bool DeviceLinkDialog::press(int control) {
-    switch (control) {
-        case IDOK: return create(), true;
-        case IDCANCEL: return end(0), true;
-        case IDC_LINK_SWATCH: {
-            const Busy busy(*this);
-            if (model_.pickPaperColour(*this) && window_) paperChanged();
-            return true;
-        }
-        default: break;
-    }
-    for (const PathControls& path : kPaths) {
-        if (path.browse != control) continue;
-        const Busy busy(*this);
-        if (model_.browse(path.which, *this) && window_) showPath(path);
-        return true;
-    }
     for (const Radio& radio : kRadios) {
-        if (radio.control != control) continue;
-        (model_.*radio.choose)(radio.number);
-        enablePaper();
-        paperChanged();
-        return true;
+        ::CheckDlgButton(window(), radio.control,
+                         (model_.*radio.is)(radio.number) ? BST_CHECKED : BST_UNCHECKED);
+        add({{.id = radio.control,
+              .press =
+                  [=, this] {
+                      (model_.*radio.choose)(radio.number);
+                      paperChanged();
+                  }}});
     }
-    return false;
+    add({
+        {.id = IDC_LINK_AMOUNT,
+         .show = [this] { setText(window(), IDC_LINK_AMOUNT, model_.amountText()); },
+         .leave = [this] { leaveAmount(); }},
+        {.id = IDC_LINK_SWATCH,
+         .press =
+             [this] {
+                 if (model_.pickPaperColour(*this) && window()) paperChanged();
+             }},
+        {.id = IDC_LINK_SHOW_PAPER, .order = [this] { showPaper(); }},
+        {.id = IDOK, .press = [this] { create(); }},
+        {.id = IDCANCEL, .press = [this] { end(0); }},
+    });
+    ::DragAcceptFiles(window(), TRUE);
+    if (!place_.known) place_.remember(window());
+    place_.apply(window());
 }
 
 void DeviceLinkDialog::create() {
-    const Busy busy(*this);
     takeFields();
     // What the making covers with its work stands painted behind it.
-    ::RedrawWindow(window_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    ::RedrawWindow(window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     const bool made = model_.create(*this);
-    if (!window_) return;  // its owner was destroyed under the message
-    if (made) return end(1);
+    if (!window()) return;  // its owner was destroyed under the message
+    if (made) {
+        if (record_) *record_ = model_.settings();
+        return end(1);
+    }
     const auto refused = model_.firstRefused();
     for (const PathControls& path : kPaths)
         if (refused == path.which)
-            ::SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(item(path.edit)), TRUE);
+            ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(item(path.edit)), TRUE);
 }
 
-void DeviceLinkDialog::end(INT_PTR result) {
-    place_.remember(window_);
-    if (result == 1 && record_) *record_ = model_.settings();
+void DeviceLinkDialog::closing() {
+    place_.remember(window());
     record_ = nullptr;
-    ended_ = true;
-    ::EndDialog(window_, result);
 }
 
 void DeviceLinkDialog::leavePath(const PathControls& path) {
-    const std::wstring typed = textOf(window_, path.edit);
+    const std::wstring typed = textOf(window(), path.edit);
     if (typed != widePath(model_.path(path.which)) || model_.isRefused(path.which))
         model_.leavePath(path.which, systemPath(typed));
-    showPath(path);
 }
 
 // A file that is dropped on a path's field.
@@ -265,12 +234,12 @@ void DeviceLinkDialog::drop(HDROP files) {
     wchar_t name[1024];
     POINT at;
     if (!::DragQueryFileW(files, 0, name, std::size(name)) || !::DragQueryPoint(files, &at)) return;
-    ::ClientToScreen(window_, &at);
+    ::ClientToScreen(window(), &at);
     for (const PathControls& path : kPaths) {
         RECT field;
         ::GetWindowRect(item(path.edit), &field);
         if (!::PtInRect(&field, at)) continue;
-        setText(window_, path.edit, std::wstring_view(name));
+        setText(window(), path.edit, std::wstring_view(name));
         model_.leavePath(path.which, pathOf(name));
         showPath(path);
     }
@@ -278,11 +247,10 @@ void DeviceLinkDialog::drop(HDROP files) {
 
 // Percent is coarser than the setting, so that a field which nobody touched leaves it as it is.
 void DeviceLinkDialog::leaveAmount() {
-    const std::string typed = asciiOf(window_, IDC_LINK_AMOUNT);
+    const std::string typed = asciiOf(window(), IDC_LINK_AMOUNT);
     const HWND edit = item(IDC_LINK_AMOUNT);
     if (!::SendMessageW(edit, EM_GETMODIFY, 0, 0) && typed == model_.amountText()) return;
     model_.leaveAmount(typed);
-    setText(window_, IDC_LINK_AMOUNT, model_.amountText());
     ::SendMessageW(edit, EM_SETMODIFY, FALSE, 0);
 }
 
@@ -295,7 +263,7 @@ void DeviceLinkDialog::takeFields() {
 
 void DeviceLinkDialog::showPath(const PathControls& path) {
     if (!model_.isRefused(path.which))
-        setText(window_, path.edit, widePath(model_.path(path.which)));
+        setText(window(), path.edit, widePath(model_.path(path.which)));
     ::InvalidateRect(item(path.edit), nullptr, FALSE);
 }
 
@@ -305,17 +273,20 @@ void DeviceLinkDialog::enablePaper() {
             ::EnableWindow(item(control), model_.hasPaperColour());
 }
 
-bool DeviceLinkDialog::paintSwatch(const DRAWITEMSTRUCT& drawing) const {
+void DeviceLinkDialog::showPaper() noexcept {
+    enablePaper();
+    ::InvalidateRect(item(IDC_LINK_SWATCH), nullptr, FALSE);
+}
+
+bool DeviceLinkDialog::drawItem(const DRAWITEMSTRUCT& drawing) {
     if (drawing.CtlID != IDC_LINK_SWATCH) return false;
     const Canvas canvas(drawing.hDC, drawing.rcItem);
     const Size size = canvas.size();
     const COLORREF colour = model_.swatch().value_or(::GetSysColor(COLOR_BTNFACE));
-    jRectangle(canvas.dc(), kRectangleBoth, 0, 0, size.width, size.height, colour,
-               ::GetSysColor(COLOR_BTNSHADOW));
-    if (drawing.itemState & ODS_FOCUS) {
-        const RECT inside{2, 2, size.width - 2, size.height - 2};
-        ::DrawFocusRect(canvas.dc(), &inside);
-    }
+    const RECT whole{0, 0, size.width, size.height};
+    fillArea(canvas.dc(), whole, colour);
+    drawFrame(canvas.dc(), whole, ::GetSysColor(COLOR_BTNSHADOW));
+    if (drawing.itemState & ODS_FOCUS) drawFocus(canvas.dc(), size, 2);
     return true;
 }
 
@@ -333,16 +304,17 @@ std::optional<TypedPath> DeviceLinkDialog::choosePath(LinkPath which, Choice cho
                                                       std::string_view initial,
                                                       std::string_view filter) {
     const auto file =
-        chooseFile(window_, choice == Choice::fileToSave ? 1 : 0, initial, wideText(filter));
+        chooseFile(window(), choice == Choice::fileToSave ? FileChoice::save : FileChoice::open,
+                   initial, wideText(filter));
     if (!file) return std::nullopt;
     for (const PathControls& path : kPaths)
-        if (path.which == which) setText(window_, path.edit, *file);  // shown even if refused
+        if (path.which == which) setText(window(), path.edit, *file);  // shown even if refused
     return pathOf(*file);
 }
 
 void DeviceLinkDialog::tell(std::string_view text, Icon icon) {
     forgetInput();
-    showMessage(window_, wideText(texts::kLinkCaption), wideText(text),
+    showMessage(window(), wideText(texts::kLinkCaption), wideText(text),
                 MB_OK | (icon == Icon::information ? MB_ICONINFORMATION : MB_ICONEXCLAMATION));
 }
 
@@ -362,7 +334,7 @@ INT_PTR deviceLinkMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPara
         });
     const auto dialog = DeviceLinkDialog::of(window);  // held while the message is handled
     if (!dialog) return FALSE;
-    return atBoundary<INT_PTR>(FALSE, [&] { return dialog->message(message, wParam, lParam); });
+    return atBoundary<INT_PTR>(FALSE, [&] { return dialog->told(message, wParam, lParam); });
 }
 
 }  // namespace ko::front

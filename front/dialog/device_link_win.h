@@ -1,7 +1,7 @@
 // The device-link dialog as a window.
 #pragma once
 
-#include "frame/dialog/win32.h"
+#include "frame/dialog/windows.h"
 
 namespace ko::front {
 

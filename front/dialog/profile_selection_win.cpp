@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "frame/dialog/dialog_win.h"
+#include "frame/dialog/text_win.h"
 #include "frame/state.h"
 #include "front/dialog/profile_selection.h"
 #include "resources/dialog_ids.h"
@@ -43,12 +45,17 @@ private:
     int longest_ = 0;
 };
 
+constexpr int kLists[] = {IDC_SELECT_RGB, IDC_SELECT_CMYK, IDC_SELECT_INTENT};
+
 class SelectionDialog final : public ModalDialog {
 public:
     explicit SelectionDialog(ProfileSelectionModel& model) : model_(model) {}
 
 private:
     void opened() override {
+        for (const int list : kLists) add({{.id = list, .press = [=, this] { take(list); }}});
+        add({{.id = IDOK, .press = [this] { accept(); }},
+             {.id = IDCANCEL, .press = [this] { end(0); }}});
         fill(IDC_SELECT_RGB, ProfileList::rgb);
         fill(IDC_SELECT_CMYK, ProfileList::cmyk);
         for (const char* const intent : texts::kIntents)
@@ -77,21 +84,10 @@ private:
         chooseEntry(list, model_.chosenEntry(profiles));
     }
 
-    bool command(int control, int notification) override {
-        if (notification == CBN_SELCHANGE) {
-            take(control);
-            return true;
-        }
-        if (notification != BN_CLICKED) return false;
-        switch (control) {
-            case IDOK:
-                // What a list shows is what counts, also when its opened part was escaped from.
-                for (const int list : {IDC_SELECT_RGB, IDC_SELECT_CMYK, IDC_SELECT_INTENT}) take(list);
-                end(1);
-                return true;
-            case IDCANCEL: end(0); return true;
-            default: return false;
-        }
+    // What a list shows is what counts, also when its opened part was escaped from.
+    void accept() {
+        for (const int list : kLists) take(list);
+        end(1);
     }
 
     void take(int list) {

@@ -1,7 +1,7 @@
 // The profile-setting dialog as a window.
 #pragma once
 
-#include "frame/dialog/win32.h"
+#include "frame/dialog/windows.h"
 #include "kolink/profile_selection_dialog.h"
 
 namespace ko::front {

@@ -3,8 +3,12 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
-#include "frame/dialog/win32.h"
+#include "frame/dialog/dialog_win.h"
+#include "frame/dialog/graph_win.h"
+#include "frame/dialog/surface_win.h"
+#include "resources/dialog_ids.h"
 #include "tone/dialog/curve_editor.h"
 
 namespace ko::tone {
@@ -19,28 +23,35 @@ std::span<const ChannelControls> channelControls() noexcept;
 // Whether a field is taken over each time it is left, or only after someone has typed in it.
 enum class FieldRule { whenLeft, whenTyped };
 
-class CurveControls final : public dialog::GraphEvents {
+class CurveControls final : public dialog::SurfaceEvents {
 public:
     CurveControls(CurveEditor& editor, std::span<const ChannelControls> channels, FieldRule rule)
         : editor_(editor), channels_(channels), rule_(rule) {}
 
     void attach(const dialog::Dialog& dialog);  // when it has opened
-    bool press(int button);  // false: none of these controls'
-    bool leave(int field);   // false: none of these controls'
-    bool draw(const DRAWITEMSTRUCT& drawing) const;  // the strips
-    void show();
+    std::vector<dialog::Control> controls();    // for the dialog's table
+    static bool draw(const DRAWITEMSTRUCT& drawing) {  // the strips
+        return dialog::paintGraphStrip(drawing, RGB(0, 0, 0));
+    }
 
 private:
     HWND window() const noexcept { return dialog_ ? dialog_->window() : nullptr; }
+    void leave(int32_t channel);
+    void showGraph() { ::InvalidateRect(::GetDlgItem(window(), IDC_GRAPH), nullptr, FALSE); }
+    void show();  // after what happens on the graph
     void showIf(bool changed) {
         if (changed) show();
     }
-    dialog::GraphPicture graphPicture(HWND graph, dialog::Size size) override;
-    void graphPressed(HWND graph, dialog::Size size, dialog::Point at) override;
-    void graphMoved(HWND graph, dialog::Size size, dialog::Point at) override;
-    void graphReleased(HWND graph) override;
-    void graphPressedRight(HWND graph, dialog::Size size, dialog::Point at) override;
-    bool graphKey(HWND graph, WPARAM key) override;
+    void showChannel(int32_t channel);
+    void paintSurface(HWND graph, HDC dc, dialog::Size size, bool hasFocus) override;
+    void surfacePressed(HWND graph, dialog::Size size, dialog::Point at) override;
+    void surfaceMoved(HWND graph, dialog::Size size, dialog::Point at, bool held) override;
+    void surfaceReleased(HWND graph) override;
+    void surfacePressedRight(HWND graph, dialog::Size size, dialog::Point at) override;
+    bool surfaceKey(HWND graph, dialog::Size size, WPARAM key) override;
+    const wchar_t* surfaceCursor(HWND graph, dialog::Size size, dialog::Point at) override;
+
+    const ChannelControls& channel(int32_t at) const { return channels_[static_cast<size_t>(at)]; }
 
     CurveEditor& editor_;
     std::span<const ChannelControls> channels_;

@@ -22,7 +22,7 @@ std::span<const ChannelControls> channelControls() noexcept { return kChannelCon
 void CurveControls::attach(const Dialog& dialog) {
     dialog_ = &dialog;
     makeGraphSquare(window());
-    attachGraph(window(), IDC_GRAPH, *this);
+    attachSurface(window(), IDC_GRAPH, *this);
     const bool choice = dialog.item(IDC_ALL_INKS) != nullptr;
     if (choice) ::CheckDlgButton(window(), IDC_ALL_INKS, BST_CHECKED);
     for (const ChannelControls& channel : channels_) {
@@ -32,67 +32,66 @@ void CurveControls::attach(const Dialog& dialog) {
     }
 }
 
-bool CurveControls::press(int button) {
-    if (button == IDC_CONTRAST) return editor_.setContrast(isChecked(window(), button)), true;
-    if (button == IDC_ALL_INKS) return editor_.selectAll(), show(), true;
-    for (size_t at = 0; at < channels_.size(); ++at)
-        if (channels_[at].button == button) return editor_.select(1u << at), show(), true;
-    return false;
-}
-
-bool CurveControls::leave(int field) {
-    for (size_t at = 0; at < channels_.size(); ++at) {
-        if (channels_[at].percent != field) continue;
-        const auto channel = static_cast<int32_t>(at);
-        const std::string text = asciiOf(window(), field);
-        const bool typed = ::SendDlgItemMessageW(window(), field, EM_GETMODIFY, 0, 0) ||
-                           text != editor_.fieldText(channel);
-        if (typed || rule_ == FieldRule::whenLeft) editor_.leaveField(channel, text);
-        ::SendDlgItemMessageW(window(), field, EM_SETMODIFY, FALSE, 0);
-        show();
-        return true;
+std::vector<Control> CurveControls::controls() {
+    std::vector<Control> all = {
+        {.id = IDC_GRAPH, .show = [this] { showGraph(); }},
+        {.id = IDC_CONTRAST,
+         .press = [this] { editor_.setContrast(isChecked(window(), IDC_CONTRAST)); }},
+        {.id = IDC_ALL_INKS, .press = [this] { editor_.selectAll(); }},
+    };
+    for (int32_t at = 0; at < editor_.channels(); ++at) {
+        all.push_back({.id = channel(at).button, .press = [=, this] { editor_.select(1u << at); }});
+        all.push_back({.id = channel(at).percent,
+                       .show = [=, this] { showChannel(at); },
+                       .leave = [=, this] { leave(at); }});
     }
-    return false;
+    return all;
 }
 
-bool CurveControls::draw(const DRAWITEMSTRUCT& drawing) const {
-    if (drawing.CtlID != IDC_STRIP_INPUT && drawing.CtlID != IDC_STRIP_OUTPUT) return false;
-    const bool output = drawing.CtlID == IDC_STRIP_OUTPUT;
-    const Canvas canvas(drawing.hDC, drawing.rcItem);
-    paintStrip(canvas.dc(), {0, 0, canvas.size().width, canvas.size().height},
-               output ? StripDirection::upward : StripDirection::rightward, RGB(255, 255, 255),
-               RGB(0, 0, 0));
-    return true;
+void CurveControls::leave(int32_t at) {
+    const int field = channel(at).percent;
+    const std::string text = asciiOf(window(), field);
+    const bool typed = ::SendDlgItemMessageW(window(), field, EM_GETMODIFY, 0, 0) ||
+                       text != editor_.fieldText(at);
+    if (typed || rule_ == FieldRule::whenLeft) editor_.leaveField(at, text);
+    ::SendDlgItemMessageW(window(), field, EM_SETMODIFY, FALSE, 0);
+}
+
+void CurveControls::showChannel(int32_t at) {
+    setText(window(), channel(at).percent, editor_.fieldText(at));
+    setText(window(), channel(at).input, editor_.inputText());
 }
 
 void CurveControls::show() {
-    for (size_t at = 0; at < channels_.size(); ++at) {
-        setText(window(), channels_[at].percent, editor_.fieldText(static_cast<int32_t>(at)));
-        setText(window(), channels_[at].input, editor_.inputText());
-    }
-    ::InvalidateRect(::GetDlgItem(window(), IDC_GRAPH), nullptr, FALSE);
+    for (int32_t at = 0; at < editor_.channels(); ++at) showChannel(at);
+    showGraph();
 }
 
-GraphPicture CurveControls::graphPicture(HWND, Size size) {
+void CurveControls::paintSurface(HWND, HDC dc, Size size, bool hasFocus) {
     GraphPicture picture;
     picture.selectedX = editor_.pointAt(size, 0, editor_.selectedIndex()).x;
     // Channels that are not selected lie below the ones that are.
     for (const bool selected : {false, true})
-        for (int32_t channel = 0; channel < editor_.channels(); ++channel)
-            if (editor_.isSelected(channel) == selected)
-                picture.curves.push_back(
-                    editor_.curveOf(size, channel, channels_[static_cast<size_t>(channel)].colour));
-    return picture;
+        for (int32_t at = 0; at < editor_.channels(); ++at)
+            if (editor_.isSelected(at) == selected)
+                picture.curves.push_back(editor_.curveOf(size, at, channel(at).colour));
+    paintGraph(dc, size, picture, hasFocus);
 }
 
-void CurveControls::graphPressed(HWND, Size size, Point at) { showIf(editor_.press(size, at)); }
-void CurveControls::graphMoved(HWND, Size size, Point at) { showIf(editor_.move(size, at)); }
-void CurveControls::graphReleased(HWND) { editor_.release(); }
-void CurveControls::graphPressedRight(HWND, Size size, Point at) {
+void CurveControls::surfacePressed(HWND, Size size, Point at) { showIf(editor_.press(size, at)); }
+void CurveControls::surfaceMoved(HWND, Size size, Point at, bool) {
+    showIf(editor_.move(size, at));
+}
+void CurveControls::surfaceReleased(HWND) { editor_.release(); }
+void CurveControls::surfacePressedRight(HWND, Size size, Point at) {
     showIf(editor_.pressRight(size, at));
 }
 
-bool CurveControls::graphKey(HWND, WPARAM key) {
+const wchar_t* CurveControls::surfaceCursor(HWND, Size, Point) {
+    return kCrossCursor;
+}
+
+bool CurveControls::surfaceKey(HWND, Size, WPARAM key) {
     switch (key) {
         case VK_LEFT: showIf(editor_.stepIndex(-1)); return true;
         case VK_RIGHT: showIf(editor_.stepIndex(1)); return true;

@@ -3,7 +3,9 @@
 #include <array>
 #include <span>
 
-#include "frame/dialog/win32.h"
+#include "frame/dialog/ask_win.h"
+#include "frame/dialog/dialog_win.h"
+#include "frame/dialog/text_win.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
 #include "tone/dialog/curve_controls.h"
@@ -46,56 +48,45 @@ private:
         placeOf(kind()).apply(window());
         ::SendMessageW(item(IDC_TITLE), EM_SETLIMITTEXT, KOLINK_NAME_SIZE - 1, 0);
         curves_.attach(*this);
+        add({
+            {.id = IDC_TITLE,
+             .show = [this] { setText(window(), IDC_TITLE, editor_.title()); },
+             .leave = [this] { editor_.leaveTitle(shiftJisText(textOf(window(), IDC_TITLE))); }},
+            {.id = IDOK, .press = [this] { end(1); }},
+            {.id = IDCANCEL, .press = [this] { end(0); }},
+            {.id = IDC_RESET, .press = [this] { editor_.reset(); }},
+            {.id = IDC_NEW, .press = [this] { editor_.startNew(host_); }},
+            {.id = IDC_SAVE, .press = [this] { editor_.save(host_); }},
+            {.id = IDC_SAVE_AS, .press = [this] { editor_.saveAs(host_); }},
+        });
         for (const SettingControl& setting : kSettings)
-            if (item(setting.control)) ::SendMessageW(item(setting.control), EM_SETLIMITTEXT, 10, 0);
-        showAll();
+            if (item(setting.control)) addSetting(setting);
+        add(curves_.controls());
+    }
+
+    void addSetting(const SettingControl& setting) {
+        ::SendMessageW(item(setting.control), EM_SETLIMITTEXT, 10, 0);
+        add({{.id = setting.control,
+              .show =
+                  [=, this] {
+                      setText(window(), setting.control, editor_.settingText(setting.field));
+                  },
+              .leave =
+                  [=, this] {
+                      editor_.leaveSetting(setting.field, asciiOf(window(), setting.control));
+                  }}});
+    }
+
+    void shown() override {
+        ::SetWindowTextW(window(), filled(kind().caption, widePath(editor_.path())).c_str());
     }
 
     void closing() override { placeOf(kind()).remember(window()); }
-
-    bool command(int control, int notification) override {
-        if (notification == EN_KILLFOCUS) return leave(control);
-        if (notification != BN_CLICKED) return false;
-        leaveFocusedField();
-        return press(control);
-    }
-
-    bool press(int button) {
-        WindowHost host(window());
-        switch (button) {
-            case IDOK: end(1); return true;
-            case IDCANCEL: end(0); return true;
-            case IDC_RESET: editor_.reset(); break;
-            case IDC_NEW: editor_.startNew(host); break;
-            case IDC_SAVE: editor_.save(host); break;
-            case IDC_SAVE_AS: editor_.saveAs(host); break;
-            default: return curves_.press(button);
-        }
-        showAll();
-        return true;
-    }
-
-    bool leave(int field) {
-        if (field == IDC_TITLE) editor_.leaveTitle(shiftJisText(textOf(window(), field)));
-        for (const SettingControl& setting : kSettings)
-            if (setting.control == field) editor_.leaveSetting(setting.field, asciiOf(window(), field));
-        (void)curves_.leave(field);
-        showAll();
-        return true;
-    }
-
-    void showAll() {
-        ::SetWindowTextW(window(), filled(kind().caption, widePath(editor_.path())).c_str());
-        setText(window(), IDC_TITLE, editor_.title());
-        for (const SettingControl& setting : kSettings)
-            if (item(setting.control)) setText(window(), setting.control, editor_.settingText(setting.field));
-        curves_.show();
-    }
-
-    bool drawItem(const DRAWITEMSTRUCT& drawing) override { return curves_.draw(drawing); }
+    bool drawItem(const DRAWITEMSTRUCT& drawing) override { return CurveControls::draw(drawing); }
 
     ToneEditor& editor_;
     CurveControls curves_;
+    WindowHost host_{*this};
 };
 
 const wchar_t* templateOf(const ToneEditorKind& kind) {
@@ -118,7 +109,7 @@ int32_t editFile(HWND owner, const ToneEditorKind& kind, char* path) {
         return 0;
     }
     if (!copyPath(curve->path, path)) return 0;
-    registerGraphClass();
+    registerSurfaceClass();
     ToneEditor editor(kind, *curve, dcc ? &settings : nullptr);
     const INT_PTR result = ToneDialog(editor).run(owner, templateOf(kind));
     (void)copyPath(std::span(path, KOLINK_PATH_SIZE), curve->path);
