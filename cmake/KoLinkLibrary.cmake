@@ -10,7 +10,7 @@ set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEP
              ${PROJECT_SOURCE_DIR}/cmake/exports_windows.txt)
 
 set(patterns)
-foreach(folder frame icc tone calib cmyk link front)
+foreach(folder frame grid icc tone calib cmyk link front)
     list(APPEND patterns ${PROJECT_SOURCE_DIR}/${folder}/exports*.cpp)
     if(WIN32)  # dialogs
         list(APPEND patterns ${PROJECT_SOURCE_DIR}/${folder}/dialog/exports*.cpp)
@@ -22,7 +22,7 @@ add_library(kolink SHARED ${KO_EXPORT_SOURCES} frame/memory.cpp frame/entry_${KO
 ko_carry_tables(kolink)
 add_library(KoLink::KoLink ALIAS kolink)
 set_target_properties(kolink PROPERTIES EXPORT_NAME KoLink)
-foreach(target ko_frame ko_icc ko_tone ko_calib ko_cmyk ko_link ko_front
+foreach(target ko_frame ko_grid ko_icc ko_tone ko_calib ko_cmyk ko_link ko_front
                ko_dialog ko_tone_dialog ko_calib_dialog ko_cmyk_dialog ko_front_dialog)
     if(TARGET ${target})
         target_link_libraries(kolink PRIVATE ${target})

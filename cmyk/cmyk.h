@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "frame/block.h"
+#include "grid/cell.h"
 #include "kolink/cmyk_profile.h"
 #include "kolink/cmyk_table.h"
 #include "kolink/link_settings.h"
@@ -22,15 +23,25 @@ constexpr int32_t kCurves = 8;       // 0..3 input C, M, Y, K; 4..7 output
 constexpr int32_t kCurvePoints = 65;
 
 // The level of a grid index: 8 apart, the last cell is 7 wide.
-constexpr int32_t nodeValue(int32_t index) noexcept { return 8 * index - index / 32; }
-static_assert(nodeValue(31) == 248 && nodeValue(32) == 255);
+constexpr int32_t nodeValue(int32_t index) noexcept {
+    return grid::steppedLevel(index, kGridPoints);
+}
 
 // The input level of a curve's point: 4 apart, the last step is 3.
-constexpr int32_t curveLevel(int32_t point) noexcept { return 4 * point - point / 64; }
-static_assert(curveLevel(63) == 252 && curveLevel(64) == 255);
+constexpr int32_t curveLevel(int32_t point) noexcept {
+    return grid::steppedLevel(point, kCurvePoints);
+}
 
 constexpr uint32_t packCmyk(uint32_t c, uint32_t m, uint32_t y, uint32_t k) noexcept {
     return (c & 255) << 24 | (m & 255) << 16 | (y & 255) << 8 | (k & 255);
+}
+
+using Cmyk = std::array<int32_t, 4>;  // four levels, or the four indices of a node
+
+// The word of a node that changes nothing.
+constexpr uint32_t identityWord(const Cmyk& node) noexcept {
+    return packCmyk(nodeValue(node[0]), nodeValue(node[1]), nodeValue(node[2]),
+                    nodeValue(node[3]));
 }
 
 // The points of a curve that its spline passes through, in order.
@@ -65,8 +76,9 @@ void cmykToCmyk16Row(const CmykProfile& profile, const uint8_t* input, int32_t p
 constexpr int32_t kTableGridPoints = 17;
 
 // The level of a table's grid index: 16 apart, the last cell is 15 wide.
-constexpr int32_t tableLevel(int32_t index) noexcept { return 16 * index - index / 16; }
-static_assert(tableLevel(15) == 240 && tableLevel(16) == 255);
+constexpr int32_t tableLevel(int32_t index) noexcept {
+    return grid::steppedLevel(index, kTableGridPoints);
+}
 
 constexpr uint32_t packRgb(uint32_t r, uint32_t g, uint32_t b) noexcept {
     return (r & 255) | (g & 255) << 8 | (b & 255) << 16;
@@ -83,11 +95,11 @@ int32_t loadRgbLut(RgbLut& table, const char* path);
 int32_t saveCmykLut(const CmykLut& table, const char* path);
 int32_t saveRgbLut(const RgbLut& table, const char* path);
 
-// One colour in place: 0..255 in (clamped), 0..4080 out. These plain kernels define every result.
+// One colour in place: 0..255 in (clamped), 0..4080 out.
 void lutCmykToCmyk16(const CmykLut& table, int32_t* cmyk) noexcept;
 void rgbToRgb16(const RgbLut& table, int32_t* rgb) noexcept;
 
-// The same for rows of pixels.
+// The same for rows of pixels, bit for bit.
 void lutCmykToCmyk16Row(const CmykLut& table, const uint8_t* input, int32_t pixels,
                         uint16_t* output) noexcept;
 void rgbToRgb16Row(const RgbLut& table, const uint8_t* input, int32_t pixels,

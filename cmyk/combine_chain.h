@@ -55,12 +55,9 @@ uint32_t combineNode(const NodeChain& chain, const Cmyk& node, Convert&& convert
 template <class Convert>
 void combineNodes(const NodeChain& chain, Convert&& convert, CmykProfile& result) {
     uint32_t* word = result.grid;
-    Cmyk node;
-    for (node[0] = 0; node[0] < kGridPoints; ++node[0])
-        for (node[1] = 0; node[1] < kGridPoints; ++node[1])
-            for (node[2] = 0; node[2] < kGridPoints; ++node[2])
-                for (node[3] = 0; node[3] < kGridPoints; ++node[3])
-                    *word++ = combineNode(chain, node, convert);
+    grid::forEachNode<4>(kGridPoints, [&](const Cmyk& node) {
+        *word++ = combineNode(chain, node, convert);
+    });
 }
 
 }  // namespace ko::cmyk

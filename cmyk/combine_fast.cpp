@@ -18,13 +18,10 @@ bool isIdentity(const NodeChain& chain) noexcept {
         for (int32_t x = 0; x < 256; ++x)
             if (curve[x] != x) return false;
     const uint32_t* word = chain.base().grid;
-    for (int32_t c = 0; c < kGridPoints; ++c)
-        for (int32_t m = 0; m < kGridPoints; ++m)
-            for (int32_t y = 0; y < kGridPoints; ++y)
-                for (int32_t k = 0; k < kGridPoints; ++k)
-                    if (*word++ != packCmyk(nodeValue(c), nodeValue(m), nodeValue(y), nodeValue(k)))
-                        return false;
-    return true;
+    bool same = true;
+    grid::forEachNode<4>(kGridPoints,
+                         [&](const Cmyk& node) { same &= *word++ == identityWord(node); });
+    return same;
 }
 
 // convertThroughIcc for many colours.

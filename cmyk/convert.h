@@ -8,8 +8,6 @@
 
 namespace ko::cmyk {
 
-using Cmyk = std::array<int32_t, 4>;
-
 // The grid alone, in place: 0..255 in (clamped), 0..4080 out. Quadrilinear, integers only.
 void cmykToCmyk16(const CmykProfile& profile, Cmyk& cmyk) noexcept;
 

@@ -100,17 +100,14 @@ void evaluateGrid(CmykProfile& profile, IccLut& lut) {
     const int32_t scale = lut.precision == 2 ? 256 : 1;
     uint32_t* node = profile.grid;
     std::array<icc::FastLut::Colour, kGridPoints> run;
-    for (int32_t c = 0; c < kGridPoints; ++c)
-        for (int32_t m = 0; m < kGridPoints; ++m)
-            for (int32_t y = 0; y < kGridPoints; ++y) {
-                for (int32_t k = 0; k < kGridPoints; ++k)
-                    run[k] = {nodeValue(c) * scale, nodeValue(m) * scale, nodeValue(y) * scale,
-                              nodeValue(k) * scale};
-                evaluator.colours(run);
-                for (const auto& out : run)
-                    *node++ = packCmyk(out[0] / scale, out[1] / scale, out[2] / scale,
-                                       out[3] / scale);
-            }
+    grid::forEachNode<3>(kGridPoints, [&](const std::array<int32_t, 3>& cmy) {
+        for (int32_t k = 0; k < kGridPoints; ++k)
+            run[k] = {nodeValue(cmy[0]) * scale, nodeValue(cmy[1]) * scale,
+                      nodeValue(cmy[2]) * scale, nodeValue(k) * scale};
+        evaluator.colours(run);
+        for (const auto& out : run)
+            *node++ = packCmyk(out[0] / scale, out[1] / scale, out[2] / scale, out[3] / scale);
+    });
 }
 
 }  // namespace

@@ -27,11 +27,7 @@ void initProfile(CmykProfile& profile) noexcept {
     copyText(profile.name, texts::kUntitled);
     for (int32_t curve = 0; curve < kCurves; ++curve) resetCurve(profile, curve);
     uint32_t* node = profile.grid;
-    for (int32_t c = 0; c < kGridPoints; ++c)
-        for (int32_t m = 0; m < kGridPoints; ++m)
-            for (int32_t y = 0; y < kGridPoints; ++y)
-                for (int32_t k = 0; k < kGridPoints; ++k)
-                    *node++ = packCmyk(nodeValue(c), nodeValue(m), nodeValue(y), nodeValue(k));
+    grid::forEachNode<4>(kGridPoints, [&](const Cmyk& at) { *node++ = identityWord(at); });
 }
 
 Block<CmykProfile> createProfile() noexcept {

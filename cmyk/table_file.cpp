@@ -146,8 +146,9 @@ int32_t save(std::span<const uint32_t> nodes, const char* path) {
     if (!file) return 0;
     LineWriter lines;
     lines.put(kBeginData);
-    std::array<int32_t, Form::kInputs> indices = {};
-    for (const uint32_t word : nodes) {
+    const uint32_t* node = nodes.data();
+    grid::forEachNode<Form::kInputs>(kTableGridPoints, [&](const auto& indices) {
+        const uint32_t word = *node++;
         char text[64];
         char* end = text;
         const auto add = [&](uint32_t number) {
@@ -157,11 +158,7 @@ int32_t save(std::span<const uint32_t> nodes, const char* path) {
         for (const int32_t index : indices) add(static_cast<uint32_t>(tableLevel(index)));
         for (size_t channel = 0; channel < Form::kOutputs; ++channel) add(Form::output(word, channel));
         lines.put({text, end});
-        for (size_t axis = Form::kInputs; axis-- > 0;) {  // the next node, last axis fastest
-            if (++indices[axis] < kTableGridPoints) break;
-            indices[axis] = 0;
-        }
-    }
+    });
     return lines.writeTo(file) ? 1 : 0;
 }
 

@@ -1,37 +1,46 @@
-// One colour through the current links or the built-in tables: the plain kernels.
+// Colours through the current links or the built-in tables, one by one and in rows.
+#include <algorithm>
+
 #include "frame/arithmetic.h"
-#include "front/builtin_cell.h"
 #include "front/current_links.h"
 #include "front/front.h"
+#include "grid/bytes.h"
 #include "link/link.h"
 #include "resources/builtin_tables.h"
 
 namespace ko::front {
 namespace {
 
-// Eight corners, integers only, one truncating division.
-void interpolate(const uint8_t (&table)[builtin::kTableNodes][4], const int32_t (&levels)[3],
-                 int32_t (&outputs)[4]) noexcept {
-    BuiltinCell cells[3];
-    for (int32_t axis = 0; axis < 3; ++axis) cells[axis] = locateBuiltinCell(levels[axis]);
-    int32_t sums[4] = {};
-    for (uint32_t corner = 0; corner < 8; ++corner) {
-        size_t node = 0;
-        int32_t weight = 1;
-        for (uint32_t axis = 0; axis < 3; ++axis) {
-            const bool upper = (corner >> (2 - axis) & 1) != 0;
-            const BuiltinCell& cell = cells[axis];
-            node = node * builtin::kTablePoints + static_cast<size_t>(cell.index + (upper ? 1 : 0));
-            weight *= upper ? cell.distance : cell.width - cell.distance;
-        }
-        for (uint32_t k = 0; k < 4; ++k) sums[k] += table[node][k] * weight;
-    }
-    const int32_t volume = cells[0].width * cells[1].width * cells[2].width;
-    for (uint32_t k = 0; k < 4; ++k) outputs[k] = sums[k] / volume;
-}
-
 int32_t level(int32_t value) noexcept { return clampTo(value, 0, 255); }
 uint8_t byte(int32_t value) noexcept { return static_cast<uint8_t>(value); }
+
+static_assert(builtin::kTablePoints == grid::kBytePoints);
+
+// A row in portions that fit a small buffer of four values a pixel. convert(input, pixels, values)
+// fills it, store(input, values) takes a pixel's four values out of it.
+template <class Value, class Convert, class Store>
+void inPortions(const uint8_t* input, size_t channels, int32_t pixels, Convert convert,
+                Store store) noexcept {
+    constexpr int32_t kPixels = 512;
+    Value values[kPixels * 4];
+    while (pixels > 0) {
+        const int32_t count = std::min(pixels, kPixels);
+        convert(input, count, values);
+        for (int32_t pixel = 0; pixel < count; ++pixel, input += channels)
+            store(input, values + pixel * 4);
+        pixels -= count;
+    }
+}
+
+template <class Store>
+void throughLink(const LinkProfile& link, const uint8_t* input, int32_t pixels,
+                 Store store) noexcept {
+    inPortions<uint16_t>(input, link.inputChannels == 3 ? 3 : 4, pixels,
+                         [&](const uint8_t* from, int32_t count, uint16_t* values) {
+                             link::convertRow(link, from, count, values);
+                         },
+                         [&](const uint8_t*, const uint16_t* values) { store(values); });
+}
 
 }  // namespace
 
@@ -41,7 +50,7 @@ Cmyk rgbToCmyk(int32_t r, int32_t g, int32_t b) noexcept {
         link::convert(*current, values);
         for (int32_t& value : values) value /= 16;
     } else {
-        interpolate(builtin::kRgbToCmyk, {values[0], values[1], values[2]}, values);
+        grid::bytesOfThree(builtin::kRgbToCmyk, values);
     }
     return {byte(values[0]), byte(values[1]), byte(values[2]), byte(values[3])};
 }
@@ -53,10 +62,39 @@ Rgb cmykToRgb(int32_t c, int32_t m, int32_t y, int32_t k) noexcept {
         for (int32_t& value : values) value /= 16;
     } else {
         const int32_t light = 255 - values[3];
-        interpolate(builtin::kCmyToRgb, {values[0], values[1], values[2]}, values);
+        grid::bytesOfThree(builtin::kCmyToRgb, values);
         for (int32_t& value : values) value = value * light / 255;
     }
     return {byte(values[0]), byte(values[1]), byte(values[2])};
+}
+
+void rgbToCmykRow(const uint8_t* rgb, int32_t pixels, uint8_t* cmyk) noexcept {
+    const LinkProfile* const current = rgbToCmykLink();
+    if (!current) return grid::bytesOfThreeRow(builtin::kRgbToCmyk, rgb, 3, pixels, cmyk);
+    throughLink(*current, rgb, pixels, [&](const uint16_t* values) {
+        for (int k = 0; k < 4; ++k) cmyk[k] = static_cast<uint8_t>(values[k] / 16);
+        cmyk += 4;
+    });
+}
+
+void cmykToRgbRow(const uint8_t* cmyk, int32_t pixels, uint8_t* rgb) noexcept {
+    if (const LinkProfile* const current = cmykToRgbLink()) {
+        throughLink(*current, cmyk, pixels, [&](const uint16_t* values) {
+            for (int k = 0; k < 3; ++k) rgb[k] = static_cast<uint8_t>(values[k] / 16);
+            rgb += 3;
+        });
+        return;
+    }
+    inPortions<uint8_t>(cmyk, 4, pixels,
+                        [](const uint8_t* inks, int32_t count, uint8_t* lights) {
+                            grid::bytesOfThreeRow(builtin::kCmyToRgb, inks, 4, count, lights);
+                        },
+                        [&](const uint8_t* inks, const uint8_t* light) {
+                            const uint32_t left = 255u - inks[3];
+                            for (int k = 0; k < 3; ++k)
+                                rgb[k] = static_cast<uint8_t>(light[k] * left / 255);
+                            rgb += 3;
+                        });
 }
 
 int32_t rgbToGray(int32_t r, int32_t g, int32_t b) noexcept {

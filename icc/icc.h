@@ -100,25 +100,6 @@ constexpr uint16_t revShort(uint16_t value) noexcept { return reverse16(value); 
 uint64_t IccReverseBytes(void* dst, const void* src, uint32_t elementSize,
                          uint64_t count) noexcept;
 
-// base^exponent, wrapping in 32 bits; 1 when exponent is below 1. For sizes take IccIntPow64.
-constexpr uint32_t IccIntPow(uint32_t base, int32_t exponent) noexcept {
-    uint32_t result = 1;
-    // A power of two that has wrapped to 0 stays there, as 0 and 1 stay what they are.
-    for (int32_t at = 0; at < exponent && result != 0 && base != 1; ++at) result *= base;
-    return result;
-}
-static_assert(IccIntPow(33, 4) == 1185921 && IccIntPow(17, 0) == 1);
-
-// The same in 64 bits, stopping at UINT64_MAX instead of wrapping.
-constexpr uint64_t IccIntPow64(uint64_t base, int32_t exponent) noexcept {
-    uint64_t result = 1;
-    for (int32_t at = 0; at < exponent && result != 0 && base != 1; ++at) {
-        if (base != 0 && result > UINT64_MAX / base) return UINT64_MAX;
-        result *= base;
-    }
-    return result;
-}
-
 float IccFixedToFloat(int32_t value) noexcept;  // s15Fixed16
 int32_t IccFloatToFixed(float value) noexcept;  // half away from zero; saturates, NaN gives 0
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "frame/arithmetic.h"
+#include "grid/blend.h"
 
 namespace ko::icc {
 namespace {
@@ -40,114 +41,61 @@ int32_t interpolate(const IccLut& lut, int32_t slot, int32_t value) noexcept {
     return static_cast<int32_t>(rise * rest + row[0] * 256.0);
 }
 
-// The place of a colour in the grid. near and far weigh the two ends of each axis.
-struct Place {
-    size_t cell[kMaxLutChannels];
-    double width[kMaxLutChannels], near[kMaxLutChannels], far[kMaxLutChannels];
-    double volume = 1;
+grid::Cell cellOf(const IccLut& lut, int32_t value, int32_t maximum) noexcept {
+    return grid::evenCell(value, lut.gridPoints, maximum);
+}
+
+// Reads the grid of an output, in entries.
+struct Entries {
+    const IccLut& lut;
+    int32_t operator()(size_t node, size_t k) const noexcept {
+        return lutEntry(lut.clut, node * static_cast<size_t>(lut.outputChannels) + k,
+                        lut.precision);
+    }
 };
 
-// Adds up the corners of the cell, channel 0 outermost and the last innermost; weight products
-// run in the order of the channels. add(corner's first entry, weight) does the summing.
-template <class Add>
-void forEachCorner(const IccLut& lut, const Place& place, Add add) noexcept {
-    const int32_t channels = lut.inputChannels;
-    for (int32_t corner = 0; corner < 1 << channels; ++corner) {
-        size_t node = 0;
-        double weight = 1;
-        for (int32_t i = 0; i < channels; ++i) {
-            const bool upper = corner >> (channels - 1 - i) & 1;
-            node = node * static_cast<size_t>(lut.gridPoints) + place.cell[i] + upper;
-            weight *= upper ? place.far[i] : place.near[i];
-        }
-        add(node * static_cast<size_t>(lut.outputChannels), weight);
-    }
-}
-
-// Multilinear on the table's own scale: integer distances, one division at the end.
+// Multilinear on the table's own scale. Weights and sums are doubles that need not hold whole
+// numbers: the order of the axes and of the corners is part of the result.
 void blendOwnScale(const IccLut& lut, int32_t* values) noexcept {
     const int32_t maximum = lutMaximum(lut.precision);
-    Place place;
-    for (int32_t i = 0; i < lut.inputChannels; ++i) {
-        const LutCell cell = lutCell(values[i], lut.gridPoints, maximum);
-        place.cell[i] = static_cast<size_t>(cell.index);
-        place.near[i] = cell.width - cell.distance;
-        place.far[i] = cell.distance;
-        place.volume *= cell.width;
-    }
-    double sums[kMaxLutChannels] = {};
-    forEachCorner(lut, place, [&](size_t entry, double weight) {
-        for (int32_t k = 0; k < lut.outputChannels; ++k) {
-            sums[k] += lutEntry(lut.clut, entry + k, lut.precision) * weight;
-        }
-    });
-    for (int32_t k = 0; k < lut.outputChannels; ++k) {
-        values[k] = std::min(truncateToInt32(sums[k] / place.volume), maximum);
-    }
+    grid::Ends<double> axes[kMaxLutChannels];
+    for (int32_t i = 0; i < lut.inputChannels; ++i)
+        axes[i] = grid::endsOf<double>(cellOf(lut, values[i], maximum));
+    const std::span<const grid::Ends<double>> used(axes, static_cast<size_t>(lut.inputChannels));
+    const std::span<int32_t> outputs(values, static_cast<size_t>(lut.outputChannels));
+    grid::multilinear(used, static_cast<size_t>(lut.gridPoints), Entries{lut}, 1.0, outputs);
+    for (int32_t& value : outputs) value = std::min(value, maximum);
 }
 
-// Multilinear on the 16-bit scale: distances in sixteenths, every corner divided by the volume.
+// Multilinear on the 16-bit scale: a rule of its own, with distances in sixteenths and every corner
+// divided by the volume.
 void blend16(const IccLut& lut, int32_t* values) noexcept {
-    Place place;
+    grid::Ends<double> axes[kMaxLutChannels];
+    double volume = 1;
     for (int32_t i = 0; i < lut.inputChannels; ++i) {
-        const LutCell cell = lutCell(values[i], lut.gridPoints, 65535);
+        const grid::Cell cell = cellOf(lut, values[i], 65535);
         const double width = cell.width * 0.0625, distance = cell.distance * 0.0625;
-        place.cell[i] = static_cast<size_t>(cell.index);
-        place.near[i] = width - distance;
-        place.far[i] = distance;
-        place.volume *= width;
+        axes[i] = {static_cast<size_t>(cell.index), width - distance, distance};
+        volume *= width;
     }
+    const std::span<const grid::Ends<double>> used(axes, static_cast<size_t>(lut.inputChannels));
     const double scale = lut.precision == 2 ? 1.0 : 256.0;
     double sums[kMaxLutChannels] = {};
-    forEachCorner(lut, place, [&](size_t entry, double weight) {
-        for (int32_t k = 0; k < lut.outputChannels; ++k) {
-            sums[k] += lutEntry(lut.clut, entry + k, lut.precision) * scale * weight / place.volume;
-        }
+    grid::forEachCorner(used, static_cast<size_t>(lut.gridPoints), [&](size_t node, double weight) {
+        for (int32_t k = 0; k < lut.outputChannels; ++k)
+            sums[k] += Entries{lut}(node, static_cast<size_t>(k)) * scale * weight / volume;
     });
-    for (int32_t k = 0; k < lut.outputChannels; ++k) {
+    for (int32_t k = 0; k < lut.outputChannels; ++k)
         values[k] = std::min(truncateToInt32(sums[k]), 65535);
-    }
 }
 
-// One of six tetrahedra around the cell's main diagonal. Fractions are float, the blend is
-// double; comparisons are >= in this order, so that ties go to the earlier one.
 void blendTetrahedron(const IccLut& lut, int32_t* values) noexcept {
     const int32_t maximum = lutMaximum(lut.precision);
-    const auto grid = static_cast<size_t>(lut.gridPoints);
-    const size_t step[3] = {grid * grid, grid, 1};
-    size_t base = 0;
-    float f[3];
-    for (int32_t i = 0; i < 3; ++i) {
-        const LutCell cell = lutCell(values[i], lut.gridPoints, maximum);
-        base += static_cast<size_t>(cell.index) * step[i];
-        f[i] = static_cast<float>(cell.distance) / static_cast<float>(cell.width);
-    }
-    int32_t first, second, third;  // axes by falling fraction
-    if (f[0] >= f[1] && f[1] >= f[2]) {
-        first = 0, second = 1, third = 2;
-    } else if (f[0] >= f[2] && f[2] >= f[1]) {
-        first = 0, second = 2, third = 1;
-    } else if (f[1] >= f[0] && f[0] >= f[2]) {
-        first = 1, second = 0, third = 2;
-    } else if (f[1] >= f[2] && f[2] >= f[0]) {
-        first = 1, second = 2, third = 0;
-    } else if (f[2] >= f[0] && f[0] >= f[1]) {
-        first = 2, second = 0, third = 1;
-    } else {
-        first = 2, second = 1, third = 0;
-    }
-    const double a = f[first], b = f[second], c = f[third];
-    const auto outputs = static_cast<size_t>(lut.outputChannels);
-    const size_t c000 = base * outputs;
-    const size_t cA = c000 + step[first] * outputs;
-    const size_t cB = cA + step[second] * outputs;
-    const size_t c111 = cB + step[third] * outputs;
-    const auto entry = [&lut](size_t index) { return lutEntry(lut.clut, index, lut.precision); };
-    for (size_t k = 0; k < outputs; ++k) {
-        const double sum = entry(c000 + k) * (1 - a) + entry(cA + k) * (a - b) +
-                           entry(cB + k) * (b - c) + entry(c111 + k) * c;
-        values[k] = std::min(truncateToInt32(sum), maximum);
-    }
+    const std::span<int32_t> outputs(values, static_cast<size_t>(lut.outputChannels));
+    grid::tetrahedral({cellOf(lut, values[0], maximum), cellOf(lut, values[1], maximum),
+                       cellOf(lut, values[2], maximum)},
+                      static_cast<size_t>(lut.gridPoints), Entries{lut}, outputs);
+    for (int32_t& value : outputs) value = std::min(value, maximum);
 }
 
 }  // namespace

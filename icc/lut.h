@@ -28,25 +28,6 @@ inline int32_t lutEntry(const void* table, size_t index, int32_t precision) noex
     return entry;
 }
 
-// The cell of one axis that holds a value of 0..maximum, in integers, every division truncating.
-// The top of the scale is the top of the last cell, not the start of one beyond.
-struct LutCell {
-    int32_t index;
-    int32_t width;     // at least 1, because the grid has no more steps than the scale
-    int32_t distance;  // from the cell's lower end, 0..width
-};
-constexpr LutCell lutCell(int32_t value, int32_t gridPoints, int32_t maximum) noexcept {
-    const int64_t last = gridPoints - 1;
-    int64_t index = value * last / maximum;
-    if (index == last) --index;
-    const int64_t low = index * maximum / last;
-    return {static_cast<int32_t>(index),
-            static_cast<int32_t>((index + 1) * maximum / last - low),
-            static_cast<int32_t>(value - low)};
-}
-static_assert(lutCell(255, 17, 255).index == 15);
-static_assert(lutCell(255, 17, 255).distance == lutCell(255, 17, 255).width);
-
 // 1 to 4 channels in and out, 8- or 16-bit entries, a grid of at least 2 points an axis and no
 // more steps than the scale has, tables of 256 entries when 8-bit, and no null table.
 bool isSupportedLut(const IccLut& lut) noexcept;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "grid/cell.h"
+
 namespace ko::icc {
 namespace {
 
@@ -35,7 +37,7 @@ LutShape shapeOf(const IccLut& lut) noexcept {
 LutSizes sizesOf(const LutShape& shape) noexcept {
     const uint64_t precision = countOf(shape.precision);
     const uint64_t inputs = countOf(shape.inputChannels), outputs = countOf(shape.outputChannels);
-    const uint64_t nodes = IccIntPow64(countOf(shape.gridPoints), shape.inputChannels);
+    const uint64_t nodes = grid::nodeCount(countOf(shape.gridPoints), shape.inputChannels);
     return {timesOrTooLarge(inputs * countOf(shape.inputEntries), precision),
             timesOrTooLarge(timesOrTooLarge(nodes, outputs), precision),
             timesOrTooLarge(outputs * countOf(shape.outputEntries), precision)};

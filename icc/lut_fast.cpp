@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/arithmetic.h"
+#include "grid/cell.h"
 
 namespace ko::icc {
 namespace {
@@ -21,18 +22,10 @@ constexpr uint64_t kMaxPaddedNodes = uint64_t{1} << 21;  // 16 MiB
 // The cells of one axis for every row of its input curve.
 template <class Use>
 void forEachRow(const IccLut& lut, int32_t axis, Use use) {
-    const int32_t maximum = lutMaximum(lut.precision), last = lut.gridPoints - 1;
-    std::vector<int32_t> lows(static_cast<size_t>(lut.gridPoints));
-    for (int32_t g = 0; g <= last; ++g)
-        lows[g] = static_cast<int32_t>(int64_t{g} * maximum / last);
+    const grid::EvenAxis cells(lut.gridPoints, lutMaximum(lut.precision));
     const auto* slots = static_cast<const int32_t*>(lut.workTable) + axis;
-    for (int32_t row = 0; row < lutRows(lut.precision); ++row) {
-        const int32_t value = slots[size_t{kLutSlots} * row];
-        const auto scaled = static_cast<uint64_t>(value) * static_cast<uint32_t>(last);
-        const auto index = std::min(
-            static_cast<int32_t>(maximum == 255 ? scaled / 255 : scaled / 65535), last - 1);
-        use(row, LutCell{index, lows[index + 1] - lows[index], value - lows[index]});
-    }
+    for (int32_t row = 0; row < lutRows(lut.precision); ++row)
+        use(row, cells.cellOf(slots[size_t{kLutSlots} * row]));
 }
 
 bool isIdentity(const IccLut& lut) noexcept {
@@ -102,7 +95,7 @@ void FastLut::prepareTetrahedra() {
                               static_cast<uint32_t>(grid * kLanes), kLanes};
     for (int32_t axis = 0; axis < 3; ++axis) {
         fractions_[axis].resize(static_cast<size_t>(lutRows(lut_.precision)));
-        forEachRow(lut_, axis, [&](int32_t row, const LutCell& cell) {
+        forEachRow(lut_, axis, [&](int32_t row, const grid::Cell& cell) {
             fractions_[axis][row] = {
                 static_cast<uint32_t>(cell.index) * step[axis],
                 static_cast<float>(cell.distance) / static_cast<float>(cell.width)};
@@ -176,7 +169,7 @@ void FastLut::prepareRuns() {
                                              (corner >> 1 & 1) * step[1] + (corner & 1) * step[2]);
     for (int32_t axis = 0; axis < 3; ++axis) {
         cells_[axis].resize(static_cast<size_t>(lutRows(lut_.precision)));
-        forEachRow(lut_, axis, [&](int32_t row, const LutCell& cell) {
+        forEachRow(lut_, axis, [&](int32_t row, const grid::Cell& cell) {
             cells_[axis][row] = {static_cast<uint32_t>(cell.index * step[axis]),
                                  cell.width - cell.distance, cell.distance};
         });
@@ -186,7 +179,7 @@ void FastLut::prepareRuns() {
     const double width = maximum_ / (gridPoints_ - 1) + 1;
     const bool exact = width * width * width * width * (maximum_ + 1) < 0x1p46;
     lastCells_.resize(static_cast<size_t>(lutRows(lut_.precision)));
-    forEachRow(lut_, 3, [&](int32_t row, const LutCell& cell) {
+    forEachRow(lut_, 3, [&](int32_t row, const grid::Cell& cell) {
         const double reciprocal = 1.0 / cell.width, scale = exact ? 1 : reciprocal;
         lastCells_[row] = {(cell.width - cell.distance) * scale, cell.distance * scale, reciprocal,
                            static_cast<size_t>(cell.index * outputs_)};

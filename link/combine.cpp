@@ -10,9 +10,6 @@
 namespace ko::link {
 namespace {
 
-// The level of a grid node that goes into the source: 0, 4080, ... 65280.
-constexpr int32_t nodeLevel(int32_t index) noexcept { return index * 65280 / (kGridPoints - 1); }
-
 // By hand against the medium's white, on the scale of 100; a and b are cut to whole levels.
 void bridgeCmyk(const IccPair& pair, int32_t* values) noexcept {
     double colour[3];
@@ -55,19 +52,15 @@ void toDestination(const IccPair& pair, int32_t* values) noexcept {
     for (size_t k = 0; k < 4; ++k) values[k] /= 16;
 }
 
-// Visits the nodes in storage order; convert turns the indices of a node into its four values.
-template <int32_t kChannels, class Convert>
+// convert turns the indices of a node into its four values.
+template <size_t kChannels, class Convert>
 void fillGrid(LinkProfile& link, Convert convert) {
     uint16_t* node = link.grid;
-    int32_t indices[kChannels] = {};
-    for (;;) {
+    grid::forEachNode<kChannels>(kGridPoints, [&](const Indices<kChannels>& indices) {
         int32_t values[4] = {};
         convert(indices, values);
         for (size_t k = 0; k < 4; ++k) *node++ = static_cast<uint16_t>(values[k]);
-        int32_t axis = kChannels - 1;
-        while (axis >= 0 && ++indices[axis] == kGridPoints) indices[axis--] = 0;
-        if (axis < 0) return;
-    }
+    });
 }
 
 }  // namespace
@@ -78,10 +71,10 @@ Link combineCmykProfile(const CmsLinkSettings& settings) {
     const std::optional<IccPair> pair = openPair(settings, fourcc("CMYK"));
     if (!pair) return nullptr;
     const platform::WaitCursor cursor(platform::WaitCursor::Source::system);
-    fillGrid<4>(*link, [&](const int32_t (&indices)[4], int32_t (&values)[4]) {
+    fillGrid<4>(*link, [&](const Indices<4>& indices, int32_t (&values)[4]) {
         const uint32_t inks = inksOf(indices);
         if (settings.whiteMode == 1 && inks == 0) return;  // white gets no ink
-        for (size_t i = 0; i < 4; ++i) values[i] = nodeLevel(indices[i]);
+        for (size_t i = 0; i < 4; ++i) values[i] = sourceLevel(indices[i]);
         pair->sourceLut.evaluate(values);
         bridgeCmyk(*pair, values);
         toDestination(*pair, values);
@@ -96,10 +89,10 @@ Link combineRgbProfile(const CmsLinkSettings& settings) {
     const std::optional<IccPair> pair = openPair(settings, fourcc("RGB "));
     if (!pair) return nullptr;
     const platform::WaitCursor cursor(platform::WaitCursor::Source::system);
-    fillGrid<3>(*link, [&](const int32_t (&indices)[3], int32_t (&values)[4]) {
+    fillGrid<3>(*link, [&](const Indices<3>& indices, int32_t (&values)[4]) {
         const uint32_t inks = inksOf(indices);
         if (settings.whiteMode == 1 && inks == 0) return;
-        for (size_t i = 0; i < 3; ++i) values[i] = nodeLevel(indices[i]);
+        for (size_t i = 0; i < 3; ++i) values[i] = sourceLevel(indices[i]);
         if (pair->sourceLut) pair->sourceLut.evaluate(values);
         else pair->matrix->toXyz16(values);
         bridgeRgb(*pair, values);

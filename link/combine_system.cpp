@@ -33,7 +33,7 @@ bool terminated(std::span<const char> path) noexcept {
     return length > 0 && length < path.size();
 }
 
-// Levels 0, 4080, ... 65280 on every axis, in storage order, one colour a call.
+// In storage order, one colour a call.
 void fillGrid(LinkProfile& link, system::Transform& transform, system::Colours inputs,
               system::Colours outputs) {
     const platform::WaitCursor cursor(platform::WaitCursor::Source::system);
@@ -42,7 +42,7 @@ void fillGrid(LinkProfile& link, system::Transform& transform, system::Colours i
     for (uint64_t node = 0; node < nodes; ++node) {
         uint64_t rest = node;
         for (int32_t axis = link.inputChannels - 1; axis >= 0; --axis) {
-            input[axis] = static_cast<uint16_t>(rest % kGridPoints * 4080);
+            input[axis] = static_cast<uint16_t>(sourceLevel(static_cast<int32_t>(rest % kGridPoints)));
             rest /= kGridPoints;
         }
         uint16_t output[4] = {};

@@ -5,11 +5,17 @@
 #include <span>
 
 #include "frame/block.h"
+#include "grid/cell.h"
 #include "kolink/link.h"
 
 namespace ko::link {
 
 constexpr int32_t kGridPoints = 17;  // of every link that a builder makes
+
+// The 16-bit level of a node that a builder gives to the source: 0, 4080, ... 65280.
+constexpr int32_t sourceLevel(int32_t index) noexcept {
+    return grid::evenLevel(index, kGridPoints, 65280);
+}
 
 struct LinkDeleter {
     void operator()(LinkProfile* link) const noexcept;
@@ -22,13 +28,12 @@ using Link = std::unique_ptr<LinkProfile, LinkDeleter>;
 // The number of nodes; 0 when the record cannot be looked up (no grid, odd gridPoints).
 uint64_t nodeCount(const LinkProfile& link) noexcept;
 
-// One colour in place, 8-bit levels in (clamped), 0..4080 out. The plain kernels: every step as
-// it is defined. The rows below equal them bit for bit.
+// One colour in place, 8-bit levels in (clamped), 0..4080 out. convert3 takes three whatever the
+// record says.
 void convert(const LinkProfile& link, int32_t* values) noexcept;
 void convert3(const LinkProfile& link, int32_t* values) noexcept;
-void convert4(const LinkProfile& link, int32_t* values) noexcept;
 
-// Rows of interleaved pixels: 3 or 4 bytes in, 4 values out.
+// Rows of interleaved pixels: 3 or 4 bytes in, 4 values out. Bit for bit like one by one.
 void convertRow(const LinkProfile& link, const uint8_t* input, int32_t pixels,
                 uint16_t* output) noexcept;
 

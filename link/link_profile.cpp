@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "frame/text.h"
+#include "grid/cell.h"
 #include "link/link.h"
 #include "resources/texts.h"
 
@@ -9,12 +10,6 @@ namespace ko::link {
 namespace {
 
 constexpr uint64_t kMaxGridBytes = uint64_t{256} << 20;
-
-uint64_t power(uint64_t base, int32_t exponent) noexcept {
-    uint64_t result = 1;
-    while (exponent-- > 0) result *= base;
-    return result;
-}
 
 }  // namespace
 
@@ -25,13 +20,13 @@ void LinkDeleter::operator()(LinkProfile* link) const noexcept {
 
 uint64_t nodeCount(const LinkProfile& link) noexcept {
     if (!link.grid || link.gridPoints < 2 || link.gridPoints > 256) return 0;
-    return power(static_cast<uint64_t>(link.gridPoints), link.inputChannels == 3 ? 3 : 4);
+    return grid::nodeCount(static_cast<uint64_t>(link.gridPoints), link.inputChannels == 3 ? 3 : 4);
 }
 
 Link createProfile(int32_t inputChannels, int32_t gridPoints) noexcept {
     if (inputChannels != 3 && inputChannels != 4) return nullptr;
     if (gridPoints < 2 || gridPoints > 256) return nullptr;
-    const uint64_t bytes = power(static_cast<uint64_t>(gridPoints), inputChannels) * 8;
+    const uint64_t bytes = grid::nodeCount(static_cast<uint64_t>(gridPoints), inputChannels) * 8;
     if (bytes > kMaxGridBytes) return nullptr;
 
     Link link(static_cast<LinkProfile*>(allocateBlock(sizeof(LinkProfile)).release()));
@@ -46,7 +41,7 @@ Link createProfile(int32_t inputChannels, int32_t gridPoints) noexcept {
     link->gridPoints = gridPoints;
     for (auto& curve : link->curveValues)
         for (int32_t point = 0; point < 65; ++point)
-            curve[point] = static_cast<uint8_t>(4 * point - point / 64);
+            curve[point] = static_cast<uint8_t>(grid::steppedLevel(point, 65));
     for (auto& flags : link->curveFlags) flags[0] = flags[64] = 1;
     return link;
 }

@@ -1,21 +1,23 @@
 // Which inks a grid node asks for, and keeping pure colours pure.
 #pragma once
 
-#include <cstdint>
-
+#include "grid/cell.h"
 #include "link/link.h"
 
 namespace ko::link {
 
+template <size_t kAxes>
+using Indices = std::array<int32_t, kAxes>;  // of a node
+
 constexpr uint32_t kC = 1, kM = 2, kY = 4, kK = 8;
 
 // CMYK: an ink is there at any index but 0.
-constexpr uint32_t inksOf(const int32_t (&indices)[4]) noexcept {
+constexpr uint32_t inksOf(const Indices<4>& indices) noexcept {
     return (indices[0] != 0 ? kC : 0) | (indices[1] != 0 ? kM : 0) | (indices[2] != 0 ? kY : 0) |
            (indices[3] != 0 ? kK : 0);
 }
 // RGB: red, green and blue light below the full stand for cyan, magenta and yellow ink.
-constexpr uint32_t inksOf(const int32_t (&indices)[3]) noexcept {
+constexpr uint32_t inksOf(const Indices<3>& indices) noexcept {
     return (indices[0] != kGridPoints - 1 ? kC : 0) | (indices[1] != kGridPoints - 1 ? kM : 0) |
            (indices[2] != kGridPoints - 1 ? kY : 0);
 }

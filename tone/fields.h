@@ -1,14 +1,16 @@
 // What the tone curve files share: the grid positions of a curve line and the lines' keys.
 #pragma once
 
-#include <cstddef>
+#include "grid/cell.h"
 
 namespace ko::tone {
 
 constexpr size_t kGridFields = 17;
 
 // Levels 0, 16, 32 ... 240 and 255: only these can carry control points in .tnc and .dcc files.
-constexpr size_t gridLevel(size_t field) noexcept { return field < 16 ? field * 16 : 255; }
+constexpr size_t gridLevel(size_t field) noexcept {
+    return static_cast<size_t>(grid::steppedLevel(static_cast<int32_t>(field), kGridFields));
+}
 
 // One curve line: what it begins with, and the channel it holds. A reader matches the key alone,
 // its first six characters.

@@ -28,10 +28,9 @@ constexpr int32_t lightnessPercent(int32_t position) noexcept {
 
 ColourCorrection::ColourCorrection(CmykProfile& profile) : profile_(profile) {
     places_.reserve(kGridPoints * kGridPoints * kGridPoints);
-    for (int32_t c = 0; c < kGridPoints; ++c)
-        for (int32_t m = 0; m < kGridPoints; ++m)
-            for (int32_t y = 0; y < kGridPoints; ++y)
-                places_.push_back(placeOf({nodeValue(c), nodeValue(m), nodeValue(y)}));
+    grid::forEachNode<3>(kGridPoints, [&](const std::array<int32_t, 3>& at) {
+        places_.push_back(placeOf({nodeValue(at[0]), nodeValue(at[1]), nodeValue(at[2])}));
+    });
     reread();
 }
 

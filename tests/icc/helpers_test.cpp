@@ -14,34 +14,6 @@ namespace {
 
 using test::Bytes;
 
-TEST(IccIntPow, MultipliesRepeatedly) {
-    EXPECT_EQ(IccIntPow(33, 4), 1185921u);
-    EXPECT_EQ(IccIntPow(17, 0), 1u);
-    EXPECT_EQ(IccIntPow(17, -3), 1u);
-    EXPECT_EQ(IccIntPow(0, 0), 1u);
-    EXPECT_EQ(IccIntPow(0, 5), 0u);
-    EXPECT_EQ(IccIntPow(255, 1), 255u);
-}
-
-TEST(IccIntPow, WrapsInThirtyTwoBits) {
-    EXPECT_EQ(IccIntPow(2, 31), 0x80000000u);
-    EXPECT_EQ(IccIntPow(2, 32), 0u);
-    EXPECT_EQ(IccIntPow(3, 21), static_cast<uint32_t>(10460353203u));
-    EXPECT_EQ(IccIntPow(2, INT32_MAX), 0u);
-    EXPECT_EQ(IccIntPow(1, INT32_MAX), 1u);
-}
-
-TEST(IccIntPow, StopsAtTheLargestNumberInSixtyFourBits) {
-    EXPECT_EQ(IccIntPow64(33, 4), 1185921u);
-    EXPECT_EQ(IccIntPow64(255, 8), 17878103347812890625u);
-    EXPECT_EQ(IccIntPow64(255, 9), UINT64_MAX);
-    EXPECT_EQ(IccIntPow64(2, 63), uint64_t{1} << 63);
-    EXPECT_EQ(IccIntPow64(2, 64), UINT64_MAX);
-    EXPECT_EQ(IccIntPow64(UINT64_MAX, INT32_MAX), UINT64_MAX);
-    EXPECT_EQ(IccIntPow64(0, INT32_MAX), 0u);
-    EXPECT_EQ(IccIntPow64(1, INT32_MAX), 1u);
-}
-
 TEST(IccFixedToFloat, RoundsToSinglePrecision) {
     EXPECT_EQ(IccFixedToFloat(0x10000), 1.0f);
     EXPECT_EQ(IccFixedToFloat(0xf6d6), static_cast<float>(63190 / 65536.0));

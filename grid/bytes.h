@@ -1,0 +1,19 @@
+// Colours through stepped grids of three axes and 9 points whose node is four bytes, one for each
+// output. Levels of 0..255 in and out. Multilinear in integers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ko::grid {
+
+constexpr int32_t kBytePoints = 9;
+
+// In place: three levels in (clamped), four out.
+void bytesOfThree(const uint8_t (*nodes)[4], int32_t* values) noexcept;
+
+// The same for pixels that are stride bytes apart, of which the first three count; 4 bytes out.
+void bytesOfThreeRow(const uint8_t (*nodes)[4], const uint8_t* input, size_t stride,
+                     int32_t pixels, uint8_t* output) noexcept;
+
+}  // namespace ko::grid
