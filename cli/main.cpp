@@ -8,6 +8,7 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/system.h"
+#include "kolink/version.h"
 
 namespace ko::cli {
 namespace {

@@ -5,8 +5,6 @@
 #include "cmyk/convert.h"
 #include "frame/boundary.h"
 
-static_assert(sizeof(CmsLinkSettings) == 1332);
-
 extern "C" void jKoCmykCMYKtoCMYK16(const CmykProfile* profile, int32_t* cmyk) {
     if (!profile || !cmyk) return;
     ko::cmyk::Cmyk values;

@@ -15,7 +15,7 @@ bool fill(CmsLinkSettings& settings, const char* source, const char* destination
           int32_t intent) noexcept {
     initSettings(settings);
     settings.intent = intent;
-    settings.whiteMode = 1;
+    settings.whiteMode = KOLINK_WHITE_NO_INK;
     return copyPath(settings.sourcePath, source) && copyPath(settings.destinationPath, destination);
 }
 

@@ -9,7 +9,6 @@ static_assert(offsetof(IccHeader, dateTime) == 24 && offsetof(IccHeader, magic) 
               offsetof(IccHeader, creator) == 80);
 static_assert(sizeof(IccTagEntry) == (sizeof(void*) == 4 ? 16 : 24));
 static_assert(sizeof(IccProfile) == (sizeof(void*) == 4 ? 400 : 408));
-static_assert(sizeof(IccLut) == (sizeof(void*) == 4 ? 74 : 90));
 
 extern "C" IccProfile* jIccCreate(uint32_t flags) { return ko::icc::create(flags).release(); }
 

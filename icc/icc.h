@@ -26,8 +26,8 @@ struct ProfileReleaser {
 using ProfilePtr = std::unique_ptr<IccProfile, ProfileReleaser>;
 
 constexpr uint32_t kCreateLink = 1;     // what create makes anyway
-constexpr uint32_t kCreatePrinter = 2;  // class 'prtr', PCS 'Lab '
-constexpr uint32_t kCreateOtherMaker = 16;
+constexpr uint32_t kCreatePrinter = KOLINK_ICC_PRINTER;  // class 'prtr', PCS 'Lab '
+constexpr uint32_t kCreateOtherMaker = KOLINK_ICC_OTHER_MAKER;
 
 [[nodiscard]] ProfilePtr create(uint32_t flags) noexcept;
 int32_t bindTag(IccProfile* profile, uint32_t signature, void* data) noexcept;

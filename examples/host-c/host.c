@@ -27,14 +27,13 @@ int main(int argc, char **argv) {
         fprintf(stderr, "usage: host PRINTER.icc SOURCE.icc OUTPUT.icc [BLACK.bkc]\n");
         return 2;
     }
-    memset(&settings, 0, sizeof settings);
+    jCmsInitCms(&settings);
     if (!setPath(settings.destinationPath, argv[1])) return 1;
     if (!setPath(settings.sourcePath, argv[2])) return 1;
     if (argc == 5 && !setPath(settings.blackPath, argv[4])) return 1;
-    settings.intent = 0;
-    settings.preservation = 2;
-    settings.whiteMode = 1;
-    settings.limit = 200;
+    settings.intent = KOLINK_INTENT_PERCEPTUAL;
+    settings.preservation = KOLINK_PRESERVE_SECONDARIES;
+    settings.whiteMode = KOLINK_WHITE_NO_INK;
 
     link = jKoCmykCombineIccProfile(&settings);
     if (!link) {

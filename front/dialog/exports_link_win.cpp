@@ -5,8 +5,6 @@
 #include "frame/dialog/template.h"
 #include "front/dialog/device_link_win.h"
 
-static_assert(sizeof(CmsLinkSettings) == 1332);
-
 extern "C" INT_PTR CALLBACK jCmsDeviceLinkDlgProc(HWND dialog, UINT message, WPARAM wParam,
                                                   LPARAM lParam) {
     return ko::front::deviceLinkMessage(dialog, message, wParam, lParam);

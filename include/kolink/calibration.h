@@ -5,7 +5,7 @@
 #ifndef KOLINK_CALIBRATION_H
 #define KOLINK_CALIBRATION_H
 
-#include "kolink/api.h"
+#include "kolink/tone_curve.h"
 
 #define KOLINK_CALIB_TEXT_SIZE 128
 #define KOLINK_CALIB_NAME_SIZE 32
@@ -35,7 +35,7 @@ typedef struct CalibCurveSet {
     int32_t channelCount;               /* 1..16 */
     int32_t range;                      /* largest x */
     int32_t limit;                      /* largest y */
-    int32_t ctype;                      /* 1: spline, otherwise straight lines */
+    int32_t ctype;                      /* KOLINK_TONE_SPLINE, otherwise straight lines */
     char formatX[KOLINK_CALIB_FORMAT_SIZE]; /* printf formats of x and y in a saved file: one */
     char formatY[KOLINK_CALIB_FORMAT_SIZE]; /* floating-point conversion and nothing else */
     CalibChannel channels[1];

@@ -1,4 +1,6 @@
-/* The printer's CMYK profile: eight editable curves around a 33^4 grid. */
+/* The printer's CMYK profile: eight editable curves around a 33^4 grid. A profile that nobody
+ * changes may be used by several threads; loading, combining and saving may run on any thread, each
+ * on a record of its own. */
 #ifndef KOLINK_CMYK_PROFILE_H
 #define KOLINK_CMYK_PROFILE_H
 
@@ -35,7 +37,8 @@ KOLINK_API int32_t jKoCmykInitProfile(CmykProfile *profile);
 /* Loads a .lut or .amt table (by extension) or an ICC profile with A2B0. Does not initialise
  * first: what the file does not supply stays. An ICC profile that this library wrote also
  * brings name, control points and comment; the comment runs to the end of the description.
- * 16-bit A2B0 tables are sampled on the 0..255 scale. A curve whose table the LUT lacks stays;
+ * 16-bit A2B0 tables are sampled on the 0..255 scale. A curve whose table the LUT lacks stays, one
+ * of a single entry is flat, and a LUT that cannot be evaluated leaves every node its own levels;
  * an 8-bit 33-point grid is copied byte for byte as far as it goes, zeros behind it.
  * Texts are cut to their fields at a whole character.
  *   path  at most 259 bytes
@@ -60,21 +63,32 @@ KOLINK_API void jKoCmykCMYKtoCMYK16(const CmykProfile *profile, int32_t *cmyk);
 KOLINK_API void jKoCmykCMYKtoCMYK16Row(const CmykProfile *profile, const uint8_t *input,
                                        int32_t pixels, uint16_t *output);
 
-/* Makes a profile whose grid holds the whole chain of the settings: paper tint, white, black
- * correction, base profile, conversion, preservation of pure inks. With a source path that ends
- * in .icc this is jKoCmykCombineIccProfile; otherwise a non-empty source is read by the plug-in
- * "LutRead" in the product folder, and the destination is a .dcc file.
+/* Makes a profile whose grid holds the whole chain of the settings. Each node of the grid, that is
+ * each colour that the link will be asked for, goes from the left to the right:
+ *
+ *   whiteMode PAPER   whiteMode NO_INK  blackPath         basePath    sourcePath,    preservation
+ *                                                                     destinationPath
+ *   + paper tint,     no ink at all     pure black        the base    source to      pure inks and
+ *   faded out at  ->  stays so and   -> through the K  -> profile's -> connection -> mixes of two
+ *   limit             is done           curve is done     curves      space to       lose the
+ *                                                         and grid    destination    other inks
+ *
+ * A step whose field is empty or off is left out. With a source path that ends in .icc this is
+ * jKoCmykCombineIccProfile; otherwise a non-empty source is read by the plug-in "LutRead" in the
+ * product folder, and the destination is a .dcc file.
  * Returns a new profile, which the caller releases, or null when a file does not load, the
  * plug-in refuses, or memory is short. */
 KOLINK_API CmykProfile *jKoCmykCombineProfile(const CmsLinkSettings *settings);
 
 /* The same with a pair of ICC profiles, both CMYK, through A2Bn and B2An of the intent. With an
- * empty source or destination path the chain runs without the conversion. A source without
- * wtpt is taken to be relative to D50. */
+ * empty source or destination path the chain runs without the conversion, and the intent is not
+ * looked at. A source without wtpt is taken to be relative to D50. A destination whose connection
+ * space differs from the source's is taken to be the other of Lab and XYZ. */
 KOLINK_API CmykProfile *jKoCmykCombineIccProfile(const CmsLinkSettings *settings);
 
 /* Writes the profile as an ICC device link (A2B0 in 8 bits, 33 points; name, control points and
- * comment in the description) and stores path in the record, also after a failure. A path of
+ * comment in the description; its copyright text is "The owner of the profile holds the
+ * copyright.") and stores path in the record, also after a failure. A path of
  * more than 259 bytes is refused: nothing is written or stored.
  * Returns 1 when written (and when the file could not be created), else 0. */
 KOLINK_API int32_t jKoCmykSaveProfile(CmykProfile *profile, const char *path);

@@ -3,7 +3,8 @@
  *
  * The text form is the line "#begindata", then one line a node of decimal numbers between tabs:
  * input levels, then outputs. The binary form is the record's words, little-endian. Table files
- * are read and written without the file guard. */
+ * are read and written without the file guard. A table that nobody changes may be used by several
+ * threads. */
 #ifndef KOLINK_CMYK_TABLE_H
 #define KOLINK_CMYK_TABLE_H
 

@@ -1,4 +1,5 @@
-/* The colour front end: 8-bit conversions for display and editing. */
+/* The colour front end: 8-bit conversions for display and editing. Conversions may run on several
+ * threads at once, but none while the current links are set up or ended. */
 #ifndef KOLINK_COLOUR_H
 #define KOLINK_COLOUR_H
 
@@ -8,7 +9,7 @@ KOLINK_BEGIN
 
 /* Builds the two current links, RGB to CMYK and CMYK to RGB, from two ICC profiles through the
  * system's colour management, in place of those that were current.
- *   intent  0 to 3, as in CmsLinkSettings
+ *   intent  KOLINK_INTENT_..., all four
  * Returns 1 when both were built; otherwise 0, and no link is current. The current links belong
  * to the process and carry no lock: set up and end while no conversion runs. */
 KOLINK_API int32_t jColorSetupProfile(const char *rgbProfilePath, const char *cmykProfilePath,
@@ -18,14 +19,15 @@ KOLINK_API int32_t jColorSetupProfile(const char *rgbProfilePath, const char *cm
 KOLINK_API void jColorEndProfile(void);
 
 /* Conversions of one colour, channels 0..255 (clamped), through the current links; without them
- * through built-in tables of a coated press.
+ * through built-in tables, which come from a smooth model of a coated press.
  *   CMYK  C << 24 | M << 16 | Y << 8 | K
  *   RGB   R | G << 8 | B << 16 */
 KOLINK_API uint32_t jColorRGBtoCMYK(int32_t r, int32_t g, int32_t b);
 KOLINK_API uint32_t jColorCMYKtoRGB(int32_t c, int32_t m, int32_t y, int32_t k);
 
 /* The amount of grey ink, 0 for white to 255 for black: 255 less 0.299 R + 0.587 G + 0.114 B,
- * truncated; CMYK goes through jColorCMYKtoRGB first. Inputs are clamped to 0..255. */
+ * summed in double from the left and truncated; CMYK goes through jColorCMYKtoRGB first. Inputs
+ * are clamped to 0..255. */
 KOLINK_API int32_t jColorRGBtoGRAY(int32_t r, int32_t g, int32_t b);
 KOLINK_API int32_t jColorCMYKtoGRAY(int32_t c, int32_t m, int32_t y, int32_t k);
 

@@ -1,4 +1,5 @@
-/* Device profiles: a CMYK printer as a host measured it, written as an ICC profile. */
+/* Device profiles: a CMYK printer as a host measured it, written as an ICC profile. A record
+ * belongs to one thread at a time. */
 #ifndef KOLINK_DEVICE_PROFILE_H
 #define KOLINK_DEVICE_PROFILE_H
 
@@ -37,7 +38,8 @@ KOLINK_API int32_t jKoDevsReleaseProfile(DeviceProfile *profile);
 KOLINK_API int32_t jKoDevsInitProfile(DeviceProfile *profile);
 
 /* Writes an ICC printer profile (version 2, CMYK, Lab, 8-bit tables: A2B0 serves A2B1 and A2B2
- * too, B2A1 serves B2A2), and stores path in the record, also after a failure. A description
+ * too, B2A1 serves B2A2; its copyright text is "No copyright, use freely"), and stores path in the
+ * record, also after a failure. A description
  * without terminator ends with its field.
  * Returns 1 when written, also when the file could not be created and when there was no memory
  * for the profile; 0 when memory was short for a tag, profile is null, or path is null or longer

@@ -1,5 +1,5 @@
 /* Colour-space arithmetic, in place. The results are the same to the last bit on every
- * platform: cube roots and cubes are the library's own. */
+ * platform: cube roots and cubes are the library's own. Any thread may call them. */
 #ifndef KOLINK_ICC_COLOUR_H
 #define KOLINK_ICC_COLOUR_H
 

@@ -1,5 +1,5 @@
 /* Reading and writing ICC profile files. Every call takes the system-wide file guard, opens the
- * file, works, closes it and gives the guard back. */
+ * file, works, closes it and gives the guard back. A profile belongs to one thread at a time. */
 #ifndef KOLINK_ICC_FILE_H
 #define KOLINK_ICC_FILE_H
 

@@ -1,5 +1,5 @@
 /* Evaluating a LUT tag. Order: jIccLoadTag, jIccLutSetup, any number of colours, jIccLutClose,
- * jIccRelease. */
+ * jIccRelease. Set-up and closing belong to one thread; between them any may convert. */
 #ifndef KOLINK_ICC_LUT_H
 #define KOLINK_ICC_LUT_H
 

@@ -1,4 +1,5 @@
-/* ICC version 2 profiles in memory: header, tag directory, decoded tag data. */
+/* ICC version 2 profiles in memory: header, tag directory, decoded tag data. A profile belongs to
+ * one thread at a time. */
 #ifndef KOLINK_ICC_PROFILE_H
 #define KOLINK_ICC_PROFILE_H
 
@@ -70,12 +71,15 @@ typedef struct IccLut {
 } IccLut;
 #pragma pack(pop)
 
+/* Flags of jIccCreate. */
+#define KOLINK_ICC_PRINTER 2      /* class 'prtr' with PCS 'Lab ' */
+#define KOLINK_ICC_OTHER_MAKER 16 /* CMM 'ZVQR'; manufacturer, model and creator 'ZEVO' */
+
 KOLINK_BEGIN
 
 /* Makes a tagless profile: CMM 'Lino', version 2.1.0, class 'link', CMYK to CMYK, the local
  * date and time, D50 illuminant, manufacturer and model 'none', swapBytes 1.
- *   flags  bit 2: class 'prtr' with PCS 'Lab '; bit 16: CMM 'ZVQR', manufacturer, model and
- *          creator 'ZEVO'; other bits are ignored
+ *   flags  0 or a sum of KOLINK_ICC_...; other bits are ignored
  * Returns null when memory is short. The caller releases it with jIccRelease. */
 KOLINK_API IccProfile *jIccCreate(uint32_t flags);
 

@@ -1,4 +1,5 @@
-/* Device links: a small grid that converts RGB or CMYK to CMYK or RGB. */
+/* Device links: a small grid that converts RGB or CMYK to CMYK or RGB. A link that nobody changes
+ * may be used by several threads; each may build one of its own. */
 #ifndef KOLINK_LINK_H
 #define KOLINK_LINK_H
 

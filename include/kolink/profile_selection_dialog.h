@@ -2,13 +2,13 @@
 #ifndef KOLINK_PROFILE_SELECTION_DIALOG_H
 #define KOLINK_PROFILE_SELECTION_DIALOG_H
 
-#include "kolink/api.h"
+#include "kolink/link_settings.h"
 
 /* 524 bytes. Paths are empty when nothing is set. */
 typedef struct ProfileSelection {
     char rgbPath[KOLINK_PATH_SIZE];
     char cmykPath[KOLINK_PATH_SIZE];
-    int32_t intent; /* 0 perceptual, 1 relative, 2 saturation, 3 absolute */
+    int32_t intent; /* KOLINK_INTENT_... */
 } ProfileSelection;
 
 #ifdef _WIN32

@@ -1,4 +1,5 @@
-/* Tone curves: control points on 256 input levels and the dense table made from them. */
+/* Tone curves: control points on 256 input levels and the dense table made from them. A curve that
+ * nobody changes may be used by several threads. */
 #ifndef KOLINK_TONE_CURVE_H
 #define KOLINK_TONE_CURVE_H
 
@@ -20,6 +21,10 @@ typedef struct ToneCurve {
     int32_t channelCount;
     int16_t *table; /* channelCount x 512 entries, owned by the record */
 } ToneCurve;
+
+/* How a curve runs between its control points: mode of jKoToneEncodeToneCurve. */
+#define KOLINK_TONE_LINES 0
+#define KOLINK_TONE_SPLINE 1
 
 KOLINK_BEGIN
 
@@ -44,7 +49,7 @@ KOLINK_API int32_t jKoToneGetSplineTone(const TonePoint *points, int32_t count, 
 KOLINK_API int32_t jKoToneGetLinerTone(const TonePoint *points, int32_t count, int32_t x);
 
 /* Rebuilds the 256 values of every channel from its control points.
- *   mode      1 spline, otherwise straight lines
+ *   mode      KOLINK_TONE_SPLINE; any other number: straight lines
  *   maxValue  values are clamped to 0..maxValue (255, or 4080 for conversion; at most 32767)
  * Levels outside the outermost control points get 0. Returns 1 always. */
 KOLINK_API int32_t jKoToneEncodeToneCurve(ToneCurve *curve, int32_t mode, int32_t maxValue);

@@ -1,6 +1,6 @@
 /* Tone curve files: black correction (.bkc), CMYK tone curves (.tnc), DCC settings (.dcc).
  * Every call takes the system-wide file guard. Lines end with LF or CR LF; what goes beyond 255
- * bytes of a line is dropped. */
+ * bytes of a line is dropped. A record belongs to one thread at a time. */
 #ifndef KOLINK_TONE_FILE_H
 #define KOLINK_TONE_FILE_H
 

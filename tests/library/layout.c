@@ -17,6 +17,16 @@ HOLDS(name_fields_hold_64_bytes, KOLINK_NAME_SIZE == 64);
 HOLDS(path_fields_hold_260_bytes, KOLINK_PATH_SIZE == 260);
 HOLDS(comment_fields_hold_500_bytes, KOLINK_COMMENT_SIZE == 500);
 
+/* The numbers behind the names: settings files and hosts in other languages hold them. */
+HOLDS(intents_count_from_0, KOLINK_INTENT_PERCEPTUAL == 0 && KOLINK_INTENT_RELATIVE == 1 &&
+                                KOLINK_INTENT_SATURATION == 2 && KOLINK_INTENT_ABSOLUTE == 3);
+HOLDS(preservations_count_from_0, KOLINK_PRESERVE_NONE == 0 && KOLINK_PRESERVE_PRIMARIES == 1 &&
+                                      KOLINK_PRESERVE_SECONDARIES == 2);
+HOLDS(white_modes_count_from_0, KOLINK_WHITE_CONVERTED == 0 && KOLINK_WHITE_NO_INK == 1 &&
+                                    KOLINK_WHITE_PAPER == 2);
+HOLDS(profile_flags_are_bits, KOLINK_ICC_PRINTER == 2 && KOLINK_ICC_OTHER_MAKER == 16);
+HOLDS(curve_modes_count_from_0, KOLINK_TONE_LINES == 0 && KOLINK_TONE_SPLINE == 1);
+
 SIZE(IccHeader, 128, 128);
 FIELD(IccHeader, profileSize, 0, 0);
 FIELD(IccHeader, cmmType, 4, 4);
