@@ -4,12 +4,13 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/KoLink)
-install(TARGETS kolink EXPORT KoLinkTargets
+install(TARGETS kolink kolink_precise EXPORT KoLinkTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 if(WIN32)  # for compilers that make their own import library
-    install(FILES ${PROJECT_BINARY_DIR}/KoLink.def DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(FILES ${PROJECT_BINARY_DIR}/KoLink.def ${PROJECT_BINARY_DIR}/KoLinkPrecise.def
+            DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT KoLinkTargets NAMESPACE KoLink:: DESTINATION ${package})
@@ -23,7 +24,9 @@ get_target_property(KO_LIBRARY_NAME kolink OUTPUT_NAME)
 file(RELATIVE_PATH KO_PREFIX_FROM_PKGCONFIG /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 string(REGEX REPLACE "/$" "" KO_PREFIX_FROM_PKGCONFIG ${KO_PREFIX_FROM_PKGCONFIG})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kolink.pc.in kolink.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kolink.pc
+get_target_property(KO_LIBRARY_NAME kolink_precise OUTPUT_NAME)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/kolink.pc.in kolink-precise.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kolink.pc ${CMAKE_CURRENT_BINARY_DIR}/kolink-precise.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(TARGET kolink_tool)

@@ -3,6 +3,7 @@
 #include "cmyk/description.h"
 
 #include <algorithm>
+#include <span>
 
 #include "cmyk/cmyk.h"
 #include "frame/text.h"
@@ -18,10 +19,21 @@ constexpr std::string_view kInputFlags = "CTRL:";
 constexpr std::string_view kOutputFlags = "CTL2:";
 constexpr size_t kValueStart = kName.size() + 1;  // one blank after the colon
 
-void appendFlags(std::string& text, std::string_view keyword, const uint8_t (&flags)[kCurvePoints]) {
+void appendFlags(std::string& text, std::string_view keyword, std::span<const uint8_t> flags) {
     text.append(keyword).append(" ");
     for (const uint8_t flag : flags) text.append(std::to_string(flag));
     text.append("\n");
+}
+
+template <class FlagsOf>
+std::string build(std::string_view name, std::string_view comment, FlagsOf&& flagsOf) {
+    std::string text;
+    text.reserve(1536);
+    text.append(kMarker).append("\n");
+    text.append(kName).append(" ").append(name).append("\n");
+    for (int32_t curve = 0; curve < kCurves; ++curve)
+        appendFlags(text, curve < 4 ? kInputFlags : kOutputFlags, flagsOf(curve));
+    return text.append(comment);
 }
 
 // Every digit but 0 marks a point. The text's terminator is read as a flag too, so a short line
@@ -35,13 +47,14 @@ void readFlags(uint8_t (&flags)[kCurvePoints], std::string_view digits) noexcept
 }  // namespace
 
 std::string buildDescription(const CmykProfile& profile) {
-    std::string text;
-    text.reserve(1536);
-    text.append(kMarker).append("\n");
-    text.append(kName).append(" ").append(textIn(profile.name)).append("\n");
-    for (int32_t curve = 0; curve < kCurves; ++curve)
-        appendFlags(text, curve < 4 ? kInputFlags : kOutputFlags, profile.curveFlags[curve]);
-    return text.append(textIn(profile.comment));
+    return build(textIn(profile.name), textIn(profile.comment),
+                 [&](int32_t curve) { return std::span(profile.curveFlags[curve]); });
+}
+
+std::string buildDescription(std::string_view name, std::string_view comment) {
+    uint8_t ends[kCurvePoints] = {};
+    ends[0] = ends[kCurvePoints - 1] = 1;
+    return build(name, comment, [&](int32_t) { return std::span<const uint8_t>(ends); });
 }
 
 void applyDescription(CmykProfile& profile, std::string_view text) noexcept {

@@ -10,6 +10,8 @@ namespace ko::cmyk {
 
 // Marker, name, control points of the eight curves and comment, one line each.
 std::string buildDescription(const CmykProfile& profile);
+// The same for a profile whose curves are identities with both ends as control points.
+std::string buildDescription(std::string_view name, std::string_view comment);
 
 // Takes name, control points and comment from a description that begins with a known marker;
 // any other description changes nothing.

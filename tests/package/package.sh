@@ -26,11 +26,13 @@ holds() {
     for file in "$@"; do [ -e "$prefix/$file" ] || { echo "$file is missing"; return 1; }; done
 }
 own_places() { ! grep -rlF -e "$top" -e "$scratch" "$prefix/lib/cmake" "$prefix/lib/pkgconfig"; }
-files=(include/kolink.h include/kolink/api.h lib/cmake/KoLink/KoLinkConfig.cmake lib/pkgconfig/kolink.pc)
+files=(include/kolink.h include/kolink/api.h lib/cmake/KoLink/KoLinkConfig.cmake lib/pkgconfig/kolink.pc
+       lib/pkgconfig/kolink-precise.pc)
 if [ "$target" = linux ]; then
-    files+=(lib/libkolink.so lib/libkolink.so.1 bin/kolink)
+    files+=(lib/libkolink.so lib/libkolink.so.1 bin/kolink lib/libkolink-precise.so.1)
 else
-    files+=(bin/KoLink.dll lib/libKoLink.dll.a lib/KoLink.def bin/kolink.exe)
+    files+=(bin/KoLink.dll lib/libKoLink.dll.a lib/KoLink.def bin/kolink.exe
+            bin/KoLinkPrecise.dll lib/libKoLinkPrecise.dll.a lib/KoLinkPrecise.def)
 fi
 check "$target: library, headers, package files and tool are in place" holds "${files[@]}"
 check "$target: the package files name no place of this machine" own_places

@@ -1,0 +1,517 @@
+// Makes the table of a link, node by node.
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "precise/link.h"
+#include "precise/solve.h"
+#include "precise/transform.h"
+
+namespace ko::precise {
+namespace {
+
+constexpr uint32_t kCmyk = fourcc("CMYK"), kRgb = fourcc("RGB "), kGray = fourcc("GRAY");
+
+constexpr int32_t kNoPart = 0, kSourcePart = 1, kDestinationPart = 2, kBasePart = 3;
+
+// Near pure black the colour that is looked for moves to what pure black alone gives, so that a
+// tint of colour in it does not ring; from this share of colour on it is the source's own.
+constexpr double kNearBlack = 0.12;
+// Black's curve leaves the source's look here, for its top to be full black.
+constexpr double kBlackTop = 0.94;
+// Outside the gamut the projection gives way to the inverse table over these units.
+constexpr double kBorder = 6;
+
+double smooth(double x) noexcept {  // 0..1 with level ends
+    const double t = std::clamp(x, 0.0, 1.0);
+    return t * t * (3 - 2 * t);
+}
+
+Triple three(const Colour& colour) noexcept { return {colour[0], colour[1], colour[2]}; }
+
+double sumOf(const Colour& inks) noexcept { return inks[0] + inks[1] + inks[2] + inks[3]; }
+
+// K of the destination for K of the source, between samples linearly.
+class BlackCurve {
+public:
+    static constexpr int kLast = 255;
+    std::array<double, kLast + 1> values{};
+    double at(double k) const noexcept {
+        const double position = std::clamp(k, 0.0, 1.0) * kLast;
+        const int index = std::min(static_cast<int>(position), kLast - 1);
+        const auto low = static_cast<size_t>(index);
+        return values[low] + (position - index) * (values[low + 1] - values[low]);
+    }
+};
+
+// K that prints a lightness alone; full black where even that is lighter.
+double blackForLightness(const Evaluator& forward, double lightness) noexcept {
+    double low = 0, high = 1;
+    if (forward.at({0, 0, 0, 1})[0] >= lightness) return 1;
+    for (int round = 0; round < 40; ++round) {
+        const double middle = (low + high) / 2;
+        (forward.at({0, 0, 0, middle})[0] > lightness ? low : high) = middle;
+    }
+    return (low + high) / 2;
+}
+
+class LinkMaker {
+public:
+    LinkMaker(const Profile& source, const Profile& destination, const Profile* base,
+              const LinkOptions& options)
+        : source_(source), destination_(destination), baseProfile_(base), o_(options) {}
+
+    std::unique_ptr<Link> make(Problem& problem, int32_t& part) {
+        part = kNoPart;
+        if (!check(problem) || !prepare(problem, part)) return nullptr;
+        link_->table.resize(nodeCount() * static_cast<size_t>(link_->outputs * link_->bits / 8));
+        for (const Profile* profile : {&source_, &destination_}) {
+            const ProfileHeader& header = profile->header();
+            link_->origins.push_back({header.manufacturer, header.model, header.attributes,
+                                      profile->description(), profileId(profile->bytes())});
+        }
+        makeNodes();
+        link_->report.nodes = nodeCount();
+        link_->report.meanInk /= static_cast<double>(nodeCount());
+        link_->report.tablesInk /= static_cast<double>(nodeCount());
+        return std::move(link_);
+    }
+
+private:
+    bool toCmyk() const noexcept { return destination_.header().space == kCmyk; }
+    bool fromCmyk() const noexcept { return source_.header().space == kCmyk; }
+    size_t nodeCount() const noexcept {
+        size_t count = 1;
+        for (int axis = 0; axis < link_->inputs; ++axis)
+            count *= static_cast<size_t>(link_->gridPoints);
+        return count;
+    }
+
+    bool check(Problem& problem) {
+        const auto refuse = [&](const char* sentence) {
+            problem.set(Trouble::argument, sentence);
+            return false;
+        };
+        const int most = fromCmyk() ? 33 : 65;
+        const int points = o_.gridPoints == 0 ? 33 : o_.gridPoints;
+        if (points < 9 || points > most)
+            return refuse(fromCmyk() ? "a grid from CMYK has 9 to 33 points an axis"
+                                     : "a grid has 9 to 65 points an axis");
+        if (o_.bits != 8 && o_.bits != 16) return refuse("a link has 8 or 16 bits");
+        if (o_.nodes == Nodes::library && points != 33)
+            return refuse("nodes for the library stand on a grid of 33 points");
+        if (!(o_.clip >= 0 && o_.clip <= 10)) return refuse("the clip is not 0 to 10 percent");
+        if (!(o_.saveInk >= 0 && o_.saveInk <= 100))
+            return refuse("the ink saving is not 0 to 100 percent");
+        if (o_.inkLimit != kLimitOfProfile && o_.inkLimit != kNoLimit) {
+            if (!(o_.inkLimit <= 400)) return refuse("the ink limit is not at most 400 percent");
+            if (!(o_.inkLimit >= 100)) return refuse("the ink limit is below what black needs, 100 percent");
+        }
+        if (!toCmyk() && (o_.saveInk > 0 || o_.preserve != Preserve::none || o_.inkLimit > 0))
+            return refuse("inks are preserved, saved and limited in links to CMYK only");
+        link_ = std::make_unique<Link>();
+        link_->gridPoints = points;
+        return true;
+    }
+
+    bool prepare(Problem& problem, int32_t& part) {
+        Link& link = *link_;
+        link.options = o_;
+        link.bits = o_.bits;
+        link.nodes = o_.nodes;
+        link.intent = o_.intent;
+        link.inputs = source_.channels();
+        link.outputs = destination_.channels();
+        link.sourceSpace = source_.header().space;
+        link.destinationSpace = destination_.header().space;
+
+        const auto refuse = [&](int32_t where, Trouble trouble, std::string sentence) {
+            part = where;
+            problem.set(trouble, std::move(sentence));
+            return false;
+        };
+        const uint32_t from = link.sourceSpace, to = link.destinationSpace;
+        if (source_.isLink()) return refuse(kSourcePart, Trouble::unsupported, "is a device link");
+        if (destination_.isLink())
+            return refuse(kDestinationPart, Trouble::unsupported, "is a device link");
+        if (from != kCmyk && from != kRgb && from != kGray)
+            return refuse(kSourcePart, Trouble::unsupported,
+                          "is a profile for " + signatureText(from) +
+                              " where CMYK, RGB or grey is needed");
+        if (to != kCmyk && to != kRgb)
+            return refuse(kDestinationPart, Trouble::unsupported,
+                          "is a profile for " + signatureText(to) + " where CMYK or RGB is needed");
+        if (baseProfile_) {
+            const ProfileHeader& base = baseProfile_->header();
+            if (from != kCmyk || !baseProfile_->isLink() || base.space != kCmyk ||
+                base.connection != kCmyk)
+                return refuse(kBasePart, Trouble::unsupported,
+                              "is not a device link from CMYK to CMYK, before a CMYK source");
+            auto pipeline = baseProfile_->toConnection(Intent::perceptual, problem);
+            part = kBasePart;
+            if (!pipeline) return false;
+            base_.emplace(std::move(*pipeline));
+        }
+
+        part = kSourcePart;
+        auto seen = source_.toConnection(o_.intent, problem);
+        if (!seen) return false;
+        const Bridge bridge = bridgeBetween(source_, destination_, o_.intent, o_.compensateBlack);
+        bridge.addTo(*seen, source_.connectsInLab(), true);
+        wanted_.emplace(std::move(*seen));
+
+        part = kDestinationPart;
+        // Absolute colours are looked for relative to the destination's white, which the bridge
+        // has seen to.
+        auto back = destination_.fromConnection(o_.intent, problem);
+        if (!back) return false;
+        Pipeline inverse;
+        Bridge().addTo(inverse, true, destination_.connectsInLab());
+        inverse.inputs = 3;
+        inverse.outputs = back->outputs;
+        for (Stage& stage : back->stages) inverse.add(std::move(stage));
+        inverse_.emplace(std::move(inverse));
+
+        const bool colorimetric = o_.intent == Intent::relative || o_.intent == Intent::absolute;
+        const bool tablesBothWays = destination_.hasTable(Intent::perceptual, true) ||
+                                    destination_.hasTable(Intent::relative, true);
+        if (toCmyk() && tablesBothWays) {
+            auto forward = makeToLab(destination_, Intent::relative, problem);
+            if (!forward) return false;
+            forward_.emplace(std::move(*forward));
+        }
+        inverted_ = o_.method == Method::inverted && colorimetric && forward_;
+        link.report.inverted = inverted_;
+        part = kNoPart;
+
+        black_ = o_.black;
+        if (black_ == Black::automatic)
+            black_ = fromCmyk() && toCmyk() && forward_ ? Black::plane : Black::none;
+        if (!toCmyk() || !forward_) {
+            if (black_ == Black::plane || black_ == Black::match)
+                return refuse(kDestinationPart, Trouble::tables,
+                              toCmyk() ? "lacks the table A2B1, without which its black is unknown"
+                                       : "has no black ink");
+        }
+        if (!fromCmyk() && (black_ == Black::plane || black_ == Black::match ||
+                            black_ == Black::curve))
+            return refuse(kSourcePart, Trouble::argument, "has no black ink whose levels could be kept");
+        // Where tables alone are asked for, black's plane cannot be solved for.
+        if (black_ == Black::plane && !inverted_) black_ = Black::match;
+        link.report.black = black_;
+
+        limit_ = 4;
+        if (toCmyk()) {
+            if (o_.inkLimit == kLimitOfProfile) limit_ = totalOfTables(destination_, o_.intent);
+            else if (o_.inkLimit > 0) limit_ = o_.inkLimit / 100;
+        }
+        limit_ = std::max(limit_, 1.0);
+        link.report.inkLimit = limit_;
+        if (fromCmyk() && toCmyk()) prepareBlack();
+        return true;
+    }
+
+    void prepareBlack() {
+        for (size_t at = 0; at < curve_.values.size(); ++at) {
+            const double k = static_cast<double>(at) / BlackCurve::kLast;
+            blackLab_[at] = three(wanted_->at({0, 0, 0, k}));
+            double value = k;
+            if (black_ == Black::curve) value = o_.blackCurve[at] / 255.0;
+            if (black_ == Black::plane || black_ == Black::match)
+                value = at == 0 ? 0 : blackForLightness(*forward_, blackLab_[at][0]);
+            curve_.values[at] = value;
+        }
+        if (black_ != Black::plane && black_ != Black::match) return;
+        // Full black stays full: the top of the curve bends there.
+        const double top = curve_.values.back();
+        for (size_t at = 0; at < curve_.values.size(); ++at) {
+            const double k = static_cast<double>(at) / BlackCurve::kLast;
+            if (k > kBlackTop) curve_.values[at] += (1 - top) * smooth((k - kBlackTop) / (1 - kBlackTop));
+            if (at > 0) curve_.values[at] = std::clamp(curve_.values[at], curve_.values[at - 1], 1.0);
+        }
+        for (size_t at = 0; at < curve_.values.size(); ++at)
+            blackShift_[at] = labDifference(three(forward_->at({0, 0, 0, curve_.values[at]})),
+                                            blackLab_[at]);
+    }
+    static Triple labDifference(const Triple& a, const Triple& b) noexcept {
+        return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+    }
+    Triple blackShift(double k) const noexcept {
+        const double position = std::clamp(k, 0.0, 1.0) * BlackCurve::kLast;
+        const int index = std::min(static_cast<int>(position), BlackCurve::kLast - 1);
+        const double rest = position - index;
+        const Triple &a = blackShift_[static_cast<size_t>(index)],
+                     &b = blackShift_[static_cast<size_t>(index) + 1];
+        return {a[0] + rest * (b[0] - a[0]), a[1] + rest * (b[1] - a[1]),
+                a[2] + rest * (b[2] - a[2])};
+    }
+
+    void makeNodes() {
+        const int n = link_->gridPoints;
+        std::array<int, kMostChannels> node{};
+        const int inputs = link_->inputs;
+        if (inputs < 4) {
+            const size_t count = nodeCount();
+            for (size_t at = 0; at < count; ++at) {
+                size_t rest = at;
+                for (int axis = inputs - 1; axis >= 0; --axis) {
+                    node[static_cast<size_t>(axis)] = static_cast<int>(rest % static_cast<size_t>(n));
+                    rest /= static_cast<size_t>(n);
+                }
+                trail_ = 0;
+                store(at, makeNode(node));
+            }
+            return;
+        }
+        // Along Y, so that a node's neighbours before it say where its inks will be.
+        for (node[0] = 0; node[0] < n; ++node[0])
+            for (node[1] = 0; node[1] < n; ++node[1])
+                for (node[3] = 0; node[3] < n; ++node[3]) {
+                    trail_ = 0;
+                    for (node[2] = 0; node[2] < n; ++node[2]) {
+                        const auto at = static_cast<size_t>(
+                            ((node[0] * n + node[1]) * n + node[2]) * n + node[3]);
+                        store(at, makeNode(node));
+                    }
+                }
+    }
+
+    // The bounds that inks which stay alone put on the others; false when every ink may be there.
+    bool keptAlone(const Colour& inks, Colour& high) const noexcept {
+        if (o_.preserve == Preserve::none) return false;
+        int colours = 0;
+        for (size_t i = 0; i < 3; ++i) colours += inks[i] > 0;
+        const bool black = inks[3] > 0;
+        const auto level = static_cast<int>(o_.preserve);
+        const int needed = !black ? (colours == 1 ? 1 : 2) : (colours == 1 ? 3 : 4);
+        if (colours == 0 || colours == 3 || needed > level) return false;
+        for (size_t i = 0; i < 4; ++i) high[i] = inks[i] > 0 ? 1 : 0;
+        return true;
+    }
+
+    Colour makeNode(const std::array<int, kMostChannels>& node) noexcept {
+        Colour in{};
+        for (int axis = 0; axis < link_->inputs; ++axis)
+            in[static_cast<size_t>(axis)] = link_->level(node[static_cast<size_t>(axis)]);
+        const Colour original = in;
+        if (fromCmyk() && o_.white == White::paper) addTint(in);
+        const bool noColour = in[0] == 0 && in[1] == 0 && in[2] == 0;
+        if (toCmyk() && o_.white == White::clean && isWhite(in)) {
+            ++link_->report.reached;
+            return {};
+        }
+        if (fromCmyk() && toCmyk() && noColour && black_ != Black::none) {
+            ++link_->report.reached;
+            return {0, 0, 0, curve_.at(in[3])};
+        }
+        if (base_) {
+            in = base_->at(in);
+            for (double& ink : in) ink = std::clamp(ink, 0.0, 1.0);
+        }
+        const Triple lab = three(wanted_->at(in));
+        if (!toCmyk()) {
+            Colour out = inverse_->at({lab[0], lab[1], lab[2], 0});
+            for (double& value : out) value = std::clamp(value, 0.0, 1.0);
+            return out;
+        }
+        if (!fromCmyk() && black_ == Black::keep && isNeutral(in) && forward_)
+            return {0, 0, 0, blackForLightness(*forward_, lab[0])};
+
+        Colour inks = original;
+        if (!fromCmyk()) inks = complement(original);
+        Colour high = {1, 1, 1, 1};
+        const bool alone = keptAlone(inks, high);
+        Colour out = black_ == Black::plane ? onPlane(lab, in, high, alone)
+                                            : byTables(lab, high, alone);
+        for (size_t i = 0; i < 4; ++i) out[i] = std::clamp(out[i], 0.0, high[i]);
+        return out;
+    }
+
+    void addTint(Colour& in) const noexcept {
+        const double coverage = sumOf(in);
+        if (!(coverage < o_.paperFade)) return;
+        for (size_t i = 0; i < 4; ++i)
+            in[i] = std::clamp(in[i] + o_.paper[i] * (o_.paperFade - coverage) / o_.paperFade, 0.0, 1.0);
+    }
+    bool isWhite(const Colour& in) const noexcept {
+        const double white = fromCmyk() ? 0 : 1;
+        for (int axis = 0; axis < link_->inputs; ++axis)
+            if (in[static_cast<size_t>(axis)] != white) return false;
+        return true;
+    }
+    bool isNeutral(const Colour& in) const noexcept {
+        return link_->inputs == 1 || (in[0] == in[1] && in[1] == in[2]);
+    }
+    static Colour complement(const Colour& in) noexcept {
+        return {1 - in[0], 1 - in[1], 1 - in[2], 0};
+    }
+
+    // K from the source through the curve of pure black.
+    Colour onPlane(Triple lab, const Colour& in, const Colour& high, bool alone) noexcept {
+        const double colour = std::max({in[0], in[1], in[2]});
+        if (colour < kNearBlack) {
+            const double share = 1 - colour / kNearBlack;
+            const Triple shift = blackShift(in[3]);
+            for (size_t i = 0; i < 3; ++i) lab[i] += share * share * shift[i];
+        }
+        const double black = curve_.at(in[3]);
+        Colour start = expected(in);
+        start[3] = black;
+        if (!alone && o_.saveInk == 0) {
+            if (const auto inside = solveInside(*forward_, lab, start);
+                inside && sumOf(*inside) <= limit_) {
+                ++link_->report.reached;
+                follow(*inside);
+                return *inside;
+            }
+        }
+        Wish wish;
+        wish.lab = lab;
+        wish.start = start;
+        wish.reference = in;
+        wish.high = high;
+        wish.black = std::min(black, high[3]);
+        wish.total = limit_;
+        const Answer answer = solve(*forward_, wish);
+        if (answer.distance < 1) ++link_->report.reached;
+        if (std::abs(answer.inks[3] - black) > 0.004) ++link_->report.movedBlack;
+        if (sumOf(answer.inks) > limit_ - 1e-6) ++link_->report.limited;
+        follow(answer.inks);
+        return answer.inks;
+    }
+
+    // K from the destination's inverse table.
+    Colour byTables(const Triple& lab, const Colour& high, bool alone) noexcept {
+        Colour table = inverse_->at({lab[0], lab[1], lab[2], 0});
+        for (double& ink : table) ink = std::clamp(ink, 0.0, 1.0);
+        link_->report.tablesInk += sumOf(table);
+        if (!inverted_) {
+            ++link_->report.reached;
+            return table;
+        }
+        if (!alone) {
+            if (const auto inside = solveInside(*forward_, lab, table);
+                inside && sumOf(*inside) <= limit_) {
+                ++link_->report.reached;
+                return *inside;
+            }
+        }
+        Wish wish;
+        wish.lab = lab;
+        wish.start = table;
+        wish.reference = table;
+        wish.high = high;
+        wish.black = std::min(table[3], high[3]);
+        wish.blackWeight = 400;
+        wish.total = limit_;
+        const Answer answer = solve(*forward_, wish);
+        if (answer.distance < 1) ++link_->report.reached;
+        if (sumOf(answer.inks) > limit_ - 1e-6) ++link_->report.limited;
+        if (alone) return answer.inks;
+        const double weight = smooth(answer.distance / kBorder);
+        Colour out;
+        for (size_t i = 0; i < 4; ++i)
+            out[i] = answer.inks[i] + weight * (table[i] - answer.inks[i]);
+        return out;
+    }
+
+    // Where the two solutions before this one lead to.
+    Colour expected(const Colour& in) const noexcept {
+        if (trail_ == 0) return in;
+        Colour start = last_;
+        if (trail_ > 1)
+            for (size_t i = 0; i < 3; ++i)
+                start[i] = std::clamp(2 * last_[i] - before_[i], 0.0, 1.0);
+        return start;
+    }
+    void follow(const Colour& inks) noexcept {
+        before_ = last_;
+        last_ = inks;
+        ++trail_;
+    }
+
+    void store(size_t node, const Colour& out) noexcept {
+        Link& link = *link_;
+        const auto outputs = static_cast<size_t>(link.outputs);
+        const int top = link.bits == 8 ? 255 : 65535;
+        std::array<int, kMostChannels> levels{};
+        int sum = 0;
+        for (size_t ch = 0; ch < outputs; ++ch) {
+            double value = out[ch];
+            if (toCmyk() && o_.clip > 0) {
+                if (value < o_.clip / 100) value = 0;
+                if (value > 1 - 2 * o_.clip / 100) value = 1;
+            }
+            levels[ch] = static_cast<int>(value * top + 0.5);
+            sum += levels[ch];
+        }
+        if (toCmyk()) {
+            // Rounding may pass the limit by a level or two; the strongest colour gives way.
+            const int most = static_cast<int>(limit_ * top + 1e-9);
+            while (sum > most) {
+                size_t strongest = 0;
+                for (size_t ch = 1; ch < 3; ++ch)
+                    if (levels[ch] > levels[strongest]) strongest = ch;
+                if (levels[strongest] == 0) strongest = 3;
+                const int less = std::min(levels[strongest], std::max(1, (sum - most) / 4));
+                levels[strongest] -= less;
+                sum -= less;
+            }
+            link.report.meanInk += static_cast<double>(sum) / top;
+        }
+        uint8_t* to = &link.table[node * outputs * static_cast<size_t>(link.bits / 8)];
+        for (size_t ch = 0; ch < outputs; ++ch) {
+            if (link.bits == 16) *to++ = static_cast<uint8_t>(levels[ch] >> 8);
+            *to++ = static_cast<uint8_t>(levels[ch]);
+        }
+    }
+
+    const Profile& source_;
+    const Profile& destination_;
+    const Profile* baseProfile_;
+    const LinkOptions& o_;
+    std::unique_ptr<Link> link_;
+    std::optional<Evaluator> wanted_, inverse_, forward_, base_;
+    bool inverted_ = false;
+    Black black_ = Black::none;
+    double limit_ = 4;
+    BlackCurve curve_;
+    std::array<Triple, BlackCurve::kLast + 1> blackLab_{}, blackShift_{};
+    Colour last_{}, before_{};
+    int trail_ = 0;
+};
+
+}  // namespace
+
+double totalOfTables(const Profile& profile, Intent intent) {
+    Problem ignored;
+    const auto pipeline = profile.fromConnection(intent, ignored);
+    if (!pipeline || profile.header().space != kCmyk) return 4;
+    const Grid* grid = nullptr;
+    std::vector<const Stage*> after;
+    for (const Stage& stage : pipeline->stages) {
+        if (grid) after.push_back(&stage);
+        if (stage.step == Step::grid) grid = &stage.grid;
+    }
+    if (!grid) return 4;
+    double most = 0;
+    for (size_t node = 0; node < grid->nodeCount(); ++node) {
+        double sum = 0;
+        for (size_t ch = 0; ch < 4; ++ch) {
+            double value = grid->nodes[node * 4 + ch] * grid->scale;
+            for (const Stage* stage : after)
+                if (stage->step == Step::curves) value = stage->curves[ch].at(value);
+            sum += std::clamp(value, 0.0, 1.0);
+        }
+        most = std::max(most, sum);
+    }
+    return most;
+}
+
+std::unique_ptr<Link> makeLink(const Profile& source, const Profile& destination,
+                               const Profile* base, const LinkOptions& options, Problem& problem,
+                               int32_t& part) {
+    return LinkMaker(source, destination, base, options).make(problem, part);
+}
+
+}  // namespace ko::precise
