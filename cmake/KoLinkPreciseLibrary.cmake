@@ -8,7 +8,6 @@ add_library(kolink_precise SHARED precise/exports.cpp frame/memory.cpp)
 ko_carry_tables(kolink_precise)
 add_library(KoLink::KoLinkPrecise ALIAS kolink_precise)
 set_target_properties(kolink_precise PROPERTIES EXPORT_NAME KoLinkPrecise)
-target_compile_definitions(kolink_precise PRIVATE KOLINK_VERSION="${PROJECT_VERSION}")
 target_link_libraries(kolink_precise PRIVATE ko_precise ko_warnings)
 target_include_directories(kolink_precise INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
