@@ -38,7 +38,10 @@ float clampedTone(float y, float limit) noexcept {
 }  // namespace
 
 Block<CalibCurveSet> createCurve(int32_t channelCount, int32_t range, int32_t limit) {
-    if (channelCount < 1 || channelCount > KOLINK_CALIB_MAX_CHANNELS) return nullptr;
+    if (channelCount < 1 || channelCount > KOLINK_CALIB_MAX_CHANNELS) {
+        platform::setLastError(platform::Cause::wrongArgument);
+        return nullptr;
+    }
     const size_t size = setSize(static_cast<size_t>(channelCount));
     auto set = allocateBlock<CalibCurveSet>(size);
     if (!set) return nullptr;

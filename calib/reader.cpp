@@ -8,6 +8,7 @@
 #include "calib/calib.h"
 #include "calib/keys.h"
 #include "calib/number_format.h"
+#include "frame/file.h"
 #include "frame/scan.h"
 #include "frame/settings.h"
 #include "frame/text.h"
@@ -56,6 +57,10 @@ struct Sizes {
 Block<CalibCurveSet> emptySet(const Sizes& sizes, const char* path) {
     const int32_t range = sizes.range != 0 ? sizes.range : 255;
     const int32_t limit = sizes.limit != 0 ? sizes.limit : range;
+    if (sizes.channelCount < 1 || sizes.channelCount > KOLINK_CALIB_MAX_CHANNELS) {
+        platform::setLastError(platform::Cause::damaged);
+        return nullptr;
+    }
     auto set = createCurve(sizes.channelCount, range, limit);
     if (!set || !copyPath(set->path, path)) return nullptr;
     for (CalibChannel& channel : channelsOf(*set)) {
@@ -77,16 +82,14 @@ Scanner valueFrom(const char* line, size_t start, std::string_view separators) n
     return value;
 }
 
-// Calls read with every line that is not empty, from the start of the file, cut at its first ';'.
+// Calls read with every line that is not empty, cut at its first ';'.
 template <class Read>
-bool readLines(File& file, Read&& read) {
-    if (!file.seek(0)) return false;
-    LineReader lines(file);
+void readLines(std::string_view text, Read&& read) {
+    LineReader lines(text);
     for (char line[kLineSize]; jFilesGets(lines, line);) {
         if (char* semicolon = std::strchr(line, ';')) *semicolon = '\0';
         if (line[0] != '\0') read(line);
     }
-    return true;
 }
 
 void readSizes(const char* line, Sizes& sizes) noexcept {
@@ -119,24 +122,26 @@ void readPlainLine(const char* line, CalibCurveSet& set) noexcept {
         readChannelLine(line, set);
 }
 
-Block<CalibCurveSet> loadPlainCurve(File& file, const char* path) {
+Block<CalibCurveSet> loadPlainCurve(std::string_view text, const char* path) {
     Sizes sizes;
-    if (!readLines(file, [&](const char* line) { readSizes(line, sizes); })) return nullptr;
+    readLines(text, [&](const char* line) { readSizes(line, sizes); });
     auto set = emptySet(sizes, path);
-    if (!set) return nullptr;
-    if (!readLines(file, [&](const char* line) { readPlainLine(line, *set); })) return nullptr;
+    if (set) readLines(text, [&](const char* line) { readPlainLine(line, *set); });
     return set;
 }
 
 // The keyed form.
 class KeyedReader {
 public:
-    explicit KeyedReader(const RegsHandle& file) noexcept : file_(file) {}
+    explicit KeyedReader(SettingsFile& file) noexcept : file_(file) {}
 
-    void select(const std::string& directory) { jRegsOpenDirectory(file_, directory); }
+    void select(const std::string& directory) { file_.select(directory); }
     // The value of a key in the selected directory; null when it is not there.
     const char* find(std::string_view key) noexcept {
-        return jRegsGetKey(file_, key, value_) ? value_ : nullptr;
+        const std::string* const value = file_.value(key);
+        if (!value) return nullptr;
+        copyText(value_, *value);
+        return value_;
     }
     int32_t integer(std::string_view key, int32_t absent) noexcept {
         const char* text = find(key);
@@ -150,7 +155,7 @@ public:
     }
 
 private:
-    const RegsHandle& file_;
+    SettingsFile& file_;
     char value_[512];
 };
 
@@ -176,12 +181,10 @@ void readChannel(KeyedReader& keys, CalibChannel& channel) {
         if (const char* text = keys.find(toneKey(index))) insertTone(channel, toneIn(Scanner(text)));
 }
 
-}  // namespace
-
-Block<CalibCurveSet> CalibLoadKeyedCurve(const char* path) {
-    const RegsHandle file = jRegsOpen(path);
+Block<CalibCurveSet> loadKeyedCurve(std::string_view text, const char* path) {
+    auto file = SettingsFile::fromText(path, text);
     if (!file) return nullptr;
-    KeyedReader keys(file);
+    KeyedReader keys(*file);
     keys.select(kSetDirectory);
     const Sizes sizes{keys.integer("CHANNEL", 0), keys.integer("RANGE", 0), keys.integer("LIMIT", 0)};
     auto set = emptySet(sizes, path);
@@ -199,19 +202,20 @@ Block<CalibCurveSet> CalibLoadKeyedCurve(const char* path) {
     return set;
 }
 
+}  // namespace
+
+Block<CalibCurveSet> CalibLoadKeyedCurve(const char* path) {
+    const FileReading reading = readWhole(path, kSettingsFiles);
+    return reading ? loadKeyedCurve(reading.file.text(), path) : nullptr;
+}
+
 Block<CalibCurveSet> loadCurve(const char* path) {
-    bool keyed = false;
-    {
-        File file = File::openForReading(path, Sharing::reading);
-        if (!file) return nullptr;
-        LineReader lines(file);
-        char line[kLineSize];
-        // Editors that save in UTF-8 may put their mark in front.
-        keyed = jFilesGets(lines, line) &&
-                (line[0] == '<' || std::string_view(line).starts_with("\xef\xbb\xbf<"));
-        if (!keyed) return loadPlainCurve(file, path);
-    }
-    return CalibLoadKeyedCurve(path);
+    const FileReading reading = readWhole(path, kCalibrationFiles);
+    if (!reading) return nullptr;
+    const std::string_view text = reading.file.text();
+    // Editors that save in UTF-8 may put their mark in front.
+    const bool keyed = text.starts_with('<') || text.starts_with("\xef\xbb\xbf<");
+    return keyed ? loadKeyedCurve(text, path) : loadPlainCurve(text, path);
 }
 
 }  // namespace ko::calib

@@ -41,7 +41,8 @@ void writeChannel(const RegsHandle& file, const CalibChannel& channel, const Num
 
 bool saveCurve(CalibCurveSet& set, const char* path) {
     if (path && *path && !copyPath(set.path, path)) return false;
-    if (textIn(set.path).size() == std::size(set.path)) return false;  // it lacks its terminator
+    if (textIn(set.path).size() == std::size(set.path))  // it lacks its terminator
+        return platform::failFor(platform::Cause::wrongArgument);
     // What a file at that path holds is not kept: the settings are written afresh.
     const RegsHandle file = jRegsOpen(set.path, RegsOpen::afresh);
     if (!file) return false;

@@ -58,10 +58,19 @@ private:
     IccLut* lut_;
 };
 
-// Both profiles of an ICC combination with the LUTs that the intent chooses. The profiles own
-// what is loaded.
+// The data of a tag; null when it is absent or, then with that result, memory is short.
+template <class T>
+icc::TagResult loadData(icc::ProfileFile& file, uint32_t signature, T*& data) noexcept {
+    const icc::TagResult result = icc::loadTag(file, signature);
+    data = result == icc::TagResult::loaded
+               ? static_cast<T*>(icc::findTag(*file.profile, signature)->data)
+               : nullptr;
+    return result;
+}
+
+// Both profiles of an ICC combination with the LUTs that the intent chooses.
 struct LoadedPair {
-    icc::ProfilePtr source, destination;
+    icc::ProfilePtr source, destination;  // own the LUTs
     IccLut* sourceLut = nullptr;
     IccLut* destinationLut = nullptr;
     IccPair pair;  // connection and white point
@@ -73,13 +82,13 @@ std::optional<LoadedPair> loadPair(const std::string& sourcePath,
     if (intent < 0 || intent > 2) return std::nullopt;
 
     LoadedPair loaded;
-    loaded.source = icc::loadHeader(sourcePath.c_str());
-    if (!loaded.source || loaded.source->header.colourSpace != fourcc("CMYK")) return std::nullopt;
-    const uint32_t sourcePcs = loaded.source->header.connectionSpace;
+    icc::ProfileFile source = icc::openProfile(sourcePath.c_str());
+    if (!source || source.profile->header.colourSpace != fourcc("CMYK")) return std::nullopt;
+    const uint32_t sourcePcs = source.profile->header.connectionSpace;
     if (sourcePcs != fourcc("Lab ") && sourcePcs != fourcc("XYZ ")) return std::nullopt;
-    loaded.destination = icc::loadHeader(destinationPath.c_str());
-    if (!loaded.destination) return std::nullopt;
-    const IccHeader& header = loaded.destination->header;
+    icc::ProfileFile destination = icc::openProfile(destinationPath.c_str());
+    if (!destination) return std::nullopt;
+    const IccHeader& header = destination.profile->header;
     if (header.colourSpace != fourcc("CMYK")) return std::nullopt;
     // The destination's connection space goes untested: what is neither the source's own nor a
     // known one is taken to be the other of the two.
@@ -88,13 +97,16 @@ std::optional<LoadedPair> loadPair(const std::string& sourcePath,
             sourcePcs == fourcc("XYZ ") ? Connection::xyzToLab : Connection::labToXyz;
     }
 
-    loaded.sourceLut = static_cast<IccLut*>(icc::loadTag(*loaded.source, kA2B[intent]));
-    loaded.destinationLut = static_cast<IccLut*>(icc::loadTag(*loaded.destination, kB2A[intent]));
+    loadData(source, kA2B[intent], loaded.sourceLut);
+    loadData(destination, kB2A[intent], loaded.destinationLut);
     if (!loaded.sourceLut || !loaded.destinationLut) return std::nullopt;
-    if (const auto* white =
-            static_cast<const float*>(icc::loadTag(*loaded.source, fourcc("wtpt")))) {
+    const float* white = nullptr;
+    if (loadData(source, fourcc("wtpt"), white) == icc::TagResult::shortMemory)
+        return std::nullopt;
+    if (white)
         for (int32_t i = 0; i < 3; ++i) loaded.pair.white[i] = white[i] * 100.0;
-    }
+    loaded.source = std::move(source.profile);
+    loaded.destination = std::move(destination.profile);
     return loaded;
 }
 

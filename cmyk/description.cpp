@@ -60,6 +60,7 @@ std::string buildDescription(std::string_view name, std::string_view comment) {
 void applyDescription(CmykProfile& profile, std::string_view text) noexcept {
     if (!text.starts_with(kMarker) && !text.starts_with(kSiblingMarker)) return;
     int32_t inputLines = 0, outputLines = 0;
+    bool commentTaken = false;
     size_t feed = text.find('\n');
     while (feed != std::string_view::npos) {
         const std::string_view rest = text.substr(feed + 1);
@@ -74,18 +75,28 @@ void applyDescription(CmykProfile& profile, std::string_view text) noexcept {
         } else if (line.starts_with(kOutputFlags)) {
             if (outputLines < 4) readFlags(profile.curveFlags[4 + outputLines], value);
             ++outputLines;
-        } else if (outputLines == 4) {
-            // The comment is the whole tail: a line of it that looks like a keyword is text.
+        } else if (outputLines == 4 && !commentTaken) {
+            // The comment is the whole tail. The walk goes on in it: a line there that begins with
+            // a keyword is text and counts all the same.
             copyText(profile.comment, rest);
-            return;
+            commentTaken = true;
         }
         feed = next;
     }
 }
 
-bool looksLikeEditingData(std::string_view comment) noexcept {
-    return comment.starts_with(kName) || comment.starts_with(kInputFlags) ||
-           comment.starts_with(kOutputFlags);
+std::string asPlainText(std::string_view comment) {
+    std::string text;
+    while (!comment.empty()) {
+        const size_t end = std::min(comment.find('\n'), comment.size() - 1) + 1;
+        const std::string_view line = comment.substr(0, end);
+        if (line.starts_with(kName) || line.starts_with(kInputFlags) ||
+            line.starts_with(kOutputFlags))
+            text += ' ';
+        text.append(line);
+        comment.remove_prefix(end);
+    }
+    return text;
 }
 
 }  // namespace ko::cmyk

@@ -17,7 +17,7 @@ std::string buildDescription(std::string_view name, std::string_view comment);
 // any other description changes nothing.
 void applyDescription(CmykProfile& profile, std::string_view text) noexcept;
 
-// Whether the beginning of a comment would be read back as one of the lines before it.
-bool looksLikeEditingData(std::string_view comment) noexcept;
+// The comment with a blank before each line that would otherwise be read back as editing data.
+std::string asPlainText(std::string_view comment);
 
 }  // namespace ko::cmyk

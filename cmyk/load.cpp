@@ -5,24 +5,24 @@
 #include <bit>
 #include <cstring>
 
+#include "frame/file.h"
 #include "frame/text.h"
 
 namespace ko::cmyk {
 
-// The grid of a table file is read straight into the record.
+// The words of a table file are the record's own.
 static_assert(std::endian::native == std::endian::little);
 
-void readTable(CmykProfile& profile, File& file, const TableForm& form) noexcept {
-    std::array<uint8_t, kLutForm.headerSize> buffer = {};  // the larger of the two forms
-    const auto header = std::span(buffer).first(form.headerSize);
-    (void)file.read(header);  // what is missing stays zero
-    const std::span<uint8_t> grid(reinterpret_cast<uint8_t*>(profile.grid), sizeof profile.grid);
-    const size_t filled = file.read(grid);
-    std::ranges::fill(grid.subspan(filled), uint8_t{0});
+void readTable(CmykProfile& profile, std::span<const uint8_t> file,
+               const TableForm& form) noexcept {
+    const auto header = file.first(std::min(form.headerSize, file.size()));
+    const auto grid = file.subspan(header.size());
+    if (!grid.empty())
+        std::memcpy(profile.grid, grid.data(), std::min(grid.size(), sizeof profile.grid));
 
     const std::string_view text(reinterpret_cast<const char*>(header.data()), header.size());
     copyText(profile.name, text);
-    copyText(profile.comment, text.substr(form.commentOffset));
+    copyText(profile.comment, text.substr(std::min(form.commentOffset, text.size())));
     // Input curves belong to the table that is replaced; the output curves are kept on purpose.
     for (int32_t curve = 0; curve < 4; ++curve) resetCurve(profile, curve);
 }
@@ -30,12 +30,13 @@ void readTable(CmykProfile& profile, File& file, const TableForm& form) noexcept
 namespace {
 
 int32_t loadTable(CmykProfile& profile, const char* path, const TableForm& form) noexcept {
-    if (!path || strnlen(path, sizeof profile.path) >= sizeof profile.path) return 0;
-    const FileGuard guard;
-    File file = File::openForReading(path, Sharing::reading);
-    if (!file) return 0;
-    readTable(profile, file, form);
-    return copyPath(profile.path, path) ? 1 : 0;
+    char checked[KOLINK_PATH_SIZE];
+    if (!copyPath(checked, path)) return 0;
+    const FileReading reading =
+        readWhole(checked, kTableFiles, form.headerSize + sizeof profile.grid);
+    if (!reading) return 0;
+    readTable(profile, reading.file.bytes(), form);
+    return copyPath(profile.path, checked) ? 1 : 0;
 }
 
 }  // namespace
@@ -49,7 +50,6 @@ int32_t loadLutableAmatch(CmykProfile& profile, const char* path) noexcept {
 }
 
 int32_t loadProfile(CmykProfile& profile, const char* path) {
-    if (!path || strnlen(path, sizeof profile.path) >= sizeof profile.path) return 0;
     if (hasExtension(path, ".lut")) return loadLutable(profile, path);
     if (hasExtension(path, ".amt")) return loadLutableAmatch(profile, path);
     return loadIccProfile(profile, path);

@@ -1,8 +1,9 @@
 // The readers behind loadProfile, apart from each other for tests and fuzzing.
 #pragma once
 
+#include <span>
+
 #include "cmyk/cmyk.h"
-#include "frame/file.h"
 #include "kolink/icc_profile.h"
 
 namespace ko::cmyk {
@@ -15,12 +16,14 @@ struct TableForm {
 constexpr TableForm kLutForm = {972, 472};
 constexpr TableForm kAmtForm = {256, 64};
 
-// From the file's start. What the file lacks is zero.
-void readTable(CmykProfile& profile, File& file, const TableForm& form) noexcept;
+// What the file's grid lacks stays as it was; texts that it lacks are empty.
+void readTable(CmykProfile& profile, std::span<const uint8_t> file,
+               const TableForm& form) noexcept;
 
 int32_t loadIccProfile(CmykProfile& profile, const char* path);
 
-// Curves and grid from a decoded A2B0. A curve whose table the LUT does not have stays.
+// Curves and grid from a decoded A2B0. A curve whose table the LUT does not have stays. Throws
+// std::bad_alloc, nothing changed, when memory for the evaluation is short.
 void takeCurves(CmykProfile& profile, const IccLut& lut) noexcept;
 void takeGrid(CmykProfile& profile, IccLut& lut);
 

@@ -73,23 +73,30 @@ void copyGrid(CmykProfile& profile, const IccLut& lut) noexcept {
 class Evaluator {
 public:
     explicit Evaluator(IccLut& lut) : lut_(lut) {
+        if (!icc::isSupportedLut(lut_)) return;
+        ready_ = icc::lutSetup(&lut_) == 1;
+        if (!ready_) throw std::bad_alloc();  // nothing else keeps it from being ready
         try {
-            if (icc::lutSetup(&lut_) == 1) fast_.emplace(lut_);
+            fast_.emplace(lut_);
         } catch (const std::bad_alloc&) {
             // The plain evaluator needs no more memory and gives the same bits.
         }
     }
-    ~Evaluator() { icc::lutClose(&lut_); }
+    ~Evaluator() {
+        if (ready_) icc::lutClose(&lut_);
+    }
     Evaluator(const Evaluator&) = delete;
     Evaluator& operator=(const Evaluator&) = delete;
 
     void colours(std::span<icc::FastLut::Colour> values) const noexcept {
         if (fast_) return fast_->colours(values.data(), values.size());
+        if (!ready_) return;
         for (auto& colour : values) icc::lutColor(lut_, colour.data());
     }
 
 private:
     IccLut& lut_;
+    bool ready_ = false;
     std::optional<icc::FastLut> fast_;
 };
 
@@ -137,23 +144,26 @@ void takeGrid(CmykProfile& profile, IccLut& lut) {
 }
 
 int32_t loadIccProfile(CmykProfile& profile, const char* path) {
-    const icc::ProfilePtr source = icc::loadHeader(path);
-    if (!source) return 0;
-    icc::loadAllTags(*source);
+    constexpr uint32_t kTags[] = {fourcc("desc"), fourcc("A2B0")};
+    icc::ProfileFile file = icc::openProfile(path);
+    if (!file) return 0;
+    for (const uint32_t tag : kTags)
+        if (icc::loadTag(file, tag) == icc::TagResult::shortMemory) return 0;
+    const icc::ProfilePtr source = std::move(file.profile);
+    file = {};  // its bytes go before the grid is made
     const platform::WaitCursor cursor(platform::WaitCursor::Source::library);
 
-    const auto firstLoaded = [&](uint32_t signature) -> void* {
-        for (const IccTagEntry& tag : icc::tagsOf(*source))
-            if (tag.signature == signature && tag.data) return tag.data;
-        return nullptr;
+    const auto loaded = [&](uint32_t signature) -> void* {
+        const IccTagEntry* const tag = icc::findTag(*source, signature);
+        return tag ? tag->data : nullptr;
     };
-    if (const void* text = firstLoaded(fourcc("desc")))
-        applyDescription(profile, static_cast<const char*>(text));
-    if (void* data = firstLoaded(fourcc("A2B0"))) {
+    if (void* data = loaded(fourcc("A2B0"))) {
         auto& lut = *static_cast<IccLut*>(data);
+        takeGrid(profile, lut);  // first: it may want memory, and then nothing is changed
         takeCurves(profile, lut);
-        takeGrid(profile, lut);
     }
+    if (const void* text = loaded(fourcc("desc")))
+        applyDescription(profile, static_cast<const char*>(text));
     return copyPath(profile.path, path) ? 1 : 0;
 }
 

@@ -69,19 +69,23 @@ Block<IccLut> makeLinkLut(const CmykProfile& profile) noexcept {
 
 int32_t saveInto(icc::ProfilePtr link, const CmykProfile& profile, const char* path) {
     if (!link) return 1;  // kept: without memory for the object a save counts as done
-    bool complete = bindText(*link, fourcc("cprt"), kCopyright);
-    complete &= bindText(*link, fourcc("desc"), buildDescription(profile));
-    complete &= bindEmptySequence(*link);
-    complete &= bindLut(*link, profile);
-    complete &= icc::saveLinkProfile(link.get(), path) == 1;
-    return complete ? 1 : 0;
+    // A link that lacks a tag is not written: it would replace a good one.
+    const bool complete = bindText(*link, fourcc("cprt"), kCopyright) &&
+                          bindText(*link, fourcc("desc"), buildDescription(profile)) &&
+                          bindEmptySequence(*link) && bindLut(*link, profile);
+    return complete && icc::saveLinkProfile(link.get(), path) == 1 ? 1 : 0;
 }
 
 int32_t saveProfile(CmykProfile& profile, const char* path) {
-    if (!path || strnlen(path, sizeof profile.path) >= sizeof profile.path) return 0;
-    const int32_t result = saveInto(icc::create(icc::kCreateLink), profile, path);
-    (void)copyPath(profile.path, path);  // also after a failure
-    return result;
+    char checked[KOLINK_PATH_SIZE] = {};
+    if (!copyPath(checked, path)) return 0;
+    // Also after a failure; and nothing may fail between the saving and it.
+    struct PathKeeper {
+        char (&field)[KOLINK_PATH_SIZE];
+        const char* path;
+        ~PathKeeper() { (void)copyPath(field, path); }
+    } const keeper{profile.path, checked};
+    return saveInto(icc::create(icc::kCreateLink), profile, checked);
 }
 
 }  // namespace ko::cmyk

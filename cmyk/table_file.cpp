@@ -3,11 +3,13 @@
 #include <array>
 #include <bit>
 #include <charconv>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <string_view>
 
 #include "cmyk/cmyk.h"
+#include "frame/file.h"
 #include "frame/scan.h"
 #include "frame/text.h"
 
@@ -37,46 +39,19 @@ struct RgbForm {
     static uint32_t output(uint32_t word, size_t channel) noexcept { return word >> (8 * channel) & 255; }
 };
 
-// Lines of a file that may be binary: a line ends with LF, CR LF or CR, and tells whether any of
-// its bytes is one that no text holds.
-class TableLines {
-public:
-    explicit TableLines(File& file) noexcept : file_(file) {}
+// Whether any of a line's bytes is one that no text holds.
+bool holdsControl(std::string_view line) noexcept {
+    return std::ranges::any_of(line, [](char character) {
+        const auto byte = static_cast<uint8_t>(character);
+        return (byte >= 1 && byte <= 8) || (byte >= 14 && byte <= 31);
+    });
+}
 
-    bool next() noexcept {
-        length_ = 0;
-        control_ = false;
-        if (begin_ == end_ && !fill()) return false;
-        do {
-            const uint8_t byte = buffer_[begin_++];
-            if (byte == '\n') return true;
-            if (byte == '\r') {
-                if ((begin_ < end_ || fill()) && buffer_[begin_] == '\n') ++begin_;
-                return true;
-            }
-            control_ |= (byte >= 1 && byte <= 8) || (byte >= 14 && byte <= 31);
-            if (length_ < kLineSize - 1) line_[length_++] = static_cast<char>(byte);
-        } while (begin_ < end_ || fill());
-        return true;
-    }
-    bool holdsControl() const noexcept { return control_; }
-    std::string_view text() const noexcept {  // up to a NUL: the line is a string
-        const std::string_view line(line_, length_);
-        return line.substr(0, line.find('\0'));
-    }
-
-private:
-    bool fill() noexcept {
-        begin_ = 0;
-        end_ = file_.read(buffer_);
-        return end_ > 0;
-    }
-    File& file_;
-    size_t begin_ = 0, end_ = 0, length_ = 0;
-    bool control_ = false;
-    char line_[kLineSize];
-    uint8_t buffer_[16384];
-};
+// A line as a string: up to a NUL, and no longer than the line buffer was.
+std::string_view textOf(std::string_view line) noexcept {
+    line = line.substr(0, kLineSize - 1);
+    return line.substr(0, line.find('\0'));
+}
 
 bool isBeginData(std::string_view line) noexcept {
     return std::ranges::equal(line, kBeginData, [](char a, char b) {
@@ -122,28 +97,25 @@ void takeLine(std::span<uint32_t> nodes, std::string_view line) noexcept {
 
 template <class Form>
 int32_t load(std::span<uint32_t> nodes, const char* path) {
-    File file = File::openForReading(path, Sharing::reading);
-    if (!file) return 0;
-    TableLines lines(file);
+    const FileReading reading = readWhole(path, kColourTableFiles);
+    if (!reading) return 0;
+    LineReader lines(reading.file.text());
+    std::string_view line;
     for (;;) {
-        if (!lines.next()) return 0;  // of neither form
-        if (lines.holdsControl()) {
-            const std::span bytes(reinterpret_cast<uint8_t*>(nodes.data()), nodes.size_bytes());
-            if (!file.seek(0)) return 0;
-            const size_t filled = file.read(bytes);
-            std::ranges::fill(bytes.subspan(filled), uint8_t{0});
+        if (!lines.next(line)) return platform::failFor(platform::Cause::damaged);  // of neither form
+        if (holdsControl(line)) {
+            const auto bytes = reading.file.bytes();  // of a cut file, the rest stays as it was
+            std::memcpy(nodes.data(), bytes.data(), std::min(bytes.size(), nodes.size_bytes()));
             return 1;
         }
-        if (isBeginData(lines.text())) break;
+        if (isBeginData(textOf(line))) break;
     }
-    while (lines.next()) takeLine<Form>(nodes, lines.text());
+    while (lines.next(line)) takeLine<Form>(nodes, textOf(line));
     return 1;
 }
 
 template <class Form>
 int32_t save(std::span<const uint32_t> nodes, const char* path) {
-    File file = File::create(path);
-    if (!file) return 0;
     LineWriter lines;
     lines.put(kBeginData);
     const uint32_t* node = nodes.data();
@@ -159,7 +131,7 @@ int32_t save(std::span<const uint32_t> nodes, const char* path) {
         for (size_t channel = 0; channel < Form::kOutputs; ++channel) add(Form::output(word, channel));
         lines.put({text, end});
     });
-    return lines.writeTo(file) ? 1 : 0;
+    return replaceWhole(path, kColourTableFiles, lines.text()) == SaveResult::written ? 1 : 0;
 }
 
 }  // namespace

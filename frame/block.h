@@ -6,6 +6,7 @@
 #include <limits>
 #include <memory>
 
+#include "frame/platform.h"
 #include "kolink/memory.h"
 
 namespace ko {
@@ -18,12 +19,22 @@ struct BlockDeleter {
 template <class T>
 using Block = std::unique_ptr<T, BlockDeleter>;
 
-// A block of size bytes, or null when memory is short. Larger requests than jMemAlloc takes are
+// A block of size bytes, or null, platform::lastError set, when memory is short. Larger requests than jMemAlloc takes are
 // refused, never cut.
 template <class T = void>
 [[nodiscard]] Block<T> allocateBlock(uint64_t size) noexcept {
-    if (size > std::numeric_limits<uint32_t>::max()) return nullptr;
+    if (size > std::numeric_limits<uint32_t>::max()) {
+        platform::setLastError(platform::Cause::shortMemory);
+        return nullptr;
+    }
     return Block<T>(static_cast<T*>(jMemAlloc(static_cast<uint32_t>(size))));
+}
+
+// The same filled with zeros. What of a large block stays zero takes no memory.
+void* allocateZeros(uint64_t size) noexcept;
+template <class T = void>
+[[nodiscard]] Block<T> allocateZeroBlock(uint64_t size) noexcept {
+    return Block<T>(static_cast<T*>(allocateZeros(size)));
 }
 
 }  // namespace ko

@@ -3,14 +3,17 @@
 
 #include <utility>
 
+#include "frame/platform.h"
+
 namespace ko {
 
-// Runs work and returns its result; failure when memory runs out inside.
+// Runs work and returns its result; failure, with its reason, when memory runs out inside.
 template <class Result, class Work>
 Result atBoundary(Result failure, Work&& work) noexcept {
     try {
         return std::forward<Work>(work)();
     } catch (...) {
+        platform::setLastError(platform::Cause::shortMemory);
         return failure;
     }
 }

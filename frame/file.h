@@ -1,9 +1,12 @@
-// Files and the guard that keeps other threads and processes out while one is open.
+// The two doors between the library and the disk, and the guard that keeps other threads and
+// processes out while one of them is open. Nobody else opens files.
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <utility>
 
@@ -11,72 +14,124 @@
 
 namespace ko {
 
-// Holds the system-wide file mutex for one file operation. Declared before the file, so that it
-// is given back last.
+// Holds the system-wide file mutex for one file operation; a thread that holds it may take it
+// again. Without a mutex to hold the work goes on unguarded: files are replaced whole, so that
+// readers find the old one or the new one anyway.
 class FileGuard {
 public:
-    FileGuard() noexcept : mutex_(platform::openNamedMutex("_KOLINK_MUTEX")) {
-        if (mutex_) platform::lock(*mutex_);  // without it the work goes on unguarded
-    }
-    ~FileGuard() {
-        if (mutex_) platform::unlockAndClose(mutex_);
-    }
+    FileGuard() noexcept;
+    ~FileGuard();
     FileGuard(const FileGuard&) = delete;
     FileGuard& operator=(const FileGuard&) = delete;
 
+    // The program's wait callback gave up; the operation must not go on.
+    bool refused() const noexcept { return refused_; }
+
 private:
     platform::NamedMutex* mutex_;
+    bool refused_ = false;
 };
 
-enum class Sharing { none, reading };
+// A program, not the library, may want to know that it waits for the guard, and to end the wait.
+// Called while waiting, in every thread: how long it has been and the process that holds the
+// guard (0: unknown). When it returns false, what was to be read or written fails as interrupted.
+// Null, the default: waits without a time limit. Set before threads are started.
+using GuardWait = platform::MutexWait;
+void setGuardWait(GuardWait wait) noexcept;
 
-class File {
+// What kind of file a path leads to: how large it may be, and whether the guard is taken.
+struct FileKind {
+    uint64_t largest;       // a larger file is not read
+    bool guarded;
+    bool sharesReading;     // opened beside other readers, where the system asks
+};
+constexpr FileKind kProfileFiles = {uint64_t{1} << 30, true, false};
+constexpr FileKind kTableFiles = {uint64_t{1} << 30, true, true};          // .lut, .amt
+constexpr FileKind kColourTableFiles = {uint64_t{1} << 30, false, true};   // CMYK and RGB tables
+constexpr FileKind kCurveFiles = {uint64_t{64} << 20, true, true};         // .bkc, .tnc, .dcc
+constexpr FileKind kCalibrationFiles = {uint64_t{64} << 20, false, true};  // .clb, plain form
+constexpr FileKind kSettingsFiles = {uint64_t{4} << 20, false, true};
+
+// The contents of a file in memory. Runs of zeros in large files take no memory of their own.
+class FileBytes {
 public:
-    static File openForReading(const char* path, Sharing sharing) noexcept {
-        return File(path ? platform::openForReading(path, sharing == Sharing::reading)
-                         : platform::kNoFile);
+    struct Free {
+        void operator()(uint8_t* bytes) const noexcept { std::free(bytes); }
+    };
+    using Memory = std::unique_ptr<uint8_t, Free>;
+    FileBytes() = default;
+    FileBytes(Memory bytes, size_t size, uint64_t fileSize) noexcept
+        : bytes_(std::move(bytes)), size_(size), fileSize_(fileSize) {}
+    std::span<const uint8_t> bytes() const noexcept { return {bytes_.get(), size_}; }
+    std::string_view text() const noexcept {
+        return {reinterpret_cast<const char*>(bytes_.get()), size_};
     }
-    static File create(const char* path) noexcept {
-        return File(path ? platform::createForWriting(path) : platform::kNoFile);
-    }
-    static File createNew(const char* path) noexcept {
-        return File(path ? platform::createNew(path) : platform::kNoFile);
-    }
-    File(File&& other) noexcept : handle_(std::exchange(other.handle_, platform::kNoFile)) {}
-    File& operator=(File&& other) noexcept {
-        std::swap(handle_, other.handle_);
-        return *this;
-    }
-    ~File() {
-        if (*this) platform::close(handle_);
-    }
-
-    explicit operator bool() const noexcept { return handle_ != platform::kNoFile; }
-    uint64_t size() const noexcept { return platform::sizeOf(handle_); }
-    bool seek(uint64_t position) noexcept { return platform::seek(handle_, position); }
-    // The number of bytes read: less than asked for at the end of the file only.
-    size_t read(std::span<uint8_t> buffer) noexcept {
-        return platform::read(handle_, buffer.data(), buffer.size());
-    }
-    bool write(std::span<const uint8_t> bytes) noexcept {
-        return platform::write(handle_, bytes.data(), bytes.size());
-    }
-    bool write(std::string_view text) noexcept {
-        return platform::write(handle_, text.data(), text.size());
-    }
-    bool flush() noexcept { return platform::flush(handle_); }
+    uint64_t fileSize() const noexcept { return fileSize_; }  // also when only its start was read
 
 private:
-    explicit File(platform::FileHandle handle) noexcept : handle_(handle) {}
-    platform::FileHandle handle_;
+    Memory bytes_;
+    size_t size_ = 0;
+    uint64_t fileSize_ = 0;
 };
 
-// Writes the bytes beside a file and then puts them in its place, so that a reader finds the old
-// file or the new one, whole. After a failure the old file is there as it was.
-[[nodiscard]] bool replaceWhole(const std::string& path, std::string_view bytes);
+enum class ReadResult {
+    read,
+    notOpened,  // there is no such regular file, or it may not be read
+    failed,     // a read failed, the file is too large for its kind, or memory is short
+};
+struct FileReading {
+    ReadResult result = ReadResult::failed;
+    FileBytes file;
+    explicit operator bool() const noexcept { return result == ReadResult::read; }
+};
 
-// What a file claims to hold may pass its end by this much and is then read as zeros; beyond it
-// the claim is a lie and is refused before memory is taken.
+// The door in. Opens the file once, under one hold of the guard when its kind has one, looks at
+// its size once, reads it into memory (or its first bytes, when no more are wanted) and closes it.
+// A read that fails, or that ends before the size does, fails the whole. The reason of a failure
+// is in platform::lastError; a success leaves that as it was.
+[[nodiscard]] FileReading readWhole(const char* path, const FileKind& kind,
+                                    uint64_t wanted = UINT64_MAX) noexcept;
+
+using platform::SaveResult;
+
+// The door out, for a file that comes in pieces. It is made beside its place under the name
+// "~kolink-....tmp", flushed to the disk and moved over the old one, and the folder is flushed: a
+// reader finds the old file or the new one, whole, and so does who comes after a crash. Until
+// finish returns written, the old file is as it was; without finish nothing changes and nothing
+// stays. The old file's mode, its owner where possible, and a symbolic link that leads to it are
+// kept; a write-protected file (on POSIX also one that nobody may write, whoever asks) is not
+// replaced. What killed processes left in the folder is removed first.
+// Last resort: a device, and a file that may be written although its folder takes no second one,
+// is written in place, so that a failure then leaves what was written so far.
+// The guard, when asked for, is held from before the file is made until finish or the end.
+class NewFile {
+public:
+    NewFile(const char* path, bool guarded) noexcept;
+    ~NewFile();
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    explicit operator bool() const noexcept { return file_ != nullptr; }
+    bool write(std::span<const uint8_t> bytes) noexcept;  // false: finish will fail
+    bool write(std::string_view text) noexcept;
+    // How it went. Success leaves platform::lastError as it was; else it has the reason.
+    [[nodiscard]] SaveResult finish() noexcept;
+
+private:
+    uint32_t errorBefore_ = platform::lastError();
+    std::optional<FileGuard> guard_;
+    platform::NewFile* file_ = nullptr;
+    SaveResult result_ = SaveResult::failed;
+};
+
+// The same for a file whose parts are in memory.
+[[nodiscard]] SaveResult replaceWhole(const char* path, const FileKind& kind,
+                                      std::span<const std::span<const uint8_t>> parts) noexcept;
+[[nodiscard]] SaveResult replaceWhole(const char* path, const FileKind& kind,
+                                      std::string_view text) noexcept;
+
+// What a file claims to hold may pass its end by this much, all claims together, and is then read
+// as zeros; beyond it the claim is a lie and is refused before memory is taken.
 constexpr uint64_t kClaimTolerance = uint64_t{64} << 20;
 
 constexpr bool isBelievableClaim(uint64_t offset, uint64_t size, uint64_t fileSize,

@@ -13,30 +13,71 @@ namespace ko::platform {
 
 constexpr size_t kPathSize = 260;  // of every path field, terminating NUL included
 
+// Why a call failed, where the system keeps it: errno, or GetLastError. What cleans up keeps it.
+uint32_t lastError() noexcept;
+void setLastError(uint32_t error) noexcept;
+enum class Cause { shortMemory, damaged, tooLarge, wrongArgument, nameTooLong, interrupted };
+void setLastError(Cause cause) noexcept;
+inline bool failFor(Cause cause) noexcept {  // a false with its reason
+    setLastError(cause);
+    return false;
+}
+
+class ErrorKeeper {  // gives back at its end what it found at its start
+public:
+    ErrorKeeper() noexcept : error_(lastError()) {}
+    ~ErrorKeeper() { setLastError(error_); }
+    ErrorKeeper(const ErrorKeeper&) = delete;
+    ErrorKeeper& operator=(const ErrorKeeper&) = delete;
+
+private:
+    uint32_t error_;
+};
+
 // The system-wide mutex behind the file guard. Opening one that was never created fails on
-// Windows; on POSIX the name is a file in the user's runtime folder, locked with flock, so that
-// the kernel releases it when a process dies.
+// Windows. On POSIX the name is a file in a folder that belongs to the user and lies at one place,
+// whatever the environment says; it is locked with flock, so that the kernel releases it when a
+// process dies, and closed in a forked child, so that a child holds nothing. Where that folder
+// cannot be had, opening fails.
 struct NamedMutex;
 NamedMutex* createNamedMutex(const char* name) noexcept;  // null: it cannot be created
 void closeNamedMutex(NamedMutex* mutex) noexcept;
 NamedMutex* openNamedMutex(const char* name) noexcept;  // null: it cannot be opened
-void lock(NamedMutex& mutex) noexcept;                  // waits without a time limit
-void unlockAndClose(NamedMutex* mutex) noexcept;
+// Asked some fifty times a second while another process or thread holds the mutex, with its
+// process number (0: unknown). False gives up.
+using MutexWait = bool (*)(uint32_t waitedMilliseconds, uint32_t holder) noexcept;
+// Without wait it waits without a time limit. False, the mutex not held, when wait gave up.
+bool lock(NamedMutex& mutex, MutexWait wait) noexcept;
+void unlock(NamedMutex& mutex) noexcept;  // what lock took
+inline void unlockAndClose(NamedMutex* mutex) noexcept {
+    if (!mutex) return;
+    unlock(*mutex);
+    closeNamedMutex(mutex);
+}
 
-// Files. Only regular files are opened for reading, so that no read waits for ever.
+// Files that are read. Only regular ones are opened, so that no read waits for ever.
 using FileHandle = intptr_t;
 constexpr FileHandle kNoFile = -1;
-FileHandle openForReading(const char* path, bool shareReading) noexcept;
-FileHandle createForWriting(const char* path) noexcept;  // truncates what is there
-FileHandle createNew(const char* path) noexcept;         // fails when the name is taken
-bool flush(FileHandle file) noexcept;                    // to the disk
+FileHandle openForReading(const char* path, bool shareReading) noexcept;  // kNoFile: it cannot be
 void close(FileHandle file) noexcept;
-uint64_t sizeOf(FileHandle file) noexcept;                             // 0 when unknown
-size_t read(FileHandle file, void* buffer, size_t size) noexcept;      // less at the end of file
-bool write(FileHandle file, const void* bytes, size_t size) noexcept;  // all or false
-bool seek(FileHandle file, uint64_t position) noexcept;
-bool deleteFile(const char* path) noexcept;
-bool replaceFile(const char* from, const char* to) noexcept;  // takes the place of to, whole
+bool sizeOf(FileHandle file, uint64_t& size) noexcept;
+bool read(FileHandle file, void* buffer, size_t size) noexcept;  // all of it, or false
+// The next place, from position on, that may hold anything but zeros; at most size. The file is
+// then read from there.
+uint64_t skipHole(FileHandle file, uint64_t position, uint64_t size) noexcept;
+
+// A file that is made beside its place and then takes the place of the old one; see
+// frame/file.h. In its name other processes see that it is one, and whether anybody makes it.
+enum class SaveResult {
+    written,     // the new file is in its place, and on the disk
+    notCreated,  // the target may not be created or replaced
+    failed,      // a write or flush failed, or memory or another resource was short
+};
+struct NewFile;
+NewFile* beginNewFile(const char* path, SaveResult& failure) noexcept;  // null: see failure
+bool write(NewFile& file, const void* bytes, size_t size) noexcept;     // all or false
+SaveResult finish(NewFile& file) noexcept;                              // once, after the last write
+void closeNewFile(NewFile* file) noexcept;  // one that is not finished leaves nothing behind
 
 // The names of the files, folders left out, that a path with * and ? in its last part stands for,
 // in no order. ASCII case is ignored; "*.*" stands for every name. A name that the system's code

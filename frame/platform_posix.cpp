@@ -5,7 +5,6 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <link.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,8 +15,8 @@
 #include <cstring>
 #include <ctime>
 #include <memory>
-#include <new>
 
+#include "frame/posix_file.h"
 #include "resources/texts.h"
 
 namespace ko::platform {
@@ -25,144 +24,77 @@ namespace ko::platform {
 const char kSeparator = '/';
 const char kPluginSuffix[] = ".so";
 
-struct NamedMutex {
-    int file;
-};
+uint32_t lastError() noexcept { return static_cast<uint32_t>(errno); }
 
-namespace {
+void setLastError(uint32_t error) noexcept { errno = static_cast<int>(error); }
 
-int openRetrying(const char* path, int flags, mode_t mode) noexcept {
+void setLastError(Cause cause) noexcept {
+    switch (cause) {
+        case Cause::shortMemory: errno = ENOMEM; break;
+        case Cause::damaged: errno = EBADMSG; break;
+        case Cause::tooLarge: errno = EFBIG; break;
+        case Cause::wrongArgument: errno = EINVAL; break;
+        case Cause::nameTooLong: errno = ENAMETOOLONG; break;
+        case Cause::interrupted: errno = EINTR; break;
+    }
+}
+
+int openAt(int folder, const char* path, int flags, mode_t mode) noexcept {
     int file;
-    do file = ::open(path, flags | O_CLOEXEC, mode);
+    do file = ::openat(folder, path, flags | O_CLOEXEC, mode);
     while (file < 0 && errno == EINTR);
     if (file < 0 || file > STDERR_FILENO) return file;
-    // A host may have its standard streams closed; what it then writes to one must not land in a
-    // file of ours.
     const int other = ::fcntl(file, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    ::close(file);
+    close(file);
     return other;
 }
 
-bool ownFolder(const char* path) noexcept {
-    struct stat status;
-    return ::lstat(path, &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::getuid();
-}
-
-// The user's runtime folder; without one, a file in /tmp that carries the user's number. Every
-// process of the user must arrive at the same file, so the usual place goes before what the
-// environment of this one process says.
-std::string lockPath(const char* name) {
-    const std::string user = std::to_string(::getuid());
-    const std::string folder = "/run/user/" + user;
-    if (ownFolder(folder.c_str())) return folder + '/' + name;
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    if (runtime && runtime[0] == '/' && ownFolder(runtime)) return std::string(runtime) + '/' + name;
-    return "/tmp/" + std::string(name) + '.' + user;
-}
-
-// As on Windows, a thread that holds the mutex gets it again at once. There is one mutex.
-thread_local int depthOfThisThread = 0;
-
-}  // namespace
-
-NamedMutex* openNamedMutex(const char* name) noexcept try {
-    // Each opening has a lock of its own, so threads of one process keep each other out too.
-    // The file stays when it is closed: removing it would part those who have it open from
-    // those who come later.
-    const int file = openRetrying(lockPath(name).c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
-    if (file < 0) return nullptr;
-    struct stat status;
-    if (::fstat(file, &status) == 0 && status.st_uid == ::getuid())
-        if (auto* mutex = new (std::nothrow) NamedMutex{file}) return mutex;
-    ::close(file);
-    return nullptr;
-} catch (...) {
-    return nullptr;
-}
-
-NamedMutex* createNamedMutex(const char* name) noexcept { return openNamedMutex(name); }
-
-void lock(NamedMutex& mutex) noexcept {
-    if (depthOfThisThread++ > 0) return;
-    while (::flock(mutex.file, LOCK_EX) != 0 && errno == EINTR) {}
-}
-
-void closeNamedMutex(NamedMutex* mutex) noexcept {
-    if (!mutex) return;
-    ::close(mutex->file);
-    delete mutex;
-}
-
-void unlockAndClose(NamedMutex* mutex) noexcept {
-    if (!mutex) return;
-    // A child forked meanwhile shares the opening; unlocking does not wait for it to close.
-    if (--depthOfThisThread == 0) ::flock(mutex->file, LOCK_UN);
-    closeNamedMutex(mutex);
-}
-
 FileHandle openForReading(const char* path, bool) noexcept {
-    const int file = openRetrying(path, O_RDONLY | O_NONBLOCK, 0);
+    const int file = openAt(AT_FDCWD, path, O_RDONLY | O_NONBLOCK);
     if (file < 0) return kNoFile;
     struct stat status;
-    if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode)) return file;
-    ::close(file);
+    if (::fstat(file, &status) == 0) {
+        if (S_ISREG(status.st_mode)) return file;
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    }
+    close(file);
     return kNoFile;
 }
 
-FileHandle createForWriting(const char* path) noexcept {
-    const int file = openRetrying(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK, 0666);
-    return file < 0 ? kNoFile : file;
+void close(FileHandle file) noexcept {
+    const ErrorKeeper keeper;
+    ::close(static_cast<int>(file));
 }
 
-FileHandle createNew(const char* path) noexcept {
-    const int file = openRetrying(path, O_WRONLY | O_CREAT | O_EXCL, 0666);
-    return file < 0 ? kNoFile : file;
-}
-
-bool flush(FileHandle file) noexcept { return ::fsync(static_cast<int>(file)) == 0; }
-
-void close(FileHandle file) noexcept { ::close(static_cast<int>(file)); }
-
-uint64_t sizeOf(FileHandle file) noexcept {
+bool sizeOf(FileHandle file, uint64_t& size) noexcept {
     struct stat status;
-    return ::fstat(static_cast<int>(file), &status) == 0 ? static_cast<uint64_t>(status.st_size) : 0;
+    if (::fstat(static_cast<int>(file), &status) != 0) return false;
+    size = static_cast<uint64_t>(status.st_size);
+    return true;
 }
 
-size_t read(FileHandle file, void* buffer, size_t size) noexcept {
+bool read(FileHandle file, void* buffer, size_t size) noexcept {
     size_t done = 0;
     while (done < size) {
-        const ssize_t got = ::read(static_cast<int>(file), static_cast<char*>(buffer) + done, size - done);
-        if (got > 0) done += static_cast<size_t>(got);
-        else if (got == 0 || errno != EINTR) break;
-    }
-    return done;
-}
-
-bool write(FileHandle file, const void* bytes, size_t size) noexcept {
-    size_t done = 0;
-    while (done < size) {
-        const ssize_t put =
-            ::write(static_cast<int>(file), static_cast<const char*>(bytes) + done, size - done);
-        if (put > 0) done += static_cast<size_t>(put);
-        else if (put == 0 || errno != EINTR) return false;
+        const ssize_t got =
+            ::read(static_cast<int>(file), static_cast<char*>(buffer) + done, size - done);
+        if (got > 0) {
+            done += static_cast<size_t>(got);
+        } else if (got == 0) {
+            errno = EIO;  // the file had been longer
+            return false;
+        } else if (errno != EINTR) {
+            return false;
+        }
     }
     return true;
 }
 
-bool seek(FileHandle file, uint64_t position) noexcept {
-    return position <= static_cast<uint64_t>(LLONG_MAX) &&
-           ::lseek(static_cast<int>(file), static_cast<off_t>(position), SEEK_SET) >= 0;
-}
-
-bool deleteFile(const char* path) noexcept { return ::unlink(path) == 0; }
-
-bool replaceFile(const char* from, const char* to) noexcept {
-    struct stat status;
-    if (::stat(to, &status) == 0) {
-        if (!S_ISREG(status.st_mode)) return false;  // a device is written to, never replaced
-        ::chmod(from, status.st_mode & 0777);
-    }
-    return ::rename(from, to) == 0;
+uint64_t skipHole(FileHandle file, uint64_t position, uint64_t size) noexcept {
+    const ErrorKeeper keeper;
+    const off_t found = ::lseek(static_cast<int>(file), static_cast<off_t>(position), SEEK_DATA);
+    if (found < 0) return errno == ENXIO ? size : position;  // a file system may not say
+    return std::min(static_cast<uint64_t>(found), size);
 }
 
 namespace {

@@ -5,9 +5,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <climits>
 #include <memory>
-#include <new>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;  // set by the linker: the module that this is built into
 
@@ -16,18 +14,7 @@ namespace ko::platform {
 const char kSeparator = '\\';
 const char kPluginSuffix[] = ".dll";
 
-struct NamedMutex {
-    HANDLE handle;
-};
-
 namespace {
-
-NamedMutex* owned(HANDLE handle) noexcept {
-    if (!handle) return nullptr;
-    if (auto* mutex = new (std::nothrow) NamedMutex{handle}) return mutex;
-    ::CloseHandle(handle);
-    return nullptr;
-}
 
 HANDLE handleOf(FileHandle file) noexcept { return reinterpret_cast<HANDLE>(file); }
 static_assert(sizeof(FileHandle) == sizeof(HANDLE));
@@ -45,95 +32,70 @@ DateTime toDateTime(const SYSTEMTIME& time) noexcept {
 
 }  // namespace
 
-NamedMutex* createNamedMutex(const char* name) noexcept {
-    return owned(::CreateMutexA(nullptr, FALSE, name));
+uint32_t lastError() noexcept { return ::GetLastError(); }
+
+void setLastError(uint32_t error) noexcept { ::SetLastError(error); }
+
+void setLastError(Cause cause) noexcept {
+    switch (cause) {
+        case Cause::shortMemory: ::SetLastError(ERROR_NOT_ENOUGH_MEMORY); break;
+        case Cause::damaged: ::SetLastError(ERROR_INVALID_DATA); break;
+        case Cause::tooLarge: ::SetLastError(ERROR_FILE_TOO_LARGE); break;
+        case Cause::wrongArgument: ::SetLastError(ERROR_INVALID_PARAMETER); break;
+        case Cause::nameTooLong: ::SetLastError(ERROR_FILENAME_EXCED_RANGE); break;
+        case Cause::interrupted: ::SetLastError(ERROR_OPERATION_ABORTED); break;
+    }
 }
 
-void closeNamedMutex(NamedMutex* mutex) noexcept {
-    if (!mutex) return;
-    ::CloseHandle(mutex->handle);
-    delete mutex;
-}
-
-NamedMutex* openNamedMutex(const char* name) noexcept {
-    return owned(::OpenMutexA(MUTEX_ALL_ACCESS, FALSE, name));
-}
-
-// A mutex whose owner died is taken like one that was given back.
-void lock(NamedMutex& mutex) noexcept { ::WaitForSingleObject(mutex.handle, INFINITE); }
-
-void unlockAndClose(NamedMutex* mutex) noexcept {
-    if (!mutex) return;
-    ::ReleaseMutex(mutex->handle);
-    closeNamedMutex(mutex);
-}
-
+// Those who read together let the file be replaced meanwhile, and wait a moment for whoever is
+// replacing it; a profile's reader wants it alone.
 FileHandle openForReading(const char* path, bool shareReading) noexcept {
-    const HANDLE file = ::CreateFileA(path, GENERIC_READ, shareReading ? FILE_SHARE_READ : 0,
-                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const DWORD sharing = shareReading ? FILE_SHARE_READ | FILE_SHARE_DELETE : 0;
+    HANDLE file = INVALID_HANDLE_VALUE;
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        file = ::CreateFileA(path, GENERIC_READ, sharing, nullptr, OPEN_EXISTING,
+                             FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file != INVALID_HANDLE_VALUE || !shareReading ||
+            ::GetLastError() != ERROR_SHARING_VIOLATION)
+            break;
+        ::Sleep(5);
+    }
     if (file == INVALID_HANDLE_VALUE) return kNoFile;
     if (::GetFileType(file) == FILE_TYPE_DISK) return reinterpret_cast<FileHandle>(file);
     ::CloseHandle(file);
+    ::SetLastError(ERROR_BAD_FILE_TYPE);
     return kNoFile;
 }
 
-FileHandle createForWriting(const char* path) noexcept {
-    const HANDLE file = ::CreateFileA(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
-    return file == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<FileHandle>(file);
+void close(FileHandle file) noexcept {
+    const ErrorKeeper keeper;
+    ::CloseHandle(handleOf(file));
 }
 
-FileHandle createNew(const char* path) noexcept {
-    const HANDLE file = ::CreateFileA(path, GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
-    return file == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<FileHandle>(file);
+bool sizeOf(FileHandle file, uint64_t& size) noexcept {
+    LARGE_INTEGER found;
+    if (!::GetFileSizeEx(handleOf(file), &found)) return false;
+    size = static_cast<uint64_t>(found.QuadPart);
+    return true;
 }
 
-bool flush(FileHandle file) noexcept { return ::FlushFileBuffers(handleOf(file)) != 0; }
-
-void close(FileHandle file) noexcept { ::CloseHandle(handleOf(file)); }
-
-uint64_t sizeOf(FileHandle file) noexcept {
-    LARGE_INTEGER size;
-    return ::GetFileSizeEx(handleOf(file), &size) ? static_cast<uint64_t>(size.QuadPart) : 0;
-}
-
-size_t read(FileHandle file, void* buffer, size_t size) noexcept {
-    size_t done = 0;
-    while (done < size) {
+bool read(FileHandle file, void* buffer, size_t size) noexcept {
+    for (size_t done = 0; done < size;) {
         DWORD got = 0;
         if (!::ReadFile(handleOf(file), static_cast<char*>(buffer) + done, portion(size - done),
-                        &got, nullptr) || got == 0)
-            break;
-        done += got;
-    }
-    return done;
-}
-
-bool write(FileHandle file, const void* bytes, size_t size) noexcept {
-    size_t done = 0;
-    while (done < size) {
-        DWORD put = 0;
-        if (!::WriteFile(handleOf(file), static_cast<const char*>(bytes) + done,
-                         portion(size - done), &put, nullptr) || put == 0)
+                        &got, nullptr))
             return false;
-        done += put;
+        if (got == 0) {  // the file had been longer
+            ::SetLastError(ERROR_HANDLE_EOF);
+            return false;
+        }
+        done += got;
     }
     return true;
 }
 
-bool seek(FileHandle file, uint64_t position) noexcept {
-    if (position > static_cast<uint64_t>(LLONG_MAX)) return false;
-    LARGE_INTEGER distance;
-    distance.QuadPart = static_cast<LONGLONG>(position);
-    return ::SetFilePointerEx(handleOf(file), distance, nullptr, FILE_BEGIN) != 0;
-}
-
-bool deleteFile(const char* path) noexcept { return ::DeleteFileA(path) != 0; }
-
-bool replaceFile(const char* from, const char* to) noexcept {
-    return ::MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
-}
+// Holes read as zeros and cost the reading alone.
+uint64_t skipHole(FileHandle, uint64_t position, uint64_t) noexcept { return position; }
 
 namespace {
 // Nothing when the code page cannot say the name: one that says something else is no file's.

@@ -1,7 +1,9 @@
 #include "frame/settings.h"
 
 #include <algorithm>
+#include <new>
 
+#include "frame/file.h"
 #include "frame/text.h"
 
 namespace ko {
@@ -194,18 +196,26 @@ bool SettingsTree::set(std::string_view path, std::string_view key, std::string_
 }
 
 std::optional<SettingsFile> SettingsFile::open(const char* path) {
-    File file = File::openForReading(path, Sharing::reading);
-    if (!file || file.size() > SettingsTree::kMaxFileSize) return std::nullopt;
-    std::vector<uint8_t> bytes(static_cast<size_t>(file.size()));
-    bytes.resize(file.read(bytes));  // it may have shrunk meanwhile
+    const FileReading reading = readWhole(path, kSettingsFiles);
+    if (!reading) return std::nullopt;
+    return fromText(path, reading.file.text());
+}
+
+std::optional<SettingsFile> SettingsFile::fromText(const char* path, std::string_view text) {
+    if (text.size() > SettingsTree::kMaxFileSize) {
+        platform::setLastError(platform::Cause::tooLarge);
+        return std::nullopt;
+    }
     SettingsFile settings(path);
-    settings.tree_ =
-        SettingsTree::parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    settings.tree_ = SettingsTree::parse(text);
     return settings;
 }
 
 std::optional<SettingsFile> SettingsFile::startAfresh(const char* path) {
-    if (!path || fileNameOf(path).empty()) return std::nullopt;
+    if (!path || fileNameOf(path).empty()) {
+        platform::setLastError(platform::Cause::wrongArgument);
+        return std::nullopt;
+    }
     return SettingsFile(path);
 }
 
@@ -217,9 +227,13 @@ const std::string* SettingsFile::value(std::string_view key) const noexcept {
 
 bool SettingsFile::save() const noexcept try {
     const std::string text = tree_.text();
-    if (text.size() > SettingsTree::kMaxFileSize) return false;  // it could not be read again
-    return replaceWhole(path_, text);
-} catch (...) {
+    if (text.size() > SettingsTree::kMaxFileSize) {  // it could not be read again
+        platform::setLastError(platform::Cause::tooLarge);
+        return false;
+    }
+    return replaceWhole(path_.c_str(), kSettingsFiles, text) == SaveResult::written;
+} catch (const std::bad_alloc&) {
+    platform::setLastError(platform::Cause::shortMemory);
     return false;
 }
 

@@ -68,6 +68,8 @@ class SettingsFile {
 public:
     // The file as it is; empty when it cannot be read or is larger than kMaxFileSize.
     static std::optional<SettingsFile> open(const char* path);
+    // The same from what was read of the file.
+    static std::optional<SettingsFile> fromText(const char* path, std::string_view text);
     // Without keys, whatever the file holds; empty for a path that no file can have. The file
     // itself changes in save() alone.
     static std::optional<SettingsFile> startAfresh(const char* path);

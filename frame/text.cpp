@@ -109,9 +109,9 @@ std::string_view textIn(std::span<const char> field) noexcept {
 }
 
 bool copyPath(std::span<char> field, const char* path) noexcept {
-    if (!path) return false;
+    if (!path) return platform::failFor(platform::Cause::wrongArgument);
     const size_t length = strnlen(path, field.size());
-    if (length >= field.size()) return false;
+    if (length >= field.size()) return platform::failFor(platform::Cause::nameTooLong);
     std::memmove(field.data(), path, length);
     field[length] = '\0';
     return true;
@@ -202,29 +202,28 @@ int jStrCmpNI(const char* a, const char* b, size_t n) noexcept {
     return 0;
 }
 
-bool LineReader::fill() noexcept {
-    begin_ = 0;
-    end_ = file_.read({reinterpret_cast<uint8_t*>(buffer_), sizeof buffer_});
-    return end_ > 0;
+bool LineReader::next(std::string_view& line) noexcept {
+    if (rest_.empty()) return false;
+    const auto end = std::find_if(rest_.begin(), rest_.end(),
+                                  [](char c) { return c == '\n' || c == '\r'; });
+    line = rest_.substr(0, static_cast<size_t>(end - rest_.begin()));
+    rest_.remove_prefix(line.size());
+    if (rest_.starts_with("\r\n")) rest_.remove_prefix(2);
+    else if (!rest_.empty()) rest_.remove_prefix(1);
+    return true;
 }
 
 bool LineReader::next(std::span<char> line) noexcept {
-    size_t length = 0;
-    bool any = false, cut = false;
-    while (begin_ < end_ || fill()) {
-        any = true;
-        const char character = buffer_[begin_++];
-        if (character == '\n') break;
-        if (character == '\r') {
-            if ((begin_ < end_ || fill()) && buffer_[begin_] == '\n') ++begin_;
-            break;
-        }
-        if (length + 1 < line.size()) line[length++] = character;
-        else cut = true;
+    std::string_view text;
+    if (!next(text)) return false;
+    if (line.empty()) return true;
+    size_t length = text.size();
+    if (length >= line.size()) {
+        length = endOfWholeCharacters(text.substr(0, line.size() - 1));
     }
-    if (cut) length = endOfWholeCharacters({line.data(), length});
-    if (!line.empty()) line[length] = '\0';
-    return any;
+    if (length > 0) std::memcpy(line.data(), text.data(), length);
+    line[length] = '\0';
+    return true;
 }
 
 }  // namespace ko

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "frame/file.h"
 #include "frame/platform.h"
 
 namespace ko {
@@ -35,8 +34,8 @@ void copyText(std::span<char> field, std::string_view text,
 // The text in a field of a record that may lack its terminator.
 std::string_view textIn(std::span<const char> field) noexcept;
 
-// Copies a path whole into a field; false, the field untouched, when path is null or too long. A
-// path that were cut would name another file.
+// Copies a path whole into a field; false, the field untouched and platform::lastError set, when
+// path is null or too long. A path that were cut would name another file.
 [[nodiscard]] bool copyPath(std::span<char> field, const char* path) noexcept;
 
 // The parts of a path, read character by character in the system's code page.
@@ -62,28 +61,26 @@ void copyTypedPath(std::span<char> field, std::string_view typed) noexcept;
 // Compares at most n characters without regard to ASCII case; 0 when equal.
 int jStrCmpNI(const char* a, const char* b, size_t n) noexcept;
 
-// Lines of an open file, read through a buffer of its own. LF, CR LF and CR end a line.
+// Lines of a text in memory. LF, CR LF and CR end a line.
 class LineReader {
 public:
-    explicit LineReader(File& file) noexcept : file_(file) {}
+    explicit LineReader(std::string_view text) noexcept : rest_(text) {}
     // The next line without its end, cut to line.size() - 1 bytes and NUL-terminated; what is
-    // beyond is dropped up to the line end. False at the end of the file.
+    // beyond is dropped up to the line end. False at the end of the text.
     bool next(std::span<char> line) noexcept;
+    // The next line itself, without its end.
+    bool next(std::string_view& line) noexcept;
 
 private:
-    bool fill() noexcept;
-    File& file_;
-    size_t begin_ = 0, end_ = 0;
-    char buffer_[4096];
+    std::string_view rest_;
 };
 // The name that the file formats' descriptions use.
 inline bool jFilesGets(LineReader& lines, std::span<char> line) noexcept { return lines.next(line); }
 
-// Collects lines and writes them in one go; every line ends with CR LF.
+// Collects lines; every one ends with CR LF.
 class LineWriter {
 public:
     void put(std::string_view line) { text_.append(line).append("\r\n"); }
-    bool writeTo(File& file) const noexcept { return file.write(text_); }
     const std::string& text() const noexcept { return text_; }
 
 private:

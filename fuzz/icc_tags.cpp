@@ -33,8 +33,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             readBytes(lut.inputTables, tables);
         }
         if (!codec.encode) continue;
-        std::vector<uint8_t> element;
-        (void)codec.encode(block.get(), profile->swapBytes == 1, element);
+        ko::icc::FileParts file;
+        (void)codec.encode(block.get(), profile->swapBytes == 1, file);
+        for (const auto part : file.parts()) readBytes(part.data(), part.size());
     }
     return 0;
 }

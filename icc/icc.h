@@ -43,23 +43,42 @@ template <class T>
     return true;
 }
 
-// Files.
+// Files. loadHeader and loadTag each read the file anew, as the exported functions of these names.
 [[nodiscard]] ProfilePtr loadHeader(const char* path);
 void* loadTag(IccProfile& profile, uint32_t signature);
-// Loads what one loadTag after the other for every directory entry would load, reading each tag
-// once however often the directory repeats it.
-void loadAllTags(IccProfile& profile);
+
+// A profile and the bytes of its file, all of one moment: what the engine itself reads. The bytes
+// may go when the last tag is loaded; the profile stays.
+struct ProfileFile {
+    ProfilePtr profile;  // null: it cannot be read, see platform::lastError
+    FileBytes bytes;
+    explicit operator bool() const noexcept { return profile != nullptr; }
+};
+[[nodiscard]] ProfileFile openProfile(const char* path);
+enum class TagResult {
+    loaded,
+    absent,       // no such tag, of another type, or with a claim that cannot be believed
+    shortMemory,
+};
+// Binds the tag of that signature; findTag has it then.
+[[nodiscard]] TagResult loadTag(ProfileFile& file, uint32_t signature) noexcept;
+
 uint32_t saveProfile(IccProfile* profile, const char* path);
 uint32_t saveDeviceProfile(IccProfile* profile, const char* path);
 uint32_t saveLinkProfile(IccProfile* profile, const char* path);
 
-// The same readers over bytes in memory. The decoded data is not bound. A small tolerance keeps
-// tests of many lying files from filling 64 MiB of zeros for each.
+// The same readers over bytes in memory. The decoded data is not bound.
 [[nodiscard]] ProfilePtr parseHeader(std::span<const uint8_t> bytes,
                                      uint64_t claimTolerance = kClaimTolerance) noexcept;
-[[nodiscard]] Block<void> decodeTag(const IccProfile& profile, std::span<const uint8_t> bytes,
-                                    uint32_t signature,
-                                    uint64_t claimTolerance = kClaimTolerance) noexcept;
+struct Decoded {
+    Block<void> data;
+    TagResult result;
+    explicit operator bool() const noexcept { return data != nullptr; }
+    void* get() const noexcept { return data.get(); }
+};
+[[nodiscard]] Decoded decodeTag(const IccProfile& profile, std::span<const uint8_t> bytes,
+                                uint32_t signature,
+                                uint64_t claimTolerance = kClaimTolerance) noexcept;
 
 // LUT blocks.
 struct LutShape {

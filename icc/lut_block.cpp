@@ -2,7 +2,6 @@
 #include "icc/lut_block.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "grid/cell.h"
 
@@ -50,10 +49,9 @@ Block<IccLut> layOutLut(const LutShape& shape) noexcept {
         return nullptr;
     const LutSizes sizes = sizesOf(shape);
     Block<IccLut> lut =
-        allocateBlock<IccLut>(plusOrTooLarge(sizeof(IccLut), sizes.tables()));
+        allocateZeroBlock<IccLut>(plusOrTooLarge(sizeof(IccLut), sizes.tables()));
     if (!lut) return nullptr;
 
-    *lut = IccLut{};
     lut->inputChannels = shape.inputChannels;
     lut->outputChannels = shape.outputChannels;
     lut->gridPoints = shape.gridPoints;
@@ -70,7 +68,6 @@ Block<IccLut> layOutLut(const LutShape& shape) noexcept {
 Block<IccLut> makeLut(const LutShape& shape) noexcept {
     Block<IccLut> lut = layOutLut(shape);
     if (!lut) return nullptr;
-    std::memset(lut->inputTables, 0, static_cast<size_t>(sizesOf(shape).tables()));
     lut->matrix[0] = lut->matrix[4] = lut->matrix[8] = 1;
     return lut;
 }

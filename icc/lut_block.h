@@ -5,7 +5,7 @@
 
 namespace ko::icc {
 
-// As makeLut, but the matrix is zero and the tables hold whatever the memory held.
+// As makeLut, but the matrix is zero.
 [[nodiscard]] Block<IccLut> layOutLut(const LutShape& shape) noexcept;
 
 }  // namespace ko::icc

@@ -1,6 +1,7 @@
-// Reading profile files: header and directory first, tags on demand.
+// Reading profile files: header and directory first, tags on demand; or all from one reading.
 #include <bit>
 
+#include "frame/file.h"
 #include "frame/text.h"
 #include "icc/header_order.h"
 #include "icc/tag_codecs.h"
@@ -23,59 +24,123 @@ void reverseHeader(IccHeader& header) noexcept {
 namespace {
 
 constexpr uint64_t kEntrySize = 12;
+constexpr uint64_t kEntriesAt = sizeof(IccHeader) + 4;
 
-// The tag directory; false when it cannot be had.
-bool readDirectory(ByteSource& source, IccProfile& profile) noexcept {
-    const ByteOrder order = profile.swapBytes ? ByteOrder::bigEndian : ByteOrder::littleEndian;
-    uint8_t bytes[256 * kEntrySize];
-    source.read(sizeof(IccHeader), {bytes, 4});
-    const int32_t count = ByteReader({bytes, 4}, order).s32();
+// How much of what was claimed so far lies beyond the file's end. All claims of a file together
+// may pass it by the tolerance.
+class Claims {
+public:
+    Claims(uint64_t fileSize, uint64_t tolerance) noexcept
+        : fileSize_(fileSize), tolerance_(tolerance), left_(tolerance) {}
+
+    // Whether a claim can be believed; one that can counts.
+    bool admit(uint64_t offset, uint64_t size) noexcept {
+        if (!isBelievableClaim(offset, size, fileSize_, tolerance_)) return false;
+        const uint64_t end = offset + size;
+        const uint64_t beyond = end > fileSize_ ? std::min(size, end - fileSize_) : 0;
+        if (beyond > left_) return false;
+        left_ -= beyond;
+        return true;
+    }
+
+private:
+    uint64_t fileSize_, tolerance_, left_;
+};
+
+ByteOrder orderOf(const IccProfile& profile) noexcept {
+    return profile.swapBytes == 1 ? ByteOrder::bigEndian : ByteOrder::littleEndian;
+}
+
+std::span<const uint8_t> from(std::span<const uint8_t> bytes, uint64_t at) noexcept {
+    return at < bytes.size() ? bytes.subspan(static_cast<size_t>(at))
+                             : std::span<const uint8_t>();
+}
+
+// 0 when the file ends before it.
+int32_t tagCountOf(const IccProfile& profile, std::span<const uint8_t> bytes) noexcept {
+    return ByteReader(from(bytes, sizeof(IccHeader)), orderOf(profile)).s32();
+}
+
+// The tag directory; false when it cannot be had. The file has no more bytes than these, or at
+// least the whole directory is among them.
+bool readDirectory(std::span<const uint8_t> bytes, Claims claims, IccProfile& profile) noexcept {
+    const int32_t count = tagCountOf(profile, bytes);
     if (count == 0) return true;
-    uint64_t position = sizeof(IccHeader) + 4;
-    if (count < 0 || !source.mayHold(position, count * kEntrySize)) return false;
-
-    Block<IccTagEntry> tags = allocateBlock<IccTagEntry>(count * uint64_t{sizeof(IccTagEntry)});
+    if (count < 0 || !claims.admit(kEntriesAt, count * kEntrySize))
+        return platform::failFor(platform::Cause::damaged);
+    // Entries that the file does not have stay zero.
+    Block<IccTagEntry> tags =
+        allocateZeroBlock<IccTagEntry>(count * uint64_t{sizeof(IccTagEntry)});
     if (!tags) return false;
-    for (int32_t at = 0; at < count;) {
-        const int32_t end = std::min(count, at + 256);
-        const std::span chunk(bytes, static_cast<size_t>(end - at) * kEntrySize);
-        source.read(position, chunk);
-        position += chunk.size();
-        for (ByteReader in(chunk, order); at < end; ++at) {
-            const uint32_t signature = in.u32(), offset = in.u32(), size = in.u32();
-            tags.get()[at] = {signature, offset, size, nullptr};
-        }
+    ByteReader in(from(bytes, kEntriesAt), orderOf(profile));
+    for (int32_t at = 0; at < count && in.remaining() > 0; ++at) {
+        uint8_t entry[kEntrySize] = {};
+        const auto held = in.take(std::min<size_t>(kEntrySize, in.remaining()));
+        std::memcpy(entry, held.data(), held.size());
+        ByteReader fields(entry, orderOf(profile));
+        IccTagEntry& tag = tags.get()[at];
+        tag.signature = fields.u32();
+        tag.offset = fields.u32();
+        tag.size = fields.u32();
     }
     profile.tags = tags.release();
     profile.tagCount = count;
     return true;
 }
 
-ProfilePtr readProfile(ByteSource& source) noexcept {
-    if (source.size() < sizeof(IccHeader)) return nullptr;
+// The header alone; null when the file is too short for one or memory is.
+ProfilePtr readHeader(std::span<const uint8_t> bytes) noexcept {
+    if (bytes.size() < sizeof(IccHeader)) {
+        platform::setLastError(platform::Cause::damaged);
+        return nullptr;
+    }
     ProfilePtr profile(allocateBlock<IccProfile>(sizeof(IccProfile)).release());
     if (!profile) return nullptr;
     *profile = IccProfile{};
-    uint8_t bytes[sizeof(IccHeader)];
-    source.read(0, bytes);
-    std::memcpy(&profile->header, bytes, sizeof bytes);
-    if (std::memcmp(bytes + 36, "acsp", 4) == 0) {
+    std::memcpy(&profile->header, bytes.data(), sizeof(IccHeader));
+    if (std::memcmp(bytes.data() + 36, "acsp", 4) == 0) {
         profile->swapBytes = 1;
         reverseHeader(profile->header);
     }
-    return readDirectory(source, *profile) ? std::move(profile) : nullptr;
+    return profile;
 }
 
-Block<void> readTag(ByteSource& source, const IccProfile& profile,
-                    const IccTagEntry& tag) noexcept {
-    const TagCodec* const codec = findCodec(tag.signature);
-    if (!codec || !codec->decode) return nullptr;
-    return codec->decode(Element(source, tag, profile.swapBytes == 1));
+// Whether the claim of a tag can be believed beside those of the tags before it in the directory.
+bool isBelievable(const IccProfile& profile, std::span<const uint8_t> bytes,
+                  const IccTagEntry& wanted, uint64_t tolerance) noexcept {
+    Claims claims(bytes.size(), tolerance);
+    const auto tags = tagsOf(profile);
+    (void)claims.admit(kEntriesAt, tags.size() * kEntrySize);
+    uint32_t seen = 0;  // a bit a codec: only the first entry of a signature counts
+    static_assert(sizeof seen * 8 >= 18);
+    for (const IccTagEntry& tag : tags) {
+        const TagCodec* const codec = findCodec(tag.signature);
+        if (!codec || !codec->decode) continue;
+        const uint32_t bit = 1u << (codec - tagCodecs().data());
+        if (seen & bit) continue;
+        seen |= bit;
+        const auto claim = codec->claim(Element(bytes, tag, profile.swapBytes == 1));
+        const bool admitted = claim && claims.admit(tag.offset, *claim);
+        if (&tag == &wanted) return admitted;
+    }
+    return false;
 }
 
-bool isReadable(uint32_t signature) noexcept {
+Decoded readTag(const IccProfile& profile, std::span<const uint8_t> bytes, uint32_t signature,
+                uint64_t tolerance) noexcept {
     const TagCodec* const codec = findCodec(signature);
-    return codec && codec->decode;
+    const IccTagEntry* const tag = findTag(profile, signature);
+    if (!codec || !codec->decode || !tag) return {nullptr, TagResult::absent};
+    if (!isBelievable(profile, bytes, *tag, tolerance)) return {nullptr, TagResult::absent};
+    Block<void> data = codec->decode(Element(bytes, *tag, profile.swapBytes == 1));
+    const auto result = data ? TagResult::loaded : TagResult::shortMemory;
+    return {std::move(data), result};
+}
+
+void* bindDecoded(IccProfile& profile, uint32_t signature, Decoded decoded) noexcept {
+    if (decoded.result == TagResult::absent) platform::setLastError(platform::Cause::damaged);
+    void* const data = decoded.data.get();
+    return bindBlock(profile, signature, std::move(decoded.data)) ? data : nullptr;
 }
 
 }  // namespace
@@ -83,58 +148,69 @@ bool isReadable(uint32_t signature) noexcept {
 ProfilePtr loadHeader(const char* path) {
     char checkedPath[KOLINK_PATH_SIZE] = {};
     if (!copyPath(checkedPath, path)) return nullptr;
-    const FileGuard guard;
-    File file = File::openForReading(checkedPath, Sharing::none);
-    if (!file) return nullptr;
-    FileSource source(file);
-    ProfilePtr profile = readProfile(source);
-    if (profile) std::memcpy(profile->path, checkedPath, sizeof checkedPath);
-    return profile;
-}
-
-void* loadTag(IccProfile& profile, uint32_t signature) {
-    if (!isReadable(signature)) return nullptr;
-    const IccTagEntry* const tag = findTag(profile, signature);
-    if (!tag) return nullptr;
-    const FileGuard guard;
-    File file = File::openForReading(profile.path, Sharing::none);
-    if (!file) return nullptr;
-    FileSource source(file);
-    Block<void> block = readTag(source, profile, *tag);
-    void* const data = block.get();
-    return bindBlock(profile, signature, std::move(block)) ? data : nullptr;
-}
-
-void loadAllTags(IccProfile& profile) {
-    const FileGuard guard;
-    File file = File::openForReading(profile.path, Sharing::none);
-    if (!file) return;
-    FileSource source(file);
-    uint32_t seen = 0;  // a bit a codec: only the first entry of a signature counts
-    static_assert(sizeof seen * 8 >= 18);
-    const auto codecs = tagCodecs();
-    for (const IccTagEntry& tag : tagsOf(profile)) {
-        const TagCodec* const codec = findCodec(tag.signature);
-        if (!codec || !codec->decode) continue;
-        const uint32_t bit = 1u << (codec - codecs.data());
-        if (seen & bit) continue;
-        seen |= bit;
-        // Binding to an entry that is there moves nothing, so the loop goes on safely.
-        (void)bindBlock(profile, tag.signature, readTag(source, profile, tag));
+    // The directories of real profiles end well before that.
+    constexpr uint64_t kBeginning = uint64_t{64} << 10;
+    for (uint64_t wanted = kBeginning;;) {
+        const FileReading reading = readWhole(checkedPath, kProfileFiles, wanted);
+        if (!reading) return nullptr;
+        const auto bytes = reading.file.bytes();
+        ProfilePtr profile = readHeader(bytes);
+        if (!profile) return nullptr;
+        const auto count = static_cast<uint64_t>(std::max(0, tagCountOf(*profile, bytes)));
+        const uint64_t needed = kEntriesAt + count * kEntrySize;
+        if (bytes.size() < std::min(needed, reading.file.fileSize())) {
+            wanted = needed;  // the directory is read with its header again
+            continue;
+        }
+        const Claims claims(reading.file.fileSize(), kClaimTolerance);
+        if (!readDirectory(bytes, claims, *profile)) return nullptr;
+        std::memcpy(profile->path, checkedPath, sizeof checkedPath);
+        return profile;
     }
 }
 
-ProfilePtr parseHeader(std::span<const uint8_t> bytes, uint64_t claimTolerance) noexcept {
-    MemorySource source(bytes, claimTolerance);
-    return readProfile(source);
+void* loadTag(IccProfile& profile, uint32_t signature) {
+    const TagCodec* const codec = findCodec(signature);
+    if (!codec || !codec->decode || !findTag(profile, signature)) {
+        platform::setLastError(platform::Cause::wrongArgument);
+        return nullptr;
+    }
+    const FileReading reading = readWhole(profile.path, kProfileFiles);
+    if (!reading) return nullptr;
+    return bindDecoded(profile, signature,
+                       readTag(profile, reading.file.bytes(), signature, kClaimTolerance));
 }
 
-Block<void> decodeTag(const IccProfile& profile, std::span<const uint8_t> bytes,
-                      uint32_t signature, uint64_t claimTolerance) noexcept {
-    const IccTagEntry* const tag = findTag(profile, signature);
-    if (!tag) return nullptr;
-    MemorySource source(bytes, claimTolerance);
-    return readTag(source, profile, *tag);
+ProfileFile openProfile(const char* path) {
+    ProfileFile opened;
+    char checkedPath[KOLINK_PATH_SIZE] = {};
+    if (!copyPath(checkedPath, path)) return opened;
+    FileReading reading = readWhole(checkedPath, kProfileFiles);
+    if (!reading) return opened;
+    opened.profile = parseHeader(reading.file.bytes());
+    if (!opened.profile) return opened;
+    std::memcpy(opened.profile->path, checkedPath, sizeof checkedPath);
+    opened.bytes = std::move(reading.file);
+    return opened;
+}
+
+TagResult loadTag(ProfileFile& file, uint32_t signature) noexcept {
+    Decoded decoded = decodeTag(*file.profile, file.bytes.bytes(), signature);
+    if (decoded.result != TagResult::loaded) return decoded.result;
+    return bindBlock(*file.profile, signature, std::move(decoded.data)) ? TagResult::loaded
+                                                                        : TagResult::shortMemory;
+}
+
+ProfilePtr parseHeader(std::span<const uint8_t> bytes, uint64_t claimTolerance) noexcept {
+    ProfilePtr profile = readHeader(bytes);
+    if (!profile || !readDirectory(bytes, Claims(bytes.size(), claimTolerance), *profile))
+        return nullptr;
+    return profile;
+}
+
+Decoded decodeTag(const IccProfile& profile, std::span<const uint8_t> bytes, uint32_t signature,
+                  uint64_t claimTolerance) noexcept {
+    return readTag(profile, bytes, signature, claimTolerance);
 }
 
 }  // namespace ko::icc

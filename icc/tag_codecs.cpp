@@ -10,8 +10,43 @@ constexpr uint64_t kTypeSize = 8;  // of type signature and reserved bytes
 
 // Decoding
 
+uint32_t countAt(const Element& element, uint64_t at) noexcept {
+    uint8_t bytes[4];
+    element.read(at, bytes);
+    return ByteReader(bytes, element.order()).u32();
+}
+
+constexpr size_t kPage = 4096;
+
+// Into a block of zeros. Pages that hold zeros alone are left as they are, so that the holes of a
+// file take no memory here either.
+void copyThinly(std::span<const uint8_t> from, uint8_t* to) noexcept {
+    for (size_t at = 0; at < from.size(); at += kPage) {
+        const auto page = from.subspan(at, std::min(kPage, from.size() - at));
+        const bool zero = page[0] == 0 && std::memcmp(&page[0], &page[0] + 1, page.size() - 1) == 0;
+        if (!zero) std::memcpy(to + at, page.data(), page.size());
+    }
+}
+
+// 16-bit entries of a table of that many bytes, into a block of zeros.
+void copyEntries(std::span<const uint8_t> from, bool reversed, uint8_t* to) noexcept {
+    copyThinly(from, to);
+    if (!reversed) return;
+    const size_t whole = from.size() + from.size() % 2;  // the byte beyond is zero
+    for (size_t at = 0; at < whole; at += kPage) {
+        const size_t size = std::min(kPage, whole - at);
+        const auto held = from.subspan(at, std::min(size, from.size() - at));
+        const bool zero = held[0] == 0 && std::memcmp(&held[0], &held[0] + 1, held.size() - 1) == 0;
+        if (!zero) IccReverseBytes(to + at, to + at, 2, size / 2);
+    }
+}
+
+std::optional<uint64_t> claimXyz(const Element& element) noexcept {
+    if (!element.hasType("XYZ ")) return std::nullopt;
+    return kTypeSize + 12;
+}
+
 Block<void> decodeXyz(const Element& element) noexcept {
-    if (!element.hasType("XYZ ")) return nullptr;
     uint8_t bytes[12];
     element.read(kTypeSize, bytes);
     Block<float> xyz = allocateBlock<float>(3 * sizeof(float));
@@ -21,76 +56,93 @@ Block<void> decodeXyz(const Element& element) noexcept {
     return Block<void>(xyz.release());
 }
 
-uint32_t countAt(const Element& element, uint64_t at) noexcept {
-    uint8_t bytes[4];
-    element.read(at, bytes);
-    return ByteReader(bytes, element.order()).u32();
+std::optional<uint64_t> claimCurve(const Element& element) noexcept {
+    if (!element.hasType("curv")) return std::nullopt;
+    return kTypeSize + 4 + uint64_t{countAt(element, kTypeSize)} * 2;
 }
 
 Block<void> decodeCurve(const Element& element) noexcept {
-    if (!element.hasType("curv")) return nullptr;
     const uint32_t count = countAt(element, kTypeSize);
     const uint64_t size = uint64_t{count} * 2;
-    if (!element.mayHold(kTypeSize + 4, size)) return nullptr;
     // Room for the whole record, which has one entry, also when the curve has none.
-    Block<IccCurve> curve = allocateBlock<IccCurve>(sizeof(IccCurve) + size);
+    Block<IccCurve> curve = allocateZeroBlock<IccCurve>(sizeof(IccCurve) + size);
     if (!curve) return nullptr;
-    *curve = IccCurve{count, {0}};
-    const std::span entries(reinterpret_cast<uint8_t*>(curve->entries), static_cast<size_t>(size));
-    element.read(kTypeSize + 4, entries);
-    if (element.bigEndian()) IccReverseBytes(entries.data(), entries.data(), 2, count);
+    curve->count = count;
+    copyEntries(element.held(kTypeSize + 4, size), element.bigEndian(),
+                reinterpret_cast<uint8_t*>(curve->entries));
     return Block<void>(curve.release());
 }
 
 // The text as stored, with a terminating NUL behind it in case the file has none.
 Block<void> decodeString(const Element& element, uint64_t at, uint32_t length) noexcept {
-    if (!element.mayHold(at, length)) return nullptr;
-    Block<uint8_t> text = allocateBlock<uint8_t>(uint64_t{length} + 1);
-    if (!text) return nullptr;
-    element.read(at, {text.get(), length});
-    text.get()[length] = 0;
+    Block<uint8_t> text = allocateZeroBlock<uint8_t>(uint64_t{length} + 1);
+    if (text) copyThinly(element.held(at, length), text.get());
     return Block<void>(text.release());
 }
 
-Block<void> decodeDescription(const Element& element) noexcept {
-    if (!element.hasType("desc")) return nullptr;
+std::optional<uint64_t> claimDescription(const Element& element) noexcept {
     const uint32_t length = countAt(element, kTypeSize);
-    return length == 0 ? nullptr : decodeString(element, kTypeSize + 4, length);
+    if (!element.hasType("desc") || length == 0) return std::nullopt;
+    return kTypeSize + 4 + uint64_t{length};
+}
+
+Block<void> decodeDescription(const Element& element) noexcept {
+    return decodeString(element, kTypeSize + 4, countAt(element, kTypeSize));
+}
+
+std::optional<uint64_t> claimText(const Element& element) noexcept {
+    if (!element.hasType("text") || element.size() < kTypeSize) return std::nullopt;
+    return element.size();
 }
 
 Block<void> decodeText(const Element& element) noexcept {
-    if (!element.hasType("text") || element.size() < kTypeSize) return nullptr;
     return decodeString(element, kTypeSize, element.size() - static_cast<uint32_t>(kTypeSize));
 }
 
-Block<void> decodeLut(const Element& element) noexcept {
+// What stands before a LUT's tables.
+struct LutHead {
+    LutShape shape{};
+    float matrix[9];
+    uint64_t tablesAt;
+};
+
+std::optional<LutHead> lutHeadOf(const Element& element) noexcept {
     const bool narrow = element.hasType("mft1");
-    if (!narrow && !element.hasType("mft2")) return nullptr;
+    if (!narrow && !element.hasType("mft2")) return std::nullopt;
     uint8_t bytes[52 - kTypeSize];
     element.read(kTypeSize, bytes);
     ByteReader in(bytes, element.order());
-    LutShape shape{};
+    LutHead head;
+    LutShape& shape = head.shape;
     shape.inputChannels = in.u8();
     shape.outputChannels = in.u8();
     shape.gridPoints = in.u8();
     shape.precision = narrow ? 1 : 2;
     in.skip(1);
-    float matrix[9];
-    for (float& coefficient : matrix) coefficient = IccFixedToFloat(in.s32());
+    for (float& coefficient : head.matrix) coefficient = IccFixedToFloat(in.s32());
     shape.inputEntries = narrow ? 256 : in.u16();
     shape.outputEntries = narrow ? 256 : in.u16();
+    head.tablesAt = narrow ? 48 : 52;
+    return head;
+}
 
-    const uint64_t tablesAt = narrow ? 48 : 52;
-    const uint64_t size = sizesOf(shape).tables();
-    if (!element.mayHold(tablesAt, size)) return nullptr;
-    Block<IccLut> lut = layOutLut(shape);
+std::optional<uint64_t> claimLut(const Element& element) noexcept {
+    const auto head = lutHeadOf(element);
+    if (!head) return std::nullopt;
+    const uint64_t size = sizesOf(head->shape).tables();
+    return size > UINT64_MAX - head->tablesAt ? UINT64_MAX : head->tablesAt + size;
+}
+
+Block<void> decodeLut(const Element& element) noexcept {
+    const auto head = lutHeadOf(element);
+    if (!head) return nullptr;
+    Block<IccLut> lut = layOutLut(head->shape);
     if (!lut) return nullptr;
-    std::memcpy(lut->matrix, matrix, sizeof matrix);
+    std::memcpy(lut->matrix, head->matrix, sizeof head->matrix);
     // The three parts stand in the file as they do in the block.
-    const std::span tables(static_cast<uint8_t*>(lut->inputTables), static_cast<size_t>(size));
-    element.read(tablesAt, tables);
-    if (!narrow && element.bigEndian())
-        IccReverseBytes(tables.data(), tables.data(), 2, size / 2);
+    copyEntries(element.held(head->tablesAt, sizesOf(head->shape).tables()),
+                head->shape.precision == 2 && element.bigEndian(),
+                static_cast<uint8_t*>(lut->inputTables));
     return Block<void>(lut.release());
 }
 
@@ -100,10 +152,10 @@ uint32_t inOrder(uint32_t value, bool bigEndian) noexcept {
     return bigEndian ? value : reverse32(value);
 }
 
-std::optional<uint64_t> encodeXyz(const void* data, bool bigEndian, std::vector<uint8_t>& bytes) {
+std::optional<uint64_t> encodeXyz(const void* data, bool bigEndian, FileParts& file) {
     float xyz[3];
     std::memcpy(xyz, data, sizeof xyz);
-    ByteWriter out(bytes);
+    ByteWriter out(file.bytes());
     out.append("XYZ ");
     out.zeros(4);
     for (const float value : xyz)
@@ -111,9 +163,9 @@ std::optional<uint64_t> encodeXyz(const void* data, bool bigEndian, std::vector<
     return 20;
 }
 
-std::optional<uint64_t> encodeDescription(const void* data, bool, std::vector<uint8_t>& bytes) {
+std::optional<uint64_t> encodeDescription(const void* data, bool, FileParts& file) {
     const std::string_view text = static_cast<const char*>(data);
-    ByteWriter out(bytes);
+    ByteWriter out(file.bytes());
     out.append("desc");
     out.zeros(4);
     out.u32(static_cast<uint32_t>(text.size() + 1));
@@ -124,9 +176,9 @@ std::optional<uint64_t> encodeDescription(const void* data, bool, std::vector<ui
     return 12 + uint64_t{text.size()} + 1 + 78;
 }
 
-std::optional<uint64_t> encodeText(const void* data, bool, std::vector<uint8_t>& bytes) {
+std::optional<uint64_t> encodeText(const void* data, bool, FileParts& file) {
     const std::string_view text = static_cast<const char*>(data);
-    ByteWriter out(bytes);
+    ByteWriter out(file.bytes());
     out.append("text");
     out.zeros(4);
     out.append(text);
@@ -136,24 +188,27 @@ std::optional<uint64_t> encodeText(const void* data, bool, std::vector<uint8_t>&
 
 // Readers of these files see a sequence of length 10, two bytes short of its count field. It has
 // always been so and stays so.
-std::optional<uint64_t> encodeSequence(const void*, bool, std::vector<uint8_t>& bytes) {
-    ByteWriter out(bytes);
+std::optional<uint64_t> encodeSequence(const void*, bool, FileParts& file) {
+    ByteWriter out(file.bytes());
     out.append("pseq");
     out.zeros(4 + 4);
     return 10;
 }
 
+// Small ones are copied; a grid that is written as it is stays where it is.
 void appendEntries(const void* table, uint64_t size, uint8_t precision, bool reversed,
-                   std::vector<uint8_t>& bytes) {
+                   FileParts& file) {
     if (size == 0) return;
+    const std::span from(static_cast<const uint8_t*>(table), static_cast<size_t>(size));
+    const bool swaps = reversed && precision > 1;
+    if (!swaps && size > kPage) return file.borrow(from);
+    std::vector<uint8_t>& bytes = file.bytes();
     const size_t start = bytes.size();
-    const auto* const from = static_cast<const uint8_t*>(table);
-    bytes.insert(bytes.end(), from, from + size);
-    if (reversed && precision > 1)
-        IccReverseBytes(&bytes[start], &bytes[start], precision, size / precision);
+    bytes.insert(bytes.end(), from.begin(), from.end());
+    if (swaps) IccReverseBytes(&bytes[start], &bytes[start], precision, size / precision);
 }
 
-std::optional<uint64_t> encodeLut(const void* data, bool bigEndian, std::vector<uint8_t>& bytes) {
+std::optional<uint64_t> encodeLut(const void* data, bool bigEndian, FileParts& file) {
     IccLut lut;
     std::memcpy(&lut, data, sizeof lut);
     const LutSizes sizes = sizesOf(shapeOf(lut));
@@ -162,9 +217,8 @@ std::optional<uint64_t> encodeLut(const void* data, bool bigEndian, std::vector<
         (sizes.clut > 0 && !lut.clut) || (sizes.outputTables > 0 && !lut.outputTables))
         return std::nullopt;
 
-    const size_t start = bytes.size();
-    bytes.reserve(start + 56 + static_cast<size_t>(sizes.tables()));
-    ByteWriter out(bytes);
+    const uint64_t start = file.size();
+    ByteWriter out(file.bytes());
     if (lut.precision == 1) out.append("mft1");
     else if (lut.precision == 2) out.append("mft2");
     else out.zeros(4);  // no type; the rest keeps its place
@@ -179,36 +233,51 @@ std::optional<uint64_t> encodeLut(const void* data, bool bigEndian, std::vector<
         out.u16(static_cast<uint16_t>(lut.outputEntries));
     }
     // Curves are big-endian in any file; the grid follows the file's byte order.
-    appendEntries(lut.inputTables, sizes.inputTables, lut.precision, true, bytes);
-    appendEntries(lut.clut, sizes.clut, lut.precision, bigEndian && lut.precision == 2, bytes);
-    appendEntries(lut.outputTables, sizes.outputTables, lut.precision, true, bytes);
-    return bytes.size() - start;
+    appendEntries(lut.inputTables, sizes.inputTables, lut.precision, true, file);
+    appendEntries(lut.clut, sizes.clut, lut.precision, bigEndian && lut.precision == 2, file);
+    appendEntries(lut.outputTables, sizes.outputTables, lut.precision, true, file);
+    return file.size() - start;
 }
 
 // In the order in which profiles list them. kTRC is left out on purpose: hosts rely on null
 // for it.
 constexpr TagCodec kTagCodecs[] = {
-    {fourcc("A2B0"), decodeLut, encodeLut, kAllWriters, 2},
-    {fourcc("A2B1"), decodeLut, encodeLut, kFullWriters, 0},
-    {fourcc("A2B2"), decodeLut, encodeLut, kFullWriters, 0},
-    {fourcc("B2A0"), decodeLut, encodeLut, kFullWriters, 0},
-    {fourcc("B2A1"), decodeLut, encodeLut, kFullWriters, 1},
-    {fourcc("B2A2"), decodeLut, encodeLut, kFullWriters, 0},
-    {fourcc("gamt"), decodeLut, encodeLut, kFullWriters, 0},
-    {fourcc("cprt"), decodeText, encodeText, kAllWriters, 0},
-    {fourcc("desc"), decodeDescription, encodeDescription, kAllWriters, 0},
-    {fourcc("wtpt"), decodeXyz, encodeXyz, kFullWriters, 0},
-    {fourcc("bkpt"), decodeXyz, encodeXyz, kFullWriters, 0},
-    {fourcc("rXYZ"), decodeXyz, nullptr, kNoWriter, 0},
-    {fourcc("gXYZ"), decodeXyz, nullptr, kNoWriter, 0},
-    {fourcc("bXYZ"), decodeXyz, nullptr, kNoWriter, 0},
-    {fourcc("rTRC"), decodeCurve, nullptr, kNoWriter, 0},
-    {fourcc("gTRC"), decodeCurve, nullptr, kNoWriter, 0},
-    {fourcc("bTRC"), decodeCurve, nullptr, kNoWriter, 0},
-    {fourcc("pseq"), nullptr, encodeSequence, kLinkWriter, 0},
+    {fourcc("A2B0"), claimLut, decodeLut, encodeLut, kAllWriters, 2},
+    {fourcc("A2B1"), claimLut, decodeLut, encodeLut, kFullWriters, 0},
+    {fourcc("A2B2"), claimLut, decodeLut, encodeLut, kFullWriters, 0},
+    {fourcc("B2A0"), claimLut, decodeLut, encodeLut, kFullWriters, 0},
+    {fourcc("B2A1"), claimLut, decodeLut, encodeLut, kFullWriters, 1},
+    {fourcc("B2A2"), claimLut, decodeLut, encodeLut, kFullWriters, 0},
+    {fourcc("gamt"), claimLut, decodeLut, encodeLut, kFullWriters, 0},
+    {fourcc("cprt"), claimText, decodeText, encodeText, kAllWriters, 0},
+    {fourcc("desc"), claimDescription, decodeDescription, encodeDescription, kAllWriters, 0},
+    {fourcc("wtpt"), claimXyz, decodeXyz, encodeXyz, kFullWriters, 0},
+    {fourcc("bkpt"), claimXyz, decodeXyz, encodeXyz, kFullWriters, 0},
+    {fourcc("rXYZ"), claimXyz, decodeXyz, nullptr, kNoWriter, 0},
+    {fourcc("gXYZ"), claimXyz, decodeXyz, nullptr, kNoWriter, 0},
+    {fourcc("bXYZ"), claimXyz, decodeXyz, nullptr, kNoWriter, 0},
+    {fourcc("rTRC"), claimCurve, decodeCurve, nullptr, kNoWriter, 0},
+    {fourcc("gTRC"), claimCurve, decodeCurve, nullptr, kNoWriter, 0},
+    {fourcc("bTRC"), claimCurve, decodeCurve, nullptr, kNoWriter, 0},
+    {fourcc("pseq"), nullptr, nullptr, encodeSequence, kLinkWriter, 0},
 };
 
 }  // namespace
+
+void FileParts::borrow(std::span<const uint8_t> part) {
+    borrowed_.push_back(part);
+    before_ += own_.back().size() + part.size();
+    own_.emplace_back();
+}
+
+std::vector<std::span<const uint8_t>> FileParts::parts() const {
+    std::vector<std::span<const uint8_t>> all;
+    for (size_t at = 0; at < own_.size(); ++at) {
+        all.emplace_back(own_[at]);
+        if (at < borrowed_.size()) all.push_back(borrowed_[at]);
+    }
+    return all;
+}
 
 std::span<const TagCodec> tagCodecs() noexcept { return kTagCodecs; }
 

@@ -1,5 +1,6 @@
-// Writing profile files. A file is put together in memory and written in one go: nothing of the
-// old file is touched before the new one is complete.
+// Writing profile files. A file is put together in memory, around the grids that are there
+// already, before the old one is touched.
+#include "frame/file.h"
 #include "frame/text.h"
 #include "icc/header_order.h"
 #include "icc/tag_codecs.h"
@@ -7,12 +8,10 @@
 namespace ko::icc {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
 constexpr size_t kDirectoryAt = sizeof(IccHeader) + 4;
 constexpr size_t kSlotSize = 12;
 
-void putBigEndian(Bytes& bytes, size_t at, uint32_t value) {
+void putBigEndian(std::vector<uint8_t>& bytes, size_t at, uint32_t value) {
     value = reverse32(value);
     std::memcpy(&bytes[at], &value, sizeof value);
 }
@@ -30,14 +29,15 @@ uint64_t countSlots(const IccProfile& profile, Writers writer) noexcept {
     return count;
 }
 
-// The whole file; empty when a tag cannot be written or the file would pass 4 GiB.
-Bytes assemble(const IccProfile& profile, Writers writer, uint64_t slots) {
-    Bytes bytes(sizeof(IccHeader));
+// The whole file; false when a tag cannot be written or the file would pass 4 GiB.
+bool assemble(const IccProfile& profile, Writers writer, uint64_t slots, FileParts& file) {
     IccHeader header = profile.header;
     const bool bigEndian = profile.swapBytes == 1;
     if (bigEndian) reverseHeader(header);
-    std::memcpy(bytes.data(), &header, sizeof header);
-    ByteWriter out(bytes);
+    std::vector<uint8_t>& head = file.head();
+    head.resize(sizeof header);
+    std::memcpy(head.data(), &header, sizeof header);
+    ByteWriter out(head);
     out.u32(static_cast<uint32_t>(slots));
     out.zeros(static_cast<size_t>(slots * kSlotSize));
 
@@ -45,33 +45,32 @@ Bytes assemble(const IccProfile& profile, Writers writer, uint64_t slots) {
     for (const IccTagEntry& tag : tagsOf(profile)) {
         const TagCodec* const codec = findCodec(tag.signature);
         if (!tag.data || !codec || !(codec->writers & writer)) continue;
-        const size_t start = bytes.size();  // a multiple of 4, as everything before it is
-        const auto length = codec->encode(tag.data, bigEndian, bytes);
-        if (!length) return {};
-        out.alignTo4();
-        if (bytes.size() > UINT32_MAX) return {};
+        const uint64_t start = file.size();  // a multiple of 4, as everything before it is
+        const auto length = codec->encode(tag.data, bigEndian, file);
+        if (!length) return false;
+        file.alignTo4();
+        if (file.size() > UINT32_MAX) return false;
         for (uint32_t alias = 0; alias <= aliasesOf(tag, writer); ++alias, slot += kSlotSize) {
-            putBigEndian(bytes, slot, tag.signature + alias);
-            putBigEndian(bytes, slot + 4, static_cast<uint32_t>(start));
-            putBigEndian(bytes, slot + 8, static_cast<uint32_t>(*length));
+            putBigEndian(head, slot, tag.signature + alias);
+            putBigEndian(head, slot + 4, static_cast<uint32_t>(start));
+            putBigEndian(head, slot + 8, static_cast<uint32_t>(*length));
         }
     }
-    putBigEndian(bytes, 0, static_cast<uint32_t>(bytes.size()));
-    return bytes;
+    putBigEndian(head, 0, static_cast<uint32_t>(file.size()));
+    return true;
 }
 
 uint32_t save(IccProfile* profile, const char* path, Writers writer) {
-    if (!profile || !copyPath(profile->path, path)) return 0;
+    if (!profile) return platform::failFor(platform::Cause::wrongArgument);
+    if (!copyPath(profile->path, path)) return 0;
     const uint64_t slots = countSlots(*profile, writer);
-    if (slots == 0 || slots * kSlotSize > UINT32_MAX) return 0;
-    const Bytes bytes = assemble(*profile, writer, slots);
-    if (bytes.empty()) return 0;
-
-    const FileGuard guard;
-    File file = File::create(profile->path);
+    if (slots == 0 || slots * kSlotSize > UINT32_MAX)
+        return platform::failFor(platform::Cause::wrongArgument);
+    FileParts file;
+    if (!assemble(*profile, writer, slots, file))
+        return platform::failFor(platform::Cause::wrongArgument);
     // A file that cannot be created counts as written: hosts have never seen a 0 for it.
-    if (file) (void)file.write(bytes);
-    return 1;
+    return replaceWhole(profile->path, kProfileFiles, file.parts()) == SaveResult::failed ? 0 : 1;
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ constexpr char kCopyright[] = "No copyright, use freely";
 constexpr double kD50[3] = {0.9642, 1.0, 0.8249};
 constexpr int32_t kDevicePoints = 9, kLabPoints = 17;
 
-// Tags are bound one after the other; one that memory does not suffice for is left out.
+// Tags are bound one after the other; without memory for one the profile is not complete.
 class TagBinder {
 public:
     explicit TagBinder(IccProfile& profile) noexcept : profile_(profile) {}
@@ -101,6 +101,7 @@ int32_t saveDeviceProfile(DeviceProfile& profile, const char* path) {
     const icc::ProfilePtr icc = icc::create(icc::kCreatePrinter);
     if (!icc) return 1;  // hosts have always been told so
 
+    std::memcpy(profile.path, name, sizeof name);  // also when the writing fails
     TagBinder tags(*icc);
     tags.text(fourcc("cprt"), kCopyright);
     tags.text(fourcc("desc"), std::string(kMarker).append(textIn(profile.description)));
@@ -118,9 +119,8 @@ int32_t saveDeviceProfile(DeviceProfile& profile, const char* path) {
     bindInks(tags, fourcc("B2A0"), profile.toCmyk0);
     bindInks(tags, fourcc("B2A1"), profile.toCmyk1);
 
-    const bool written = icc::saveDeviceProfile(icc.get(), name) == 1;
-    std::memcpy(profile.path, name, sizeof name);
-    return written && tags.complete() ? 1 : 0;
+    // A profile that lacks a tag is not written: it would replace a good one.
+    return tags.complete() && icc::saveDeviceProfile(icc.get(), name) == 1 ? 1 : 0;
 }
 
 }  // namespace ko::link

@@ -14,7 +14,7 @@ namespace ko::link {
 class ReadyLut {
 public:
     ReadyLut() = default;
-    ReadyLut(IccProfile& profile, uint32_t signature, int32_t inputs, int32_t outputs);
+    ReadyLut(icc::ProfileFile& file, uint32_t signature, int32_t inputs, int32_t outputs);
     ReadyLut(ReadyLut&& other) noexcept : lut_(std::exchange(other.lut_, nullptr)) {}
     ReadyLut& operator=(ReadyLut&& other) noexcept {
         std::swap(lut_, other.lut_);
@@ -39,7 +39,7 @@ struct MatrixSource {
     Curve curves[3];
     double colorants[3][3];  // X, Y, Z of R, G, B
 
-    static std::optional<MatrixSource> of(IccProfile& profile);
+    static std::optional<MatrixSource> of(icc::ProfileFile& file);
     void toXyz16(int32_t* values) const noexcept;  // 16-bit device levels in, encoded XYZ out
 };
 
@@ -54,7 +54,7 @@ struct IccPair {
 };
 
 // The profiles of the settings, ready for a source of that colour space ("RGB " or "CMYK"); empty
-// when anything that the conversion needs is missing.
+// when anything that the conversion needs is missing. Throws std::bad_alloc.
 [[nodiscard]] std::optional<IccPair> openPair(const CmsLinkSettings& settings,
                                               uint32_t colourSpace);
 

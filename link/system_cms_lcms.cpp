@@ -10,16 +10,6 @@
 namespace ko::link::system {
 namespace {
 
-constexpr uint64_t kMaxProfileBytes = uint64_t{256} << 20;  // real ones have a few MiB
-
-std::vector<uint8_t> readProfile(const char* path) {
-    File file = File::openForReading(path, Sharing::reading);
-    if (!file || file.size() > kMaxProfileBytes) return {};
-    std::vector<uint8_t> bytes(static_cast<size_t>(file.size()));
-    bytes.resize(file.read(bytes));
-    return bytes;
-}
-
 // 0 for what a colour of three or four channels cannot hold.
 cmsUInt32Number formatOf(cmsHPROFILE profile) {
     switch (cmsGetColorSpace(profile)) {
@@ -32,7 +22,7 @@ cmsUInt32Number formatOf(cmsHPROFILE profile) {
 }  // namespace
 
 struct Profile {
-    std::vector<uint8_t> bytes;  // tags are read from here when they are needed
+    FileBytes bytes;  // tags are read from here when they are needed
     cmsHPROFILE handle = nullptr;
 };
 struct Transform {
@@ -41,10 +31,11 @@ struct Transform {
 
 Profile* openProfile(const char* path) {
     auto profile = std::make_unique<Profile>();
-    profile->bytes = readProfile(path);
-    if (profile->bytes.empty()) return nullptr;
-    profile->handle = cmsOpenProfileFromMem(profile->bytes.data(),
-                                            static_cast<cmsUInt32Number>(profile->bytes.size()));
+    FileReading reading = readWhole(path, kTableFiles);  // beside others who read it
+    if (!reading) return nullptr;
+    profile->bytes = std::move(reading.file);
+    const auto bytes = profile->bytes.bytes();
+    profile->handle = cmsOpenProfileFromMem(bytes.data(), static_cast<cmsUInt32Number>(bytes.size()));
     return profile.release();
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "frame/file.h"
 #include "frame/scan.h"
 #include "frame/text.h"
 #include "tone/fields.h"
@@ -86,18 +87,18 @@ void readDccLine(char* line, DccSettings& settings) noexcept {
     readCurveLine(line, *settings.curves, kDccCurves, 1);
 }
 
-// What all loaders share: the curve is reset before the file is opened, and stays so when it
-// cannot be; each line goes to readLine; the table is made at the end.
+// What all loaders share: the curve is reset when the file cannot be opened, and stays as it was
+// when it cannot be read; each line goes to readLine; the table is made at the end.
 template <class ReadLine>
 bool load(ToneCurve& curve, const char* path, int32_t maxValue, ReadLine&& readLine) {
     char kept[KOLINK_PATH_SIZE];  // the path given may be the curve's own, which the reset empties
     const bool pathFits = copyPath(kept, path);
+    const FileReading reading =
+        pathFits ? readWhole(kept, kCurveFiles) : FileReading{ReadResult::notOpened, {}};
+    if (reading.result == ReadResult::failed) return false;
     initToneCurve(curve);
-    if (!pathFits) return false;
-    const FileGuard guard;
-    File file = File::openForReading(kept, Sharing::reading);
-    if (!file) return false;
-    LineReader lines(file);
+    if (!reading) return false;
+    LineReader lines(reading.file.text());
     for (char line[kLineSize]; jFilesGets(lines, line);) readLine(line);
     std::copy(std::begin(kept), std::end(kept), curve.path);
     encode(curve, Interpolation::spline, maxValue);
@@ -107,24 +108,25 @@ bool load(ToneCurve& curve, const char* path, int32_t maxValue, ReadLine&& readL
 }  // namespace
 
 bool loadBkcCurve(ToneCurve& curve, const char* path) {
-    if (curve.channelCount < 1 || !curve.table) return false;
+    if (!hasChannels(curve, 1)) return false;
     return load(curve, path, 255, [&](char* line) { readBkcLine(line, curve); });
 }
 
 bool loadCmykToneCurve(ToneCurve& curve, const char* path) {
-    if (curve.channelCount != 4 || !curve.table) return false;
+    if (!hasChannels(curve, 4)) return false;
+    if (curve.channelCount > 4) return platform::failFor(platform::Cause::wrongArgument);
     return load(curve, path, 255,
                 [&](const char* line) { readCurveLine(line, curve, kCmykCurves, 1); });
 }
 
 bool loadDccCurve(ToneCurve& curve, const char* path) {
-    if (curve.channelCount < 6 || !curve.table) return false;
+    if (!hasChannels(curve, 6)) return false;
     return load(curve, path, 255 * 16,
                 [&](const char* line) { readCurveLine(line, curve, kDccCurves, 16); });
 }
 
 bool loadDcc(DccSettings& settings, const char* path) {
-    if (!settings.curves || settings.curves->channelCount < 6 || !settings.curves->table) return false;
+    if (!hasChannels(settings, 6)) return false;
     return load(*settings.curves, path, 255, [&](char* line) { readDccLine(line, settings); });
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 
+#include "frame/platform.h"
 #include "kolink/tone_curve.h"
 #include "kolink/tone_file.h"
 
@@ -21,6 +22,16 @@ inline std::span<int16_t, kLevels> flagsOf(const ToneCurve& curve, int32_t chann
 }
 inline std::span<int16_t, kLevels> valuesOf(const ToneCurve& curve, int32_t channel) noexcept {
     return std::span<int16_t, kLevels>(curve.table + channel * kChannelEntries + kLevels, kLevels);
+}
+
+// False, with its reason, for a curve that has not that many channels.
+inline bool hasChannels(const ToneCurve& curve, int32_t count) noexcept {
+    if (curve.channelCount >= count && curve.table) return true;
+    return platform::failFor(platform::Cause::wrongArgument);
+}
+inline bool hasChannels(const DccSettings& settings, int32_t count) noexcept {
+    if (settings.curves) return hasChannels(*settings.curves, count);
+    return platform::failFor(platform::Cause::wrongArgument);
 }
 
 struct CurveRelease {

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <string>
 
+#include "frame/file.h"
 #include "frame/text.h"
 #include "tone/fields.h"
 #include "tone/tone.h"
@@ -36,22 +37,18 @@ void putCurves(LineWriter& lines, const ToneCurve& curve, size_t curves) {
     for (const CurveKey& key : std::span(kCurveKeys).first(curves)) putCurve(lines, curve, key);
 }
 
-// What all savers share. A file that was created counts as saved.
 bool save(ToneCurve& curve, const char* path, const LineWriter& lines) {
     char checked[KOLINK_PATH_SIZE];
     if (!copyPath(checked, path)) return false;
-    const FileGuard guard;
-    File file = File::create(checked);
-    if (!file) return false;
+    if (replaceWhole(checked, kCurveFiles, lines.text()) != SaveResult::written) return false;
     std::copy(std::begin(checked), std::end(checked), curve.path);
-    (void)lines.writeTo(file);
     return true;
 }
 
 }  // namespace
 
 bool saveBkcCurve(ToneCurve& curve, const char* path) {
-    if (curve.channelCount < 1 || !curve.table) return false;
+    if (!hasChannels(curve, 1)) return false;
     const std::string rule(48, '-');
     LineWriter lines;
     jFilesPuts(lines, rule);
@@ -65,14 +62,14 @@ bool saveBkcCurve(ToneCurve& curve, const char* path) {
 }
 
 bool saveCmykToneCurve(ToneCurve& curve, const char* path) {
-    if (curve.channelCount < 4 || !curve.table) return false;
+    if (!hasChannels(curve, 4)) return false;
     LineWriter lines;
     putCurves(lines, curve, kCmykCurves);
     return save(curve, path, lines);
 }
 
 bool saveDcc(DccSettings& settings, const char* path) {
-    if (!settings.curves || settings.curves->channelCount < 6 || !settings.curves->table) return false;
+    if (!hasChannels(settings, 6)) return false;
     ToneCurve& curves = *settings.curves;
     LineWriter lines;
     jFilesPuts(lines, std::string("DEV    = ").append(textIn(curves.title)) + ';');

@@ -39,9 +39,7 @@ void ProfileEditor::leaveName(std::string_view name) {
 void ProfileEditor::leaveComment(std::string_view comment) {
     if (comment != this->comment()) copyText(profile_.comment, comment);
     jStrCorrect(profile_.comment);
-    const std::string_view corrected = textIn(profile_.comment);
-    if (looksLikeEditingData(corrected))
-        copyText(profile_.comment, "\r\n" + std::string(corrected));
+    copyText(profile_.comment, asPlainText(textIn(profile_.comment)));
 }
 
 bool ProfileEditor::startNew(dialog::EditorHost& host) {

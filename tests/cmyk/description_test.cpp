@@ -161,11 +161,11 @@ TEST_F(CmykDescription, CommentIsTakenOnce) {
     EXPECT_STREQ(profile->comment, "one\ntwo");
 }
 
-TEST_F(CmykDescription, LinesOfACommentAreNoKeywords) {
-    std::strcpy(profile->name, "kept");
-    apply(kFourLines + "one\nNAME: other\nCTRL: 0\n");
-    EXPECT_STREQ(profile->comment, "one\nNAME: other\nCTRL: 0\n");
-    EXPECT_STREQ(profile->name, "kept");
+TEST_F(CmykDescription, KeywordLinesInsideTheCommentAreTextAndCountAllTheSame) {
+    std::strcpy(profile->name, "old");
+    apply(kFourLines + "one\nNAME: other\nCTRL: 0\ntwo");
+    EXPECT_STREQ(profile->comment, "one\nNAME: other\nCTRL: 0\ntwo");
+    EXPECT_STREQ(profile->name, "other");
 }
 
 TEST_F(CmykDescription, LongCommentIsCutToItsField) {

@@ -192,20 +192,24 @@ TEST_F(CmykTable, AmtCommentEndsWithTheHeader) {
     EXPECT_EQ(profile->comment, std::string(192, 'c'));
 }
 
-TEST_F(CmykTable, EmptyFileGivesEmptyTextsAndAZeroGrid) {
+TEST_F(CmykTable, EmptyFileGivesEmptyTextsAndLeavesTheGrid) {
+    const OwnedProfile fresh(jKoCmykCreateProfile());
     ASSERT_EQ(loadLut({}), 1);
     EXPECT_STREQ(profile->name, "");
     EXPECT_STREQ(profile->comment, "");
-    for (const uint32_t word : profile->grid) ASSERT_EQ(word, 0u);
+    EXPECT_EQ(std::memcmp(profile->grid, fresh->grid, sizeof fresh->grid), 0);
 }
 
-TEST_F(CmykTable, TruncatedGridIsReadAsFarAsItGoesAndTheRestIsZero) {
+TEST_F(CmykTable, TruncatedGridIsReadAsFarAsItGoesAndTheRestStays) {
+    profile->grid[1] = profile->grid[2] = 0xa1b2c3d4;
     Bytes bytes = lutFile("", "", {0x01020304, 0x05060708});
     bytes.pop_back();
     ASSERT_EQ(loadLut(bytes), 1);
     EXPECT_EQ(profile->grid[0], 0x01020304u);
-    EXPECT_EQ(profile->grid[1], 0x00060708u);
-    for (int node = 2; node < KOLINK_CMYK_NODES; ++node) ASSERT_EQ(profile->grid[node], 0u);
+    EXPECT_EQ(profile->grid[1], 0xa1060708u);
+    EXPECT_EQ(profile->grid[2], 0xa1b2c3d4u);
+    const OwnedProfile fresh(jKoCmykCreateProfile());
+    EXPECT_EQ(std::memcmp(profile->grid + 3, fresh->grid + 3, sizeof fresh->grid - 12), 0);
 }
 
 }  // namespace

@@ -210,10 +210,23 @@ TEST(ProfileEditor, ACommentThatLooksLikeEditingDataIsReadBackAsAComment) {
         editing.answers.path = editing.folder.path("a.icc");
         editing.editor->saveAs(editing.answers);
         const auto again = loaded(editing.folder.path("a.icc"));
-        EXPECT_EQ(textIn(again->comment), "\r\n" + std::string(comment));
+        EXPECT_EQ(textIn(again->comment), " " + std::string(comment));
         EXPECT_STREQ(again->name, "mine");
         EXPECT_EQ(again->curveFlags[0][1], 0);
     }
+}
+
+TEST(ProfileEditor, LinesOfACommentThatLookLikeEditingDataAreReadBackAsTheyStand) {
+    Editing editing;
+    editing.editor->leaveName("mine");
+    editing.editor->leaveComment("one\r\nNAME: other\r\n NAME: x\r\nCTRL: 111");
+    editing.editor->leaveComment(editing.editor->comment());  // once is enough
+    editing.answers.path = editing.folder.path("a.icc");
+    editing.editor->saveAs(editing.answers);
+    const auto again = loaded(editing.folder.path("a.icc"));
+    EXPECT_STREQ(again->comment, "one\r\n NAME: other\r\n NAME: x\r\n CTRL: 111");
+    EXPECT_STREQ(again->name, "mine");
+    EXPECT_EQ(again->curveFlags[0][1], 0);
 }
 
 TEST(ProfileEditor, RecordsWithoutTerminatorsAreReadWithinTheirFields) {

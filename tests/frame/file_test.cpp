@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstring>
+#include <fstream>
 
 #include "frame/text.h"
 #include "tests/frame/code_page.h"
@@ -16,14 +18,22 @@ using test::TempFolder;
 using test::writeFile;
 
 std::vector<std::string> linesOf(const std::string& text, size_t size) {
-    const TempFolder folder;
-    writeFile(folder.path("lines"), text);
-    File file = File::openForReading(folder.path("lines").c_str(), Sharing::reading);
-    LineReader reader(file);
+    LineReader reader(text);
     std::vector<char> buffer(size);
     std::vector<std::string> lines;
     while (jFilesGets(reader, buffer)) lines.emplace_back(buffer.data());
     return lines;
+}
+
+// Whether a file was replaced by the text.
+bool saved(const std::string& path, std::string_view text) {
+    return replaceWhole(path.c_str(), kColourTableFiles, text) == SaveResult::written;
+}
+
+size_t entriesOf(const TempFolder& folder) {
+    size_t entries = 0;
+    for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder.folder())) ++entries;
+    return entries;
 }
 
 TEST(Lines, EndWithLfOrCrLf) {
@@ -47,11 +57,6 @@ TEST(Lines, AreCutAtAWholeCharacter) {
     EXPECT_EQ(linesOf("ab\x95\x5c", 5), std::vector<std::string>{"ab\x95\x5c"});
 }
 
-TEST(Lines, EndAcrossTheReadersOwnBuffer) {
-    const std::string first(4095, 'x');
-    EXPECT_EQ(linesOf(first + "\r\ny", 8000), (std::vector<std::string>{first, "y"}));
-}
-
 TEST(Lines, AreWrittenWithCrLf) {
     LineWriter writer;
     jFilesPuts(writer, "a");
@@ -59,72 +64,206 @@ TEST(Lines, AreWrittenWithCrLf) {
     EXPECT_EQ(writer.text(), "a\r\n\r\n");
 }
 
-TEST(FileReading, OpensNoFolderAndNothingMissing) {
+TEST(FileReading, ReadsNoFolderAndNothingMissing) {
     const TempFolder folder;
-    EXPECT_FALSE(File::openForReading(folder.folder().string().c_str(), Sharing::reading));
-    EXPECT_FALSE(File::openForReading(folder.path("missing").c_str(), Sharing::none));
-    EXPECT_FALSE(File::openForReading("", Sharing::none));
-    EXPECT_FALSE(File::openForReading(nullptr, Sharing::none));
+    const auto resultOf = [](const char* path) { return readWhole(path, kCurveFiles).result; };
+    EXPECT_EQ(resultOf(folder.folder().string().c_str()), ReadResult::notOpened);
+    EXPECT_EQ(resultOf(folder.path("missing").c_str()), ReadResult::notOpened);
+    EXPECT_EQ(resultOf(""), ReadResult::notOpened);
+    EXPECT_EQ(resultOf(nullptr), ReadResult::notOpened);
 }
 
 TEST(FileReading, GivesWhatIsThere) {
     const TempFolder folder;
     writeFile(folder.path("a"), "hello");
-    File file = File::openForReading(folder.path("a").c_str(), Sharing::none);
-    ASSERT_TRUE(file);
-    EXPECT_EQ(file.size(), 5u);
-    uint8_t bytes[8] = {};
-    EXPECT_TRUE(file.seek(1));
-    EXPECT_EQ(file.read(bytes), 4u);
-    EXPECT_EQ(std::memcmp(bytes, "ello", 4), 0);
-    EXPECT_FALSE(file.seek(uint64_t{1} << 63));
+    const FileReading reading = readWhole(folder.path("a").c_str(), kProfileFiles);
+    ASSERT_TRUE(reading);
+    EXPECT_EQ(reading.file.text(), "hello");
+    EXPECT_EQ(reading.file.fileSize(), 5u);
 }
 
-TEST(FileWriting, TruncatesWhatIsThere) {
+TEST(FileReading, GivesTheBeginningAloneWhenNoMoreIsWanted) {
     const TempFolder folder;
     writeFile(folder.path("a"), "hello");
+    const FileReading reading = readWhole(folder.path("a").c_str(), kProfileFiles, 2);
+    ASSERT_TRUE(reading);
+    EXPECT_EQ(reading.file.text(), "he");
+    EXPECT_EQ(reading.file.fileSize(), 5u);
+}
+
+TEST(FileReading, GivesAnEmptyFile) {
+    const TempFolder folder;
+    writeFile(folder.path("a"), "");
+    const FileReading reading = readWhole(folder.path("a").c_str(), kProfileFiles);
+    ASSERT_TRUE(reading);
+    EXPECT_TRUE(reading.file.bytes().empty());
+}
+
+TEST(FileReading, RefusesAFileThatIsTooLargeForItsKind) {
+    const TempFolder folder;
+    writeFile(folder.path("a"), "hello");
+    EXPECT_TRUE(readWhole(folder.path("a").c_str(), {5, false, true}));
+    EXPECT_EQ(readWhole(folder.path("a").c_str(), {4, false, true}).result, ReadResult::failed);
+    EXPECT_NE(platform::lastError(), 0u);
+}
+
+TEST(FileReading, GivesALargeFileWithHolesWhole) {
+    const TempFolder folder;
+    constexpr size_t kSize = (size_t{20} << 20) + 77;  // beyond what is read in one go
+    std::string expected(kSize, '\0');
+    writeFile(folder.path("a"), "");
+    fs::resize_file(folder.path("a"), kSize);
     {
-        File file = File::create(folder.path("a").c_str());
-        ASSERT_TRUE(file);
-        EXPECT_TRUE(file.write(std::string_view("x")));
+        std::fstream file(folder.path("a"), std::ios::in | std::ios::out | std::ios::binary);
+        for (const size_t at : {size_t{0}, size_t{65535}, size_t{9} << 20, kSize - 3}) {
+            file.seekp(static_cast<std::streamoff>(at));
+            file.write("abc", 3);
+            expected.replace(at, 3, "abc");
+        }
     }
-    EXPECT_EQ(test::readText(folder.path("a")), "x");
+    const FileReading reading = readWhole(folder.path("a").c_str(), kProfileFiles);
+    ASSERT_TRUE(reading);
+    EXPECT_TRUE(reading.file.text() == expected);
+}
+
+TEST(FileReading, LeavesTheReasonOfEarlierFailuresAlone) {
+    const TempFolder folder;
+    writeFile(folder.path("a"), "hello");
+    platform::setLastError(77);
+    ASSERT_TRUE(readWhole(folder.path("a").c_str(), kProfileFiles));
+    EXPECT_EQ(platform::lastError(), 77u);
+}
+
+TEST(FileReading, SaysWhyItFailed) {
+    const TempFolder folder;
+    platform::setLastError(0);
+    EXPECT_FALSE(readWhole(folder.path("missing").c_str(), kProfileFiles));
+    EXPECT_EQ(platform::lastError(), 2u);  // ENOENT and ERROR_FILE_NOT_FOUND alike
 }
 
 TEST(FileReplacing, PutsTheNewFileInPlace) {
     const TempFolder folder;
-    writeFile(folder.path("a"), "old");
-    EXPECT_TRUE(replaceWhole(folder.path("a"), "new"));
+    EXPECT_TRUE(saved(folder.path("a"), "first"));
+    EXPECT_EQ(test::readText(folder.path("a")), "first");
+    EXPECT_TRUE(saved(folder.path("a"), "new"));
     EXPECT_EQ(test::readText(folder.path("a")), "new");
+    EXPECT_EQ(entriesOf(folder), 1u);
+}
+
+TEST(FileReplacing, WritesPartsOneBehindTheOther) {
+    const TempFolder folder;
+    const test::Bytes a = {1, 2}, b = {3};
+    const std::span<const uint8_t> parts[] = {a, {}, b};
+    EXPECT_EQ(replaceWhole(folder.path("a").c_str(), kProfileFiles, parts), SaveResult::written);
+    EXPECT_EQ(test::readFile(folder.path("a")), (test::Bytes{1, 2, 3}));
 }
 
 TEST(FileReplacing, LeavesNothingElseBehind) {
     const TempFolder folder;
-    EXPECT_TRUE(replaceWhole(folder.path("a"), "new"));
+    EXPECT_TRUE(saved(folder.path("a"), "new"));
     fs::create_directory(folder.folder() / "b");
-    EXPECT_FALSE(replaceWhole(folder.path("b"), "new"));
-    EXPECT_FALSE(replaceWhole(folder.path("missing/a"), "new"));
-    size_t entries = 0;
-    for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder.folder())) ++entries;
-    EXPECT_EQ(entries, 2u);  // a and b
+    const auto resultOf = [&](std::string_view name) {
+        return replaceWhole(folder.path(name).c_str(), kProfileFiles, "new");
+    };
+    EXPECT_EQ(resultOf("b"), SaveResult::notCreated);
+    EXPECT_EQ(resultOf("missing/a"), SaveResult::notCreated);
+    EXPECT_EQ(replaceWhole("", kProfileFiles, "new"), SaveResult::notCreated);
+    EXPECT_EQ(replaceWhole(nullptr, kProfileFiles, "new"), SaveResult::notCreated);
+    EXPECT_EQ(entriesOf(folder), 2u);  // a and b
+}
+
+TEST(FileReplacing, ThatIsNotFinishedChangesNothing) {
+    const TempFolder folder;
+    writeFile(folder.path("a"), "old");
+    {
+        NewFile file(folder.path("a").c_str(), false);
+        ASSERT_TRUE(file);
+        EXPECT_TRUE(file.write(std::string_view("new")));
+        EXPECT_EQ(test::readText(folder.path("a")), "old");
+        EXPECT_EQ(entriesOf(folder), 2u);
+    }
+    EXPECT_EQ(test::readText(folder.path("a")), "old");
+    EXPECT_EQ(entriesOf(folder), 1u);
+}
+
+TEST(FileReplacing, LeavesAWriteProtectedFile) {
+    const TempFolder folder;
+    writeFile(folder.path("a"), "old");
+    fs::permissions(folder.path("a"), fs::perms::owner_read);
+    platform::setLastError(0);
+    EXPECT_EQ(replaceWhole(folder.path("a").c_str(), kProfileFiles, "new"),
+              SaveResult::notCreated);
+    EXPECT_NE(platform::lastError(), 0u);
+    EXPECT_EQ(test::readText(folder.path("a")), "old");
+    fs::permissions(folder.path("a"), fs::perms::owner_all);
+    EXPECT_EQ(entriesOf(folder), 1u);
 }
 
 TEST(FileReplacing, KeepsWhoMayReadTheFile) {
     if (test::onWindows()) GTEST_SKIP() << "the folder decides there";
     const TempFolder folder;
     writeFile(folder.path("a"), "old");
-    constexpr auto kOwner = fs::perms::owner_read | fs::perms::owner_write;
-    fs::permissions(folder.path("a"), kOwner);
-    EXPECT_TRUE(replaceWhole(folder.path("a"), "new"));
-    EXPECT_EQ(fs::status(folder.path("a")).permissions(), kOwner);
+    for (const auto mode : {fs::perms(0600), fs::perms(0644), fs::perms(0620)}) {
+        fs::permissions(folder.path("a"), mode);
+        EXPECT_TRUE(saved(folder.path("a"), "new"));
+        EXPECT_EQ(fs::status(folder.path("a")).permissions(), mode);
+    }
 }
 
-TEST(FileReplacing, StepsAroundNamesThatAreTaken) {
+TEST(FileReplacing, KeepsTheLinkThatLeadsToTheFile) {
+    if (test::onWindows()) GTEST_SKIP() << "links need a privilege there";
     const TempFolder folder;
-    for (int number = 0; number < 1000; number += 2)
-        writeFile(folder.path("~ko" + std::to_string(number) + ".tmp"), "left over");
-    EXPECT_TRUE(replaceWhole(folder.path("a"), "new"));
-    EXPECT_EQ(test::readText(folder.path("a")), "new");
+    fs::create_directory(folder.folder() / "there");
+    writeFile(folder.path("there/a"), "old");
+    fs::create_symlink("there/b", folder.folder() / "link");
+    fs::create_symlink("a", folder.folder() / "there" / "b");
+    EXPECT_TRUE(saved(folder.path("link"), "new"));
+    EXPECT_EQ(test::readText(folder.path("there/a")), "new");
+    EXPECT_TRUE(fs::is_symlink(folder.path("link")));
+    EXPECT_TRUE(fs::is_symlink(folder.path("there/b")));
+
+    fs::create_symlink("there/none", folder.folder() / "dangling");
+    EXPECT_TRUE(saved(folder.path("dangling"), "made"));
+    EXPECT_EQ(test::readText(folder.path("there/none")), "made");
+
+    fs::create_symlink("circle", folder.folder() / "circle");
+    EXPECT_FALSE(saved(folder.path("circle"), "new"));
+}
+
+TEST(FileReplacing, WritesADeviceInPlace) {
+    EXPECT_TRUE(saved(test::onWindows() ? "NUL" : "/dev/null", "new"));
+    if (!test::onWindows()) {
+        EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    }
+}
+
+TEST(FileReplacing, ToldOfAFullDeviceSaysSo) {
+    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no such device";
+    platform::setLastError(0);
+    EXPECT_EQ(replaceWhole("/dev/full", kProfileFiles, "new"), SaveResult::failed);
+    EXPECT_EQ(platform::lastError(), static_cast<uint32_t>(ENOSPC));
+}
+
+TEST(FileReplacing, RemovesWhatAKilledProcessLeft) {
+    const TempFolder folder;
+    writeFile(folder.path("~kolink-ffffff-12-0.tmp"), "left over");
+    writeFile(folder.path("~kolink-readme.tmp"), "somebody's");
+    writeFile(folder.path("~ko.tmp"), "somebody's");
+    EXPECT_TRUE(saved(folder.path("a"), "new"));
+    EXPECT_FALSE(test::exists(folder.path("~kolink-ffffff-12-0.tmp")));
+    EXPECT_TRUE(test::exists(folder.path("~kolink-readme.tmp")));
+    EXPECT_TRUE(test::exists(folder.path("~ko.tmp")));
+}
+
+TEST(FileReplacing, LeavesWhatOthersAreMaking) {
+    const TempFolder folder;
+    NewFile slow(folder.path("a").c_str(), false);
+    ASSERT_TRUE(slow);
+    EXPECT_TRUE(slow.write(std::string_view("slow")));
+    EXPECT_TRUE(saved(folder.path("b"), "quick"));
+    EXPECT_EQ(slow.finish(), SaveResult::written);
+    EXPECT_EQ(test::readText(folder.path("a")), "slow");
+    EXPECT_EQ(entriesOf(folder), 2u);
 }
 
 TEST(FileTime, IsTheLocalTimeOfTheLastChange) {
@@ -180,10 +319,9 @@ TEST(CodePage, FilesAndFoldersWithAwkwardNamesAreFound) {
         fs::create_directory(folder.folder() / fs::path(name));
         const std::string path =
             joinPath(joinPath(folder.folder().string(), bytes), bytes + ".txt");
-        EXPECT_TRUE(replaceWhole(path, "inside"));
+        EXPECT_TRUE(saved(path, "inside"));
         EXPECT_TRUE(fs::exists(folder.folder() / fs::path(name) / fs::path(name + u8".txt")));
-        File file = File::openForReading(path.c_str(), Sharing::reading);
-        EXPECT_TRUE(file);
+        EXPECT_TRUE(readWhole(path.c_str(), kCurveFiles));
     }
 }
 
@@ -194,7 +332,7 @@ TEST(CodePage, SameBytesAreAFolderAndAFileOn1252) {
         fs::create_directory(folder.folder() / fs::path(awkward.firstOn1252));
         const std::string path = joinPath(folder.folder().string(), awkward.shiftJis) + "a.txt";
         EXPECT_EQ(fileNameOf(path), "a.txt");
-        EXPECT_TRUE(replaceWhole(path, "inside"));
+        EXPECT_TRUE(saved(path, "inside"));
         EXPECT_TRUE(fs::exists(folder.folder() / fs::path(awkward.firstOn1252) / "a.txt"));
     }
 }
@@ -206,7 +344,7 @@ TEST(CodePage, ShiftJisBytesAreANameOnPosix) {
         const TempFolder folder;
         fs::create_directory(folder.folder() / awkward.shiftJis);
         const std::string path = folder.path(std::string(awkward.shiftJis) + "/a");
-        EXPECT_TRUE(replaceWhole(path, "inside"));
+        EXPECT_TRUE(saved(path, "inside"));
         EXPECT_EQ(test::readText(path), "inside");
     }
 }

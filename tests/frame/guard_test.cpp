@@ -5,6 +5,8 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <fstream>
+#include <random>
 #include <string>
 #include <thread>
 
@@ -28,29 +30,27 @@ struct Findings {
     std::atomic<int> torn = 0, whole = 0, refused = 0;
 };
 
-// Writes the file in small pieces, each full of one byte, or reads it whole and looks for a second
-// byte in it. Every thread does both by turns.
+// Writes the file in small pieces, each full of one byte, in place, or reads it whole and looks for
+// a second byte in it. Every thread does both by turns.
 void work(const std::string& path, uint32_t seed, Findings& findings) {
     std::mt19937 random(seed);
     for (uint32_t round = 0; round < kRounds; ++round) {
         const FileGuard guard;
         if (random() % 2 == 0) {
             const std::string block(kBlock, static_cast<char>('a' + random() % 26));
-            File file = File::create(path.c_str());
+            std::ofstream file(path, std::ios::binary);
             if (!file) ++findings.refused;
             for (size_t at = 0; file && at < kBlocks; ++at) {
-                file.write(block);
+                file.write(block.data(), static_cast<std::streamsize>(block.size())).flush();
                 if (at % 4 == 0) std::this_thread::yield();
             }
         } else {
-            File file = File::openForReading(path.c_str(), Sharing::reading);
-            if (!file) continue;  // not yet written
-            std::vector<uint8_t> bytes(kBlock * kBlocks + 1);
-            const size_t size = file.read(bytes);
-            bytes.resize(size);
+            const FileReading reading = readWhole(path.c_str(), kCurveFiles);
+            if (!reading) continue;  // not yet written
+            const auto bytes = reading.file.bytes();
             const bool same = std::all_of(bytes.begin(), bytes.end(),
                                           [&](uint8_t byte) { return byte == bytes[0]; });
-            ++(same && size == kBlock * kBlocks ? findings.whole : findings.torn);
+            ++(same && bytes.size() == kBlock * kBlocks ? findings.whole : findings.torn);
         }
     }
 }

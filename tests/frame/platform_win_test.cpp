@@ -88,13 +88,13 @@ TEST(NamedMutex, ThatWasAbandonedIsTakenLikeAFreeOne) {
     ASSERT_NE(kept, nullptr);
     std::thread dying([&] {
         platform::NamedMutex* const mutex = platform::openNamedMutex(kName);
-        if (mutex) platform::lock(*mutex);
+        if (mutex) platform::lock(*mutex, nullptr);
         platform::closeNamedMutex(mutex);  // the handle goes, the ownership stays
     });
     dying.join();
     platform::NamedMutex* const next = platform::openNamedMutex(kName);
     ASSERT_NE(next, nullptr);
-    platform::lock(*next);
+    EXPECT_TRUE(platform::lock(*next, nullptr));
     platform::unlockAndClose(next);
     platform::closeNamedMutex(kept);
 }

@@ -189,7 +189,7 @@ TEST(State, FileMutexIsInBeingWhileAttached) {
     ASSERT_NE(processState().fileMutex, nullptr);
     platform::NamedMutex* const mutex = platform::openNamedMutex("_KOLINK_MUTEX");
     ASSERT_NE(mutex, nullptr);
-    platform::lock(*mutex);
+    EXPECT_TRUE(platform::lock(*mutex, nullptr));
     platform::unlockAndClose(mutex);
 }
 
@@ -197,7 +197,7 @@ TEST(State, FileWorkGoesOnUnguardedWithoutAMutex) {
     detach();
     const FileGuard guard;
     const TempFolder folder;
-    EXPECT_TRUE(replaceWhole(folder.path("a"), "x"));
+    EXPECT_EQ(replaceWhole(folder.path("a").c_str(), kProfileFiles, "x"), SaveResult::written);
 }
 
 }  // namespace

@@ -157,19 +157,19 @@ TEST(IccTagCodecs, ListEachTagOnce) {
     }
 }
 
-// loadAllTags
+// One reading for all tags
 
-class IccLoadAllTags : public testing::Test {
+class IccProfileFile : public testing::Test {
 protected:
-    ProfilePtr load(const Bytes& bytes) {
+    ProfileFile open(const Bytes& bytes) {
         test::writeFile(path_, bytes);
-        return loadHeader(path_.c_str());
+        return openProfile(path_.c_str());
     }
     test::TempFolder folder_;
     std::string path_ = folder_.path("profile.icc");
 };
 
-TEST_F(IccLoadAllTags, LoadsWhatOneLoadAfterTheOtherLoads) {
+TEST_F(IccProfileFile, LoadsWhatLoadingFromTheFileLoads) {
     const std::vector<test::Tag> choices = {
         {"A2B0", test::LutElement{.inputs = 1, .outputs = 1, .seed = 1}.bytes()},
         {"A2B0", test::LutElement{.inputs = 2, .outputs = 2, .seed = 2}.bytes()},
@@ -186,14 +186,19 @@ TEST_F(IccLoadAllTags, LoadsWhatOneLoadAfterTheOtherLoads) {
         std::vector<test::Tag> tags;
         for (size_t count = random() % 12; count > 0; --count)
             tags.push_back(choices[random() % choices.size()]);
-        const ProfilePtr all = load(test::profileBytes(tags));
+        ProfileFile file = open(test::profileBytes(tags));
         const ProfilePtr single = loadHeader(path_.c_str());
-        loadAllTags(*all);
-        for (int32_t at = 0; at < single->tagCount; ++at)
-            loadTag(*single, single->tags[at].signature);
-        ASSERT_EQ(all->tagCount, single->tagCount);
-        for (int32_t at = 0; at < all->tagCount; ++at) {
-            const auto* const a = static_cast<const uint8_t*>(all->tags[at].data);
+        ASSERT_TRUE(file && single);
+        const IccProfile& all = *file.profile;
+        ASSERT_EQ(all.tagCount, single->tagCount);
+        EXPECT_STREQ(all.path, single->path);
+        for (int32_t at = 0; at < single->tagCount; ++at) {
+            const uint32_t signature = single->tags[at].signature;
+            const bool loaded = loadTag(file, signature) == TagResult::loaded;
+            ASSERT_EQ(loaded, loadTag(*single, signature) != nullptr) << round << ' ' << at;
+        }
+        for (int32_t at = 0; at < all.tagCount; ++at) {
+            const auto* const a = static_cast<const uint8_t*>(all.tags[at].data);
             const auto* const b = static_cast<const uint8_t*>(single->tags[at].data);
             ASSERT_EQ(a == nullptr, b == nullptr) << round << ' ' << at;
             // The first bytes tell the variants apart and hold no pointer.
@@ -204,8 +209,14 @@ TEST_F(IccLoadAllTags, LoadsWhatOneLoadAfterTheOtherLoads) {
     }
 }
 
-// One after the other these would be read a million times.
-TEST_F(IccLoadAllTags, ReadsATagOnceHoweverOftenItIsListed) {
+TEST_F(IccProfileFile, IsOfOneMoment) {
+    ProfileFile file = open(test::profileBytes({{"desc", test::descriptionElement("first")}}));
+    test::writeFile(path_, test::profileBytes({{"desc", test::descriptionElement("other")}}));
+    ASSERT_EQ(loadTag(file, fourcc("desc")), TagResult::loaded);
+    EXPECT_STREQ(static_cast<const char*>(file.profile->tags[0].data), "first");
+}
+
+TEST_F(IccProfileFile, FindsATagAmongAMillion) {
     Bytes bytes = test::profileHeader();
     constexpr uint32_t kCount = 1000000;
     test::append32(bytes, kCount);
@@ -216,18 +227,34 @@ TEST_F(IccLoadAllTags, ReadsATagOnceHoweverOftenItIsListed) {
     }
     const Bytes description = test::descriptionElement("abc");
     bytes.insert(bytes.end(), description.begin(), description.end());
-    const ProfilePtr profile = load(bytes);
-    ASSERT_TRUE(profile);
-    loadAllTags(*profile);
-    EXPECT_STREQ(static_cast<const char*>(profile->tags[0].data), "abc");
-    for (int32_t at = 1; at < profile->tagCount; ++at) ASSERT_EQ(profile->tags[at].data, nullptr);
+    ProfileFile file = open(bytes);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file.profile->tagCount, static_cast<int32_t>(kCount));
+    EXPECT_EQ(loadHeader(path_.c_str())->tagCount, static_cast<int32_t>(kCount));
+    ASSERT_EQ(loadTag(file, fourcc("desc")), TagResult::loaded);
+    EXPECT_EQ(loadTag(file, fourcc("A2B0")), TagResult::absent);
+    EXPECT_STREQ(static_cast<const char*>(file.profile->tags[0].data), "abc");
 }
 
-TEST_F(IccLoadAllTags, LeavesAProfileWhoseFileIsGoneAsItWas) {
-    const ProfilePtr profile = load(test::profileBytes({{"desc", test::descriptionElement("x")}}));
-    std::filesystem::remove(path_);
-    loadAllTags(*profile);
-    EXPECT_EQ(profile->tags[0].data, nullptr);
+TEST_F(IccProfileFile, ThatIsMissingSaysWhy) {
+    EXPECT_FALSE(openProfile(path_.c_str()));
+    EXPECT_NE(platform::lastError(), 0u);
+}
+
+// Claims beyond the end
+
+TEST_F(IccProfileFile, BelievesNoMoreBeyondItsEndThanTheToleranceForAllTagsTogether) {
+    // Each of these curves claims 40 MiB that are not there.
+    std::vector<test::Tag> tags;
+    Bytes curve = test::element("curv");
+    test::append32(curve, 20u << 20);
+    for (const char* name : {"rTRC", "gTRC", "bTRC"}) tags.push_back({name, curve});
+    ProfileFile file = open(test::profileBytes(tags));
+    ASSERT_TRUE(file);
+    EXPECT_EQ(loadTag(file, fourcc("gTRC")), TagResult::absent);
+    EXPECT_EQ(loadTag(file, fourcc("rTRC")), TagResult::loaded);
+    EXPECT_EQ(loadTag(file, fourcc("bTRC")), TagResult::absent);
+    EXPECT_EQ(loadTag(*file.profile, fourcc("bTRC")), nullptr);
 }
 
 // Parsing in memory
