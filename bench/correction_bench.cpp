@@ -16,7 +16,7 @@ void display(std::span<const uint32_t> cmyk, std::span<uint32_t> rgb) {  // as t
     for (size_t at = 0; at < cmyk.size(); ++at) {
         const auto level = [&](int shift) { return static_cast<int32_t>(cmyk[at] >> shift & 255); };
         const auto colour = ko::front::cmykToRgb(level(24), level(16), level(8), level(0));
-        rgb[at] = ko::cmyk::packRgb(colour.r, colour.g, colour.b);
+        rgb[at] = ko::packRgb(colour.r, colour.g, colour.b);
     }
 }
 

@@ -22,13 +22,8 @@ add_library(kolink SHARED ${KO_EXPORT_SOURCES} frame/memory.cpp frame/entry_${KO
 ko_carry_tables(kolink)
 add_library(KoLink::KoLink ALIAS kolink)
 set_target_properties(kolink PROPERTIES EXPORT_NAME KoLink)
-foreach(target ko_frame ko_grid ko_icc ko_tone ko_calib ko_cmyk ko_link ko_front
-               ko_dialog ko_tone_dialog ko_calib_dialog ko_cmyk_dialog ko_front_dialog)
-    if(TARGET ${target})
-        target_link_libraries(kolink PRIVATE ${target})
-    endif()
-endforeach()
-target_link_libraries(kolink PRIVATE ko_warnings)
+target_link_libraries(kolink PRIVATE ko_frame ko_grid ko_icc ko_tone ko_calib ko_cmyk ko_link
+    ko_front ko_dialog ko_tone_dialog ko_calib_dialog ko_cmyk_dialog ko_front_dialog ko_warnings)
 target_include_directories(kolink INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
 

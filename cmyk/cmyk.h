@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "frame/block.h"
+#include "frame/colour_words.h"
 #include "grid/cell.h"
 #include "kolink/cmyk_profile.h"
 #include "kolink/cmyk_table.h"
@@ -30,10 +31,6 @@ constexpr int32_t nodeValue(int32_t index) noexcept {
 // The input level of a curve's point: 4 apart, the last step is 3.
 constexpr int32_t curveLevel(int32_t point) noexcept {
     return grid::steppedLevel(point, kCurvePoints);
-}
-
-constexpr uint32_t packCmyk(uint32_t c, uint32_t m, uint32_t y, uint32_t k) noexcept {
-    return (c & 255) << 24 | (m & 255) << 16 | (y & 255) << 8 | (k & 255);
 }
 
 using Cmyk = std::array<int32_t, 4>;  // four levels, or the four indices of a node
@@ -78,10 +75,6 @@ constexpr int32_t kTableGridPoints = 17;
 // The level of a table's grid index: 16 apart, the last cell is 15 wide.
 constexpr int32_t tableLevel(int32_t index) noexcept {
     return grid::steppedLevel(index, kTableGridPoints);
-}
-
-constexpr uint32_t packRgb(uint32_t r, uint32_t g, uint32_t b) noexcept {
-    return (r & 255) | (g & 255) << 8 | (b & 255) << 16;
 }
 
 void initCmykLut(CmykLut& table) noexcept;

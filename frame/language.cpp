@@ -1,6 +1,5 @@
 #include "frame/language.h"
 
-#include "frame/platform.h"
 #include "frame/settings.h"
 
 namespace ko {
@@ -18,24 +17,9 @@ LanguageTable::LanguageTable(std::string_view source, std::string_view destinati
             texts_.emplace(key.value, translation->value);
 }
 
-const char* LanguageTable::convert(const char* text) const noexcept {
+const char* LanguageTable::translated(const char* text) const noexcept {
     const auto found = texts_.find(std::string_view(text));
     return found == texts_.end() ? text : found->second.c_str();
 }
-
-std::unique_ptr<const LanguageTable> jRegsLangLoad(std::string_view source,
-                                                  std::string_view destination) {
-    return std::make_unique<const LanguageTable>(source, destination);
-}
-
-const char* jRegsLangConv(const LanguageTable* table, const char* text) noexcept {
-    return table && text ? table->convert(text) : text;
-}
-
-const char* jRegsLangGetDstLanguage(const LanguageTable* table) noexcept {
-    return table ? table->destinationLanguage().c_str() : "";
-}
-
-std::string jOemText(int what) { return what == 1 ? platform::userLanguage() : std::string(); }
 
 }  // namespace ko

@@ -48,7 +48,7 @@ void loadLanguageTable(const std::string& language) {
     const auto source = platform::textResource("TEXT_JAPANESE");
     const auto destination =
         platform::textResource(language == "chinese" ? "TEXT_CHINESE" : "TEXT_ENGLISH");
-    state.languageTable = jRegsLangLoad(viewOf(source), viewOf(destination)).release();
+    state.languageTable = new LanguageTable(viewOf(source), viewOf(destination));
 }
 
 // Runs one step of attaching; what fails in it leaves the defaults.
@@ -76,13 +76,15 @@ void attach(const AttachSettings& settings) noexcept {
         (void)copyPath(state.productFolder, state.moduleFolder);
         attempt(readProductFolder);
     }
-    attempt([&] { loadLanguageTable(settings.language ? *settings.language : jOemText(1)); });
+    attempt([&] {
+        loadLanguageTable(settings.language ? *settings.language : platform::userLanguage());
+    });
     state.fileMutex = platform::createNamedMutex("_KOLINK_MUTEX");
 }
 
 void detach() noexcept {
     platform::closeNamedMutex(state.fileMutex);
-    jRegsLangRelease(state.languageTable);
+    delete state.languageTable;
     state = {};
     attached = false;
 }

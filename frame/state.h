@@ -40,14 +40,15 @@ void detach() noexcept;
 // The text to show for a Japanese text, in the language of the user. In the table's own encoding,
 // or the Japanese text itself: frame/dialog shows either.
 inline const char* translated(const char* japanese) noexcept {
-    return jRegsLangConv(processState().languageTable, japanese);
+    const LanguageTable* const table = processState().languageTable;
+    return table ? table->translated(japanese) : japanese;
 }
 
 // Of the tables' translations and of what the user types into records.
 inline Encoding userEncoding() noexcept {
-    const bool chinese = jRegsLangGetDstLanguage(processState().languageTable) ==
-                         std::string_view("chinese");
-    return chinese ? Encoding::gb2312 : Encoding::shiftJis;
+    const LanguageTable* const table = processState().languageTable;
+    return table && table->destinationLanguage() == "chinese" ? Encoding::gb2312
+                                                              : Encoding::shiftJis;
 }
 
 }  // namespace ko

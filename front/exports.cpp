@@ -1,3 +1,4 @@
+#include "frame/colour_words.h"
 #include "frame/display.h"
 #include "front/front.h"
 #include "frame/boundary.h"
@@ -21,12 +22,12 @@ extern "C" void jColorEndProfile(void) { ko::front::endProfile(); }
 
 extern "C" uint32_t jColorRGBtoCMYK(int32_t r, int32_t g, int32_t b) {
     const ko::front::Cmyk inks = ko::front::rgbToCmyk(r, g, b);
-    return uint32_t{inks.c} << 24 | uint32_t{inks.m} << 16 | uint32_t{inks.y} << 8 | inks.k;
+    return ko::packCmyk(inks.c, inks.m, inks.y, inks.k);
 }
 
 extern "C" uint32_t jColorCMYKtoRGB(int32_t c, int32_t m, int32_t y, int32_t k) {
     const ko::front::Rgb light = ko::front::cmykToRgb(c, m, y, k);
-    return light.r | uint32_t{light.g} << 8 | uint32_t{light.b} << 16;
+    return ko::packRgb(light.r, light.g, light.b);
 }
 
 extern "C" int32_t jColorRGBtoGRAY(int32_t r, int32_t g, int32_t b) {

@@ -16,6 +16,7 @@
 #include <cstring>
 
 #include "frame/arithmetic.h"
+#include "frame/colour_words.h"
 #include "grid/blend.h"
 #include "grid/level_table.h"
 
@@ -99,7 +100,7 @@ void wordsOfFour(const uint32_t* nodes, int32_t* values) noexcept {
     std::array<Cell, 4> cells;
     for (size_t axis = 0; axis < 4; ++axis)
         cells[axis] = steppedCell(clampTo(values[axis], 0, 255), kPoints);
-    const auto byte = [nodes](size_t node, size_t k) { return nodes[node] >> (24 - 8 * k) & 255; };
+    const auto byte = [nodes](size_t node, size_t k) { return inkIn(nodes[node], k); };
     multilinear<int32_t, int32_t, 4>(endsOf<int32_t>(cells), kPoints, byte, 16, {values, 4});
 }
 
@@ -164,7 +165,7 @@ void wordsOfThree(const uint32_t* nodes, int32_t* values) noexcept {
     int32_t sums[3] = {}, left = kWhole;
     const auto weigh = [&](int32_t next) {
         for (size_t k = 0; k < 3; ++k)
-            sums[k] += (left - next) * static_cast<int32_t>(*node >> (8 * k) & 255);
+            sums[k] += (left - next) * static_cast<int32_t>(lightIn(*node, k));
         left = next;
     };
     for (const uint8_t axis : fallingOrder(fractions[0], fractions[1], fractions[2])) {

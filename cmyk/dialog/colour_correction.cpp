@@ -307,7 +307,7 @@ int32_t ColourCorrection::change() {
             const auto channel = [&](int shift) { return static_cast<int32_t>(old >> shift & 255); };
             const int32_t c = channel(24) + by[0], m = channel(16) + by[1],
                           y = channel(8) + by[2], k = channel(0) + by[3];
-            row[black] = jCMYKcorrect(&c, &m, &y, &k);
+            row[black] = limitedCmyk(c, m, y, k);
             undo.before.push_back(old);
             undo.after.push_back(row[black]);
         }

@@ -17,7 +17,7 @@ constexpr size_t kFieldCharacters = 4;
 
 uint32_t colourOf(int32_t c, int32_t m, int32_t y, int32_t k) noexcept {
     const int32_t r = 255 - k - c, g = 255 - k - m, b = 255 - k - y;
-    return jRGBcorrect(&r, &g, &b);
+    return limitedRgb(r, g, b);
 }
 
 // The place that lies so many cells further on, and at least one pixel.
@@ -57,7 +57,7 @@ ColourPick::ColourPick(uint32_t cmyk) noexcept
       base_{levels_[0], levels_[1], levels_[2]} {}
 
 uint32_t ColourPick::packed() const noexcept {
-    return jCMYKcorrect(&levels_[0], &levels_[1], &levels_[2], &levels_[3]);
+    return limitedCmyk(levels_[0], levels_[1], levels_[2], levels_[3]);
 }
 
 uint32_t ColourPick::swatch() const noexcept {

@@ -48,7 +48,7 @@ bool holds(const std::string& path, const CmykProfile& profile) {
         return false;
     const auto* node = static_cast<const uint8_t*>(lut->clut);
     return std::all_of(std::begin(profile.grid), std::end(profile.grid), [&](uint32_t word) {
-        const bool same = cmyk::packCmyk(node[0], node[1], node[2], node[3]) == word;
+        const bool same = packCmyk(node[0], node[1], node[2], node[3]) == word;
         node += 4;
         return same;
     });
@@ -72,7 +72,7 @@ std::optional<dialog::Colour> DeviceLinkModel::swatch() const noexcept {
     };
     const int32_t r = channel(settings_.paperC), g = channel(settings_.paperM),
                   b = channel(settings_.paperY);
-    return jRGBcorrect(&r, &g, &b);
+    return limitedRgb(r, g, b);
 }
 
 std::optional<LinkPath> DeviceLinkModel::firstRefused() const noexcept {
@@ -103,8 +103,8 @@ bool DeviceLinkModel::browse(LinkPath which, DeviceLinkHost& host) {
 
 bool DeviceLinkModel::pickPaperColour(DeviceLinkHost& host) {
     if (!hasPaperColour()) return false;
-    const uint32_t given = jCMYKcorrect(&settings_.paperC, &settings_.paperM, &settings_.paperY,
-                                        &settings_.paperK);
+    const uint32_t given = limitedCmyk(settings_.paperC, settings_.paperM, settings_.paperY,
+                                        settings_.paperK);
     const uint32_t picked = host.pickColour(given);
     if (picked == given) return false;
     settings_.paperC = static_cast<int32_t>(picked >> 24);

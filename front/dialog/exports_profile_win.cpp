@@ -23,7 +23,7 @@ void display(std::span<const uint32_t> cmyk, std::span<uint32_t> rgb) {
         front::cmykToRgbRow(inks, static_cast<int32_t>(count), screen);
         for (size_t at = 0; at < count; ++at)
             rgb[start + at] =
-                cmyk::packRgb(screen[3 * at], screen[3 * at + 1], screen[3 * at + 2]);
+                packRgb(screen[3 * at], screen[3 * at + 1], screen[3 * at + 2]);
     }
 }
 

@@ -40,18 +40,18 @@ TEST(Arithmetic, DividesByAnything) {
 
 TEST(ColourWords, RgbIsPackedWithRedLow) {
     const int32_t r = 1, g = 2, b = 3;
-    EXPECT_EQ(jRGBcorrect(&r, &g, &b), 0x030201u);
+    EXPECT_EQ(limitedRgb(r, g, b), 0x030201u);
 }
 
 TEST(ColourWords, CmykIsPackedWithBlackLow) {
     const int32_t c = 1, m = 2, y = 3, k = 4;
-    EXPECT_EQ(jCMYKcorrect(&c, &m, &y, &k), 0x01020304u);
+    EXPECT_EQ(limitedCmyk(c, m, y, k), 0x01020304u);
 }
 
 TEST(ColourWords, LimitsEachChannel) {
     const int32_t below = -1, above = 256, least = kMin, most = kMax;
-    EXPECT_EQ(jRGBcorrect(&below, &above, &below), 0x00ff00u);
-    EXPECT_EQ(jCMYKcorrect(&most, &least, &above, &below), 0xff00ff00u);
+    EXPECT_EQ(limitedRgb(below, above, below), 0x00ff00u);
+    EXPECT_EQ(limitedCmyk(most, least, above, below), 0xff00ff00u);
 }
 
 }  // namespace

@@ -55,62 +55,49 @@ TEST(Language, TablesAreCarriedByTheModule) {
 }
 
 TEST(Language, EveryTextIsTranslatedIntoEnglish) {
-    const auto table = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
+    const LanguageTable table(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
     for (const auto& entry : kEntries)
-        EXPECT_STREQ(jRegsLangConv(table.get(), entry.japanese), entry.english);
+        EXPECT_STREQ(table.translated(entry.japanese), entry.english);
 }
 
 TEST(Language, EveryTextIsTranslatedIntoChinese) {
-    const auto table = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_CHINESE"));
+    const LanguageTable table(resource("TEXT_JAPANESE"), resource("TEXT_CHINESE"));
     for (const auto& entry : kEntries)
-        EXPECT_STREQ(jRegsLangConv(table.get(), entry.japanese), entry.chinese);
+        EXPECT_STREQ(table.translated(entry.japanese), entry.chinese);
 }
 
 TEST(Language, NamesTheDestination) {
-    const auto english = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
-    EXPECT_STREQ(jRegsLangGetDstLanguage(english.get()), "english");
-    const auto chinese = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_CHINESE"));
-    EXPECT_STREQ(jRegsLangGetDstLanguage(chinese.get()), "chinese");
-    EXPECT_STREQ(jRegsLangGetDstLanguage(nullptr), "");
+    const LanguageTable english(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
+    EXPECT_EQ(english.destinationLanguage(), "english");
+    const LanguageTable chinese(resource("TEXT_JAPANESE"), resource("TEXT_CHINESE"));
+    EXPECT_EQ(chinese.destinationLanguage(), "chinese");
 }
 
 TEST(Language, UnknownTextIsShownAsItIs) {
-    const auto table = jRegsLangLoad(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
+    const LanguageTable table(resource("TEXT_JAPANESE"), resource("TEXT_ENGLISH"));
     const char text[] = "CALIBDLG ";
-    EXPECT_EQ(jRegsLangConv(table.get(), text), text);
-    EXPECT_EQ(jRegsLangConv(table.get(), nullptr), nullptr);
-}
-
-TEST(Language, NothingIsTranslatedWithoutATable) {
-    EXPECT_EQ(jRegsLangConv(nullptr, kSaturation), kSaturation);
-    jRegsLangRelease(nullptr);
+    EXPECT_EQ(table.translated(text), text);
 }
 
 TEST(Language, MissingTextsTranslateNothing) {
     for (const auto& [from, to] : {std::pair<const char*, const char*>{"", "<english>\na = b\n"},
                                   {"<japanese>\na = b\n", ""}, {"", ""}}) {
-        const auto table = jRegsLangLoad(from, to);
-        ASSERT_NE(table, nullptr);
-        EXPECT_STREQ(jRegsLangConv(table.get(), "b"), "b");
+        const LanguageTable table(from, to);
+        EXPECT_STREQ(table.translated("b"), "b");
     }
 }
 
 TEST(Language, KeyWithoutATranslationLeavesTheText) {
-    const auto table = jRegsLangLoad("<japanese>\nx(0001) = one\nx(0002) = two\n</japanese>",
-                                     "<english>\nx(0002) = 2\n</english>");
-    EXPECT_STREQ(jRegsLangConv(table.get(), "one"), "one");
-    EXPECT_STREQ(jRegsLangConv(table.get(), "two"), "2");
+    const LanguageTable table("<japanese>\nx(0001) = one\nx(0002) = two\n</japanese>",
+                              "<english>\nx(0002) = 2\n</english>");
+    EXPECT_STREQ(table.translated("one"), "one");
+    EXPECT_STREQ(table.translated("two"), "2");
 }
 
 TEST(Language, FirstKeyServesForATextThatStandsTwice) {
-    const auto table = jRegsLangLoad("<japanese>\nx(0001) = one\nx(0002) = one\n</japanese>",
-                                     "<english>\nx(0001) = first\nx(0002) = second\n</english>");
-    EXPECT_STREQ(jRegsLangConv(table.get(), "one"), "first");
-}
-
-TEST(Language, OfTheUserIsAskedForByNumberOne) {
-    EXPECT_EQ(jOemText(1), platform::userLanguage());
-    EXPECT_EQ(jOemText(0), "");
+    const LanguageTable table("<japanese>\nx(0001) = one\nx(0002) = one\n</japanese>",
+                              "<english>\nx(0001) = first\nx(0002) = second\n</english>");
+    EXPECT_STREQ(table.translated("one"), "first");
 }
 
 }  // namespace
