@@ -16,23 +16,35 @@ done
 [ -s "$scratch/display" ] || { echo "no screen:"; cat "$scratch/xvfb"; exit 1; }
 DISPLAY=:$(cat "$scratch/display")
 export DISPLAY
-set_value() { wine reg add "$1" /v "$2" /t "$3" /d "$4" /f > /dev/null; }
-set_value 'HKCU\Control Panel\Desktop' LogPixels REG_DWORD "$dpi"
-set_value 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ N  # Wine draws the frames itself
-# Wine's font for captions and messages lacks what another language's needs: they get one that has
-# it, as Windows finds by itself. In Japanese Wine finds it too.
-metrics='HKCU\Control Panel\Desktop\WindowMetrics'
+# Set once in a Wine folder. Wine draws the frames itself. Its font for captions and messages lacks
+# what another language's needs: they get one that has it, as Windows finds by itself. In Japanese
+# Wine finds it too.
 font_of() {  # CHARSET FACE: a regular font, eleven pixels high, as the registry holds it
     local face
     face=$(printf '%s' "$2" | iconv -t UTF-16LE | od -An -v -tx1 | tr -d ' \n')
-    printf 'F5FFFFFF%024d90010000000000%s00000022%s%0*d' 0 "$1" "$face" $((128 - ${#face})) 0
+    printf 'F5FFFFFF%024d90010000000000%s00000022%s%0*d' 0 "$1" "$face" $((128 - ${#face})) 0 |
+        sed 's/../&,/g; s/,$//; s/^/hex:/'
 }
-for font in CaptionFont MessageFont; do
-    case ${LC_ALL:-} in
-        ja*) wine reg delete "$metrics" /v $font /f > /dev/null 2>&1 ;;
-        zh*) set_value "$metrics" $font REG_BINARY "$(font_of 86 SimSun)" ;;
-        *)   set_value "$metrics" $font REG_BINARY "$(font_of 80 'VL PGothic')" ;;
-    esac
-done
-wineserver --kill
+case ${LC_ALL:-} in
+    ja*) font=- ;;
+    zh*) font=$(font_of 86 SimSun) ;;
+    *)   font=$(font_of 80 'VL PGothic') ;;
+esac
+values="Windows Registry Editor Version 5.00
+
+[HKEY_CURRENT_USER\\Control Panel\\Desktop]
+\"LogPixels\"=dword:$(printf %08x "$dpi")
+
+[HKEY_CURRENT_USER\\Control Panel\\Desktop\\WindowMetrics]
+\"CaptionFont\"=$font
+\"MessageFont\"=$font
+
+[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]
+\"Managed\"=\"N\""
+if [ "$values" != "$(cat "$WINEPREFIX/values.reg" 2> /dev/null)" ]; then
+    printf '%s\n' "$values" > "$scratch/values.reg"
+    wine regedit /S "Z:${scratch//\//\\}\\values.reg" || exit
+    wineserver --kill
+    cp "$scratch/values.reg" "$WINEPREFIX/"
+fi
 wine "$@"

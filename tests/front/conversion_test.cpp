@@ -167,7 +167,7 @@ TEST(BuiltinRows, WriteNothingForFewerThanOnePixel) {
     }
 }
 
-TEST(RowsFromSeveralThreads, ThroughTheBuiltinTablesEqualTheOnesOfOneThread) {
+TEST(FrontRowsFromSeveralThreads, ThroughTheBuiltinTablesEqualTheOnesOfOneThread) {
     const auto input = randomBytes(48000, 3);
     const auto inks = rgbRow(input), light = cmykRow(input);
     std::vector<std::vector<uint8_t>> inksOf(4), lightOf(4);

@@ -140,7 +140,7 @@ TEST_F(CurrentLinks, ConvertRowsLikeSingleColours) {
     }
 }
 
-TEST(RowsFromSeveralThreads, ThroughTheCurrentLinksEqualTheOnesOfOneThread) {
+TEST(FrontRowsFromSeveralThreads, ThroughTheCurrentLinksEqualTheOnesOfOneThread) {
     const TempFolder folder;
     writeFile(folder.path("press.icc"), pressProfile());
     writeFile(folder.path("monitor.icc"), readFile(testData("sRGB-v2-magic.icc")));

@@ -11,7 +11,7 @@ runs() {  # NAME LOCALE COMMAND...: in a folder of its own, by short names
     local folder="$scratch/$1" locale=$2
     shift 2
     mkdir -p "$folder" && cp "$printer" "$folder/printer.icc" && cp "$source" "$folder/source.icc" &&
-        (cd "$folder" && timeout --kill-after=10 500 "$@" "$locale") || return 1
+        (cd "$folder" && "$@" "$locale") || return 1
     local profile
     for profile in "$folder"/*.icc; do  # year to second
         printf '\0\0\0\0\0\0\0\0\0\0\0\0' | dd of="$profile" bs=1 seek=24 conv=notrunc status=none

@@ -6,13 +6,14 @@
 set -uo pipefail
 readonly build=$1 program=$2
 shift 2
-folder=$(mktemp -d)
+mkdir -p "$build/alone"
+folder=$(mktemp -d -p "$build/alone")  # beside the originals: a link serves for a copy
 trap 'rm -rf "$folder"' EXIT
 mkdir "$folder/bin" "$folder/lib"
 if [ -e "$build/bin/$program.exe" ]; then
-    cp "$build/bin/$program.exe" "$build/bin/KoLink.dll" "$folder/bin/" || exit
+    cp -l "$build/bin/$program.exe" "$build/bin/KoLink.dll" "$folder/bin/" || exit
     wine "$folder/bin/$program.exe" "$@"
 else
-    cp "$build/bin/$program" "$folder/bin/" && cp -P "$build"/lib/libkolink.so* "$folder/lib/" || exit
+    cp -l "$build/bin/$program" "$folder/bin/" && cp -lP "$build"/lib/libkolink.so* "$folder/lib/" || exit
     "$folder/bin/$program" "$@"
 fi
