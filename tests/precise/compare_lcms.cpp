@@ -57,7 +57,7 @@ void report(const std::string& what, const Measure& measure) {
     const bool bad = !(measure.mean() <= 0.03) || !(measure.worst <= 0.3);
     failed |= bad;
     if (bad || verbose)
-        std::printf("%s %s: mean %.4f worst %.3f\n", bad ? "DIFFERS" : "agrees", what.c_str(),
+        std::printf("%s %s: mean %.4f worst %.3f\n", bad ? "not ok -" : "ok -", what.c_str(),
                     measure.mean(), measure.worst);
 }
 
@@ -116,7 +116,7 @@ int main(int count, char** arguments) {
             const cmsHTRANSFORM theirs = cmsCreateTransform(
                 one.theirs, formatOf(space), lab, TYPE_Lab_DBL, static_cast<cmsUInt32Number>(intent), kExact);
             if (!to != !theirs) {
-                std::printf("DIFFERS %s to Lab: ours %s, theirs %s\n", name.c_str(),
+                std::printf("not ok - %s to Lab: ours %s, theirs %s\n", name.c_str(),
                             to ? "converts" : problem.text.c_str(), theirs ? "converts" : "refused");
                 failed |= !to;
             }
@@ -158,7 +158,7 @@ int main(int count, char** arguments) {
                 const std::string name = std::string(source.path) + " > " + destination.path +
                                          " intent " + std::to_string(intent) + (bpc ? " bpc" : "");
                 if (!ours && theirs) {
-                    std::printf("DIFFERS %s: ours %s\n", name.c_str(), problem.text.c_str());
+                    std::printf("not ok - %s: ours %s\n", name.c_str(), problem.text.c_str());
                     failed = true;
                 }
                 if (ours && theirs) {
