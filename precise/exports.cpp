@@ -36,6 +36,7 @@ struct KoPreciseLink {
 namespace {
 
 constexpr uint64_t kMostBytes = uint64_t{256} << 20;
+constexpr ko::FileKind kFiles = {UINT64_MAX, true, true};
 
 template <size_t size>
 void copyText(char (&field)[size], const std::string& text) noexcept {
@@ -76,23 +77,21 @@ Result guarded(KoPreciseError* error, Result failure, Work&& work) noexcept {
 }
 
 std::vector<uint8_t> bytesOf(const char* path, Problem& problem) {
-    const ko::FileGuard guard;
-    ko::File file = ko::File::openForReading(path, ko::Sharing::reading);
-    if (!file) {
+    const ko::FileReading reading = ko::readWhole(path, kFiles, kMostBytes);
+    if (reading.result == ko::ReadResult::notOpened) {
         problem.set(Trouble::file, "cannot be opened");
         return {};
     }
-    const uint64_t size = file.size();
-    if (size > kMostBytes) {
+    if (reading && reading.file.fileSize() > kMostBytes) {
         problem.set(Trouble::file, "is larger than 256 MiB");
         return {};
     }
-    std::vector<uint8_t> bytes(static_cast<size_t>(size));
-    if (file.read(bytes) != bytes.size()) {
+    if (!reading) {
         problem.set(Trouble::file, "cannot be read whole");
         return {};
     }
-    return bytes;
+    const auto bytes = reading.file.bytes();
+    return {bytes.begin(), bytes.end()};
 }
 
 KoPreciseProfile* opened(std::span<const uint8_t> bytes, Problem& problem) {
@@ -421,7 +420,8 @@ extern "C" int32_t koPreciseSaveLink(const KoPreciseLink* link, const char* path
         if (!path) return 0;
         const auto bytes = fileOf(link, file, problem, part);
         if (bytes.empty()) return 0;
-        if (!ko::replaceWhole(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()})) {
+        const std::span<const uint8_t> parts[] = {bytes};
+        if (ko::replaceWhole(path, kFiles, parts) != ko::SaveResult::written) {
             problem.set(Trouble::file, "cannot be written");
             return 0;
         }
