@@ -110,9 +110,7 @@ void nodeLoop(benchmark::State& state, bool fast) {
     auto* destination = static_cast<IccLut*>(ko::icc::loadTag(*profile, ko::fourcc("B2A0")));
     ko::icc::lutSetup(source);
     ko::icc::lutSetup(destination);
-    ko::cmyk::IccPair pair;
-    pair.source = source;
-    pair.destination = destination;
+    const ko::cmyk::IccPair pair(*source, *destination, ko::icc::Bridge::none);
     const auto base = ko::cmyk::createProfile(), result = ko::cmyk::createProfile();
     const CmsLinkSettings settings{};
     const ko::cmyk::NodeChain chain(settings, *base, nullptr);

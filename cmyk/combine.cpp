@@ -43,73 +43,6 @@ BlackCurve loadBlack(const CmsLinkSettings& settings) {
     return black;
 }
 
-// A LUT that is ready while this lives.
-class ReadyLut {
-public:
-    explicit ReadyLut(IccLut* lut) : lut_(lut && icc::lutSetup(lut) == 1 ? lut : nullptr) {}
-    ~ReadyLut() {
-        if (lut_) icc::lutClose(lut_);
-    }
-    ReadyLut(const ReadyLut&) = delete;
-    explicit operator bool() const noexcept { return lut_ != nullptr; }
-    const IccLut* get() const noexcept { return lut_; }
-
-private:
-    IccLut* lut_;
-};
-
-// The data of a tag; null when it is absent or, then with that result, memory is short.
-template <class T>
-icc::TagResult loadData(icc::ProfileFile& file, uint32_t signature, T*& data) noexcept {
-    const icc::TagResult result = icc::loadTag(file, signature);
-    data = result == icc::TagResult::loaded
-               ? static_cast<T*>(icc::findTag(*file.profile, signature)->data)
-               : nullptr;
-    return result;
-}
-
-// Both profiles of an ICC combination with the LUTs that the intent chooses.
-struct LoadedPair {
-    icc::ProfilePtr source, destination;  // own the LUTs
-    IccLut* sourceLut = nullptr;
-    IccLut* destinationLut = nullptr;
-    IccPair pair;  // connection and white point
-};
-std::optional<LoadedPair> loadPair(const std::string& sourcePath,
-                                   const std::string& destinationPath, int32_t intent) {
-    constexpr uint32_t kA2B[] = {fourcc("A2B0"), fourcc("A2B1"), fourcc("A2B2")};
-    constexpr uint32_t kB2A[] = {fourcc("B2A0"), fourcc("B2A1"), fourcc("B2A2")};
-    if (intent < 0 || intent > 2) return std::nullopt;
-
-    LoadedPair loaded;
-    icc::ProfileFile source = icc::openProfile(sourcePath.c_str());
-    if (!source || source.profile->header.colourSpace != fourcc("CMYK")) return std::nullopt;
-    const uint32_t sourcePcs = source.profile->header.connectionSpace;
-    if (sourcePcs != fourcc("Lab ") && sourcePcs != fourcc("XYZ ")) return std::nullopt;
-    icc::ProfileFile destination = icc::openProfile(destinationPath.c_str());
-    if (!destination) return std::nullopt;
-    const IccHeader& header = destination.profile->header;
-    if (header.colourSpace != fourcc("CMYK")) return std::nullopt;
-    // The destination's connection space goes untested: what is neither the source's own nor a
-    // known one is taken to be the other of the two.
-    if (header.connectionSpace != sourcePcs) {
-        loaded.pair.connection =
-            sourcePcs == fourcc("XYZ ") ? Connection::xyzToLab : Connection::labToXyz;
-    }
-
-    loadData(source, kA2B[intent], loaded.sourceLut);
-    loadData(destination, kB2A[intent], loaded.destinationLut);
-    if (!loaded.sourceLut || !loaded.destinationLut) return std::nullopt;
-    const float* white = nullptr;
-    if (loadData(source, fourcc("wtpt"), white) == icc::TagResult::shortMemory)
-        return std::nullopt;
-    if (white)
-        for (int32_t i = 0; i < 3; ++i) loaded.pair.white[i] = white[i] * 100.0;
-    loaded.source = std::move(source.profile);
-    loaded.destination = std::move(destination.profile);
-    return loaded;
-}
-
 }  // namespace
 
 Block<CmykProfile> combineProfile(const CmsLinkSettings& settings) {
@@ -142,7 +75,7 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings) {
             for (int32_t& value : cmyk) value = fromScale16(value);
         }, *result);
     } else {
-        combineNodesFast(chain, {}, *result);
+        combineNodesFast(chain, kNoConversion, *result);
     }
     return result;
 }
@@ -153,28 +86,33 @@ Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings) {
     if (!base || !result) return nullptr;
     const std::string source = pathIn(settings.sourcePath);
     const std::string destination = pathIn(settings.destinationPath);
-    std::optional<LoadedPair> loaded;
+    std::optional<icc::OpenPair> pair;
+    IccLut *sourceTable = nullptr, *destinationTable = nullptr;
     if (!source.empty() && !destination.empty()) {
-        loaded = loadPair(source, destination, settings.intent);
-        if (!loaded) return nullptr;
+        pair = icc::openPair(source.c_str(), destination.c_str(), fourcc("CMYK"), settings.intent);
+        if (!pair) return nullptr;
+        sourceTable = pair->sourceLut(settings.intent);
+        destinationTable = pair->destinationLut(settings.intent);
+        if (!sourceTable || !destinationTable) return nullptr;
     }
+    const icc::White white =
+        pair ? icc::mediaWhite(pair->source, icc::kProfileD50) : icc::kProfileD50;
     const BlackCurve black = loadBlack(settings);
     if (!black.loaded) return nullptr;
 
     const platform::WaitCursor cursor(platform::WaitCursor::Source::system);
     const NodeChain chain(settings, *base, black.values());
-    if (!loaded) {
-        combineNodesFast(chain, {}, *result);
+    if (!pair) {
+        combineNodesFast(chain, kNoConversion, *result);
         return result;
     }
-    const ReadyLut sourceLut(loaded->sourceLut);
+    pair->source.bytes = {};  // not needed while the grid is made
+    pair->destination.bytes = {};
+    const icc::ReadyLut sourceLut(*sourceTable);
     if (!sourceLut) return result;  // with its default grid
-    const ReadyLut destinationLut(loaded->destinationLut);
+    const icc::ReadyLut destinationLut(*destinationTable);
     if (!destinationLut) return result;
-    IccPair pair = loaded->pair;
-    pair.source = sourceLut.get();
-    pair.destination = destinationLut.get();
-    combineNodesFast(chain, pair, *result);
+    combineNodesFast(chain, IccPair(*sourceLut, *destinationLut, pair->bridge, white), *result);
     return result;
 }
 

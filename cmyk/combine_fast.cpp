@@ -28,16 +28,16 @@ bool isIdentity(const NodeChain& chain) noexcept {
 class FastPair {
 public:
     explicit FastPair(const IccPair& pair)
-        : pair_(pair), source_(*pair.source), destination_(*pair.destination) {}
+        : pair_(pair), source_(pair.source), destination_(pair.destination) {}
 
     void convert(Cmyk* colours, size_t count) const noexcept {
-        if (pair_.source->precision == 2)
+        if (pair_.source.precision == 2)
             for (size_t i = 0; i < count; ++i)
                 for (int32_t& value : colours[i]) value *= 256;
         source_.colours(colours, count);
         connectAll(colours, count);
         destination_.colours(colours, count);
-        if (pair_.destination->precision == 2)
+        if (pair_.destination.precision == 2)
             for (size_t i = 0; i < count; ++i)
                 for (int32_t& value : colours[i]) value /= 256;
     }
@@ -45,9 +45,9 @@ public:
 private:
     // Within one connection space values are within their scale already.
     void connectAll(Cmyk* colours, size_t count) const noexcept {
-        const int32_t from = pair_.source->precision, to = pair_.destination->precision;
-        if (pair_.connection != Connection::same) {
-            for (size_t i = 0; i < count; ++i) connect(pair_, colours[i]);
+        const int32_t from = pair_.crossing.from, to = pair_.crossing.to;
+        if (pair_.crossing.bridge != icc::Bridge::none) {
+            for (size_t i = 0; i < count; ++i) pair_.crossing.cross(colours[i]);
         } else if (from == 2 && to == 1) {
             for (size_t i = 0; i < count; ++i)
                 for (int32_t& value : colours[i]) value /= 256;
@@ -63,11 +63,14 @@ private:
 
 }  // namespace
 
-void combineNodesFast(const NodeChain& chain, const IccPair& pair, CmykProfile& result) {
+void combineNodesFast(const NodeChain& chain, const Conversion& conversion,
+                      CmykProfile& result) {
     const bool identity = isIdentity(chain);
     std::optional<FastPair> fast;
-    if (pair.source) fast.emplace(pair);
-    const auto convert = [&pair](Cmyk& cmyk) { convertThroughIcc(pair, cmyk); };
+    if (conversion) fast.emplace(*conversion);
+    const auto convert = [&conversion](Cmyk& cmyk) {
+        if (conversion) convertThroughIcc(*conversion, cmyk);
+    };
 
     uint32_t* word = result.grid;
     Cmyk node;

@@ -8,6 +8,6 @@
 namespace ko::cmyk {
 
 // Throws std::bad_alloc.
-void combineNodesFast(const NodeChain& chain, const IccPair& pair, CmykProfile& result);
+void combineNodesFast(const NodeChain& chain, const Conversion& conversion, CmykProfile& result);
 
 }  // namespace ko::cmyk

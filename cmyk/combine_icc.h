@@ -2,25 +2,29 @@
 // destination LUT. The plain version, one colour at a time.
 #pragma once
 
+#include <optional>
+
 #include "cmyk/convert.h"
-#include "icc/icc.h"
-#include "icc/lut.h"
+#include "icc/pair.h"
 
 namespace ko::cmyk {
 
-enum class Connection { same, xyzToLab, labToXyz };
-
 struct IccPair {
-    const IccLut* source = nullptr;  // both set up, or both null: no conversion
-    const IccLut* destination = nullptr;
-    Connection connection = Connection::same;
-    // Of the source, Y 100; D50, in the digits of a profile that says so, when it has none.
-    double white[3] = {63190 / 65536.0 * 100, 100, 54061 / 65536.0 * 100};
+    IccPair(const IccLut& sourceLut, const IccLut& destinationLut, icc::Bridge bridge,
+            const icc::White& white = icc::kProfileD50) noexcept
+        : source(sourceLut),
+          destination(destinationLut),
+          crossing{bridge, source.precision, destination.precision, icc::Overflow::saturates,
+                   white} {}
+
+    const IccLut& source;  // both set up
+    const IccLut& destination;
+    icc::Crossing crossing;
 };
 
-// From the source LUT's results to the destination LUT's inputs, within its scale. The fourth
-// value takes no part in a change of connection space.
-void connect(const IccPair& pair, Cmyk& values) noexcept;
+// What a combination does between the base profile and preservation.
+using Conversion = std::optional<IccPair>;
+inline constexpr std::nullopt_t kNoConversion = std::nullopt;
 
 // 0..255 in and out.
 void convertThroughIcc(const IccPair& pair, Cmyk& cmyk) noexcept;

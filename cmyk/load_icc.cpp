@@ -11,9 +11,8 @@
 #include "cmyk/load.h"
 #include "frame/bytes.h"
 #include "frame/text.h"
-#include "icc/icc.h"
-#include "icc/lut.h"
 #include "icc/lut_fast.h"
+#include "icc/pair.h"
 
 namespace ko::cmyk {
 namespace {
@@ -69,34 +68,26 @@ void copyGrid(CmykProfile& profile, const IccLut& lut) noexcept {
     for (uint32_t& node : profile.grid) node = reverse32(node);
 }
 
-// A LUT made ready, and closed again. One that cannot be evaluated leaves colours as they are.
+// Many colours through a LUT. One that cannot be evaluated leaves colours as they are.
 class Evaluator {
 public:
     explicit Evaluator(IccLut& lut) : lut_(lut) {
-        if (!icc::isSupportedLut(lut_)) return;
-        ready_ = icc::lutSetup(&lut_) == 1;
-        if (!ready_) throw std::bad_alloc();  // nothing else keeps it from being ready
+        if (!lut_) return;
         try {
-            fast_.emplace(lut_);
+            fast_.emplace(*lut_);
         } catch (const std::bad_alloc&) {
             // The plain evaluator needs no more memory and gives the same bits.
         }
     }
-    ~Evaluator() {
-        if (ready_) icc::lutClose(&lut_);
-    }
-    Evaluator(const Evaluator&) = delete;
-    Evaluator& operator=(const Evaluator&) = delete;
 
     void colours(std::span<icc::FastLut::Colour> values) const noexcept {
         if (fast_) return fast_->colours(values.data(), values.size());
-        if (!ready_) return;
-        for (auto& colour : values) icc::lutColor(lut_, colour.data());
+        if (!lut_) return;
+        for (auto& colour : values) icc::lutColor(*lut_, colour.data());
     }
 
 private:
-    IccLut& lut_;
-    bool ready_ = false;
+    icc::ReadyLut lut_;
     std::optional<icc::FastLut> fast_;
 };
 

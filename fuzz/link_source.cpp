@@ -31,9 +31,9 @@ void convert(const CmsLinkSettings& settings, uint32_t colourSpace) {
     if (!pair) return;
     for (int32_t i = 0; i < 16; ++i) {
         int32_t values[4] = {i * 4352, 65280 - i * 4352, i % 2 * 65280, i % 4 * 21760};
-        if (pair->sourceLut) pair->sourceLut.evaluate(values);
+        if (pair->sourceLut) ko::icc::lutColor16(*pair->sourceLut, values);
         else pair->matrix->toXyz16(values);
-        pair->destinationLut.evaluate(values);
+        ko::icc::lutColor16(*pair->destinationLut, values);
     }
 }
 

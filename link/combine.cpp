@@ -10,37 +10,19 @@
 namespace ko::link {
 namespace {
 
-// By hand against the medium's white, on the scale of 100; a and b are cut to whole levels.
-void bridgeCmyk(const IccPair& pair, int32_t* values) noexcept {
-    double colour[3];
-    if (pair.bridge == Bridge::xyzToLab) {
-        for (size_t i = 0; i < 3; ++i) colour[i] = values[i] * 100.0 / 32768;
-        icc::xyzToLab(colour, pair.white);
-        values[0] = truncateToInt32(colour[0] * 65280 / 100);
-        values[1] = wrapMultiply(truncateToInt32(colour[1] + 128), 256);
-        values[2] = wrapMultiply(truncateToInt32(colour[2] + 128), 256);
-    } else if (pair.bridge == Bridge::labToXyz) {
-        colour[0] = 100.0 * values[0] / 65280;
-        colour[1] = values[1] / 256.0 - 128;
-        colour[2] = values[2] / 256.0 - 128;
-        icc::labToXyz(colour, pair.white);
-        for (size_t i = 0; i < 3; ++i) values[i] = truncateToInt32(colour[i] * 32768 / 100);
-    }
-}
-
 // With the encodings of the profile format against the header's illuminant. The two builders
-// differ here on purpose.
+// differ here on purpose: the other one crosses by hand against the medium's white.
 void bridgeRgb(const IccPair& pair, int32_t* values) noexcept {
-    if (pair.bridge == Bridge::none) return;
+    if (pair.crossing.bridge == icc::Bridge::none) return;
     double colour[3] = {static_cast<double>(values[0]), static_cast<double>(values[1]),
                         static_cast<double>(values[2])};
-    if (pair.bridge == Bridge::xyzToLab) {
+    if (pair.crossing.bridge == icc::Bridge::xyzToLab) {
         icc::xyzDecode(colour, 2);
-        icc::xyzToLab(colour, pair.white);
+        icc::xyzToLab(colour, pair.crossing.white.data());
         icc::labEncode(colour, 2);
     } else {
         icc::labDecode(colour, 2);
-        icc::labToXyz(colour, pair.white);
+        icc::labToXyz(colour, pair.crossing.white.data());
         icc::xyzEncode(colour, 2);
     }
     for (size_t i = 0; i < 3; ++i) values[i] = truncateToInt32(colour[i]);
@@ -48,7 +30,7 @@ void bridgeRgb(const IccPair& pair, int32_t* values) noexcept {
 
 void toDestination(const IccPair& pair, int32_t* values) noexcept {
     for (size_t i = 0; i < 3; ++i) values[i] = clampTo(values[i], 0, 65535);
-    pair.destinationLut.evaluate(values);
+    icc::lutColor16(*pair.destinationLut, values);
     for (size_t k = 0; k < 4; ++k) values[k] /= 16;
 }
 
@@ -75,8 +57,8 @@ Link combineCmykProfile(const CmsLinkSettings& settings) {
         const uint32_t inks = inksOf(indices);
         if (settings.whiteMode == 1 && inks == 0) return;  // white gets no ink
         for (size_t i = 0; i < 4; ++i) values[i] = sourceLevel(indices[i]);
-        pair->sourceLut.evaluate(values);
-        bridgeCmyk(*pair, values);
+        icc::lutColor16(*pair->sourceLut, values);
+        pair->crossing.cross(values);
         toDestination(*pair, values);
         preserve(settings.preservation, inks, values);
     });
@@ -93,7 +75,7 @@ Link combineRgbProfile(const CmsLinkSettings& settings) {
         const uint32_t inks = inksOf(indices);
         if (settings.whiteMode == 1 && inks == 0) return;
         for (size_t i = 0; i < 3; ++i) values[i] = sourceLevel(indices[i]);
-        if (pair->sourceLut) pair->sourceLut.evaluate(values);
+        if (pair->sourceLut) icc::lutColor16(*pair->sourceLut, values);
         else pair->matrix->toXyz16(values);
         bridgeRgb(*pair, values);
         toDestination(*pair, values);

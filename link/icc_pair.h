@@ -1,34 +1,12 @@
-// The two ICC profiles behind a link, their LUTs ready, and the way between their connection
-// spaces.
+// The two ICC profiles behind a link, ready to be sampled.
 #pragma once
 
 #include <optional>
-#include <utility>
 
-#include "icc/icc.h"
+#include "icc/pair.h"
 #include "kolink/link_settings.h"
 
 namespace ko::link {
-
-// A LUT tag that is ready to be evaluated; closed before its profile goes.
-class ReadyLut {
-public:
-    ReadyLut() = default;
-    ReadyLut(icc::ProfileFile& file, uint32_t signature, int32_t inputs, int32_t outputs);
-    ReadyLut(ReadyLut&& other) noexcept : lut_(std::exchange(other.lut_, nullptr)) {}
-    ReadyLut& operator=(ReadyLut&& other) noexcept {
-        std::swap(lut_, other.lut_);
-        return *this;
-    }
-    ~ReadyLut() {
-        if (lut_) icc::lutClose(lut_);
-    }
-    explicit operator bool() const noexcept { return lut_ != nullptr; }
-    void evaluate(int32_t* values) const noexcept;  // 16 bits a channel, in place
-
-private:
-    IccLut* lut_ = nullptr;
-};
 
 // The light of an RGB profile without a LUT: three curves, three colorants.
 struct MatrixSource {
@@ -43,14 +21,11 @@ struct MatrixSource {
     void toXyz16(int32_t* values) const noexcept;  // 16-bit device levels in, encoded XYZ out
 };
 
-enum class Bridge { none, xyzToLab, labToXyz };
-
 struct IccPair {
     icc::ProfilePtr source, destination;
-    ReadyLut sourceLut, destinationLut;
-    std::optional<MatrixSource> matrix;
-    Bridge bridge = Bridge::none;
-    double white[3] = {};  // what the builder bridges against
+    icc::ReadyLut sourceLut, destinationLut;
+    std::optional<MatrixSource> matrix;  // where an RGB source has no LUT
+    icc::Crossing crossing;  // on the 16-bit scale; of an RGB source white is as its header has it
 };
 
 // The profiles of the settings, ready for a source of that colour space ("RGB " or "CMYK"); empty

@@ -5,6 +5,7 @@
 #include "tests/icc/lut_builder.h"
 
 using namespace ko::cmyk;
+using ko::icc::Bridge;
 using ko::test::LutSpec;
 using ko::test::MadeLut;
 
@@ -13,7 +14,7 @@ namespace {
 struct Case {
     CmsLinkSettings settings{};
     LutSpec source{4, 3, 9, 2}, destination{3, 4, 33, 1};
-    Connection connection = Connection::same;
+    Bridge bridge = Bridge::none;
     bool smooth = true;  // straight curves; otherwise anything
     bool converts = true, black = false, bentBase = false, otherGrid = false;
 };
@@ -26,12 +27,8 @@ int32_t firstDifference(const Case& c, int32_t step = 7) {
         if (c.smooth) lut->identityCurves();
         EXPECT_EQ(ko::icc::lutSetup(lut->get()), 1);
     }
-    IccPair pair;
-    if (c.converts) {
-        pair.source = source.get();
-        pair.destination = destination.get();
-        pair.connection = c.connection;
-    }
+    Conversion conversion = kNoConversion;
+    if (c.converts) conversion.emplace(*source.get(), *destination.get(), c.bridge);
     const auto base = createProfile();
     if (c.bentBase) {
         for (int32_t curve : {1, 3, 6}) {
@@ -48,8 +45,10 @@ int32_t firstDifference(const Case& c, int32_t step = 7) {
 
     const NodeChain chain(c.settings, *base, c.black ? black : nullptr);
     const auto fast = createProfile();
-    combineNodesFast(chain, pair, *fast);
-    const auto convert = [&pair](Cmyk& cmyk) { convertThroughIcc(pair, cmyk); };
+    combineNodesFast(chain, conversion, *fast);
+    const auto convert = [&](Cmyk& cmyk) {
+        if (conversion) convertThroughIcc(*conversion, cmyk);
+    };
     for (int32_t n = 0; n < kNodes; n += step) {
         const Cmyk node{n / 35937, n / 1089 % 33, n / 33 % 33, n % 33};
         if (combineNode(chain, node, convert) != fast->grid[n]) return n;
@@ -73,9 +72,9 @@ TEST(FastCombination, EqualsThePlainOneForWildCurvesInEveryPrecision) {
 }
 
 TEST(FastCombination, EqualsThePlainOneBetweenConnectionSpaces) {
-    for (Connection connection : {Connection::xyzToLab, Connection::labToXyz}) {
+    for (const Bridge bridge : {Bridge::xyzToLab, Bridge::labToXyz}) {
         Case c;
-        c.connection = connection;
+        c.bridge = bridge;
         c.destination = {3, 4, 9, 2};
         EXPECT_EQ(firstDifference(c), -1);
     }
