@@ -54,7 +54,7 @@ extern "C" CalibCurveSet* jKoCalibLoadCurve(const char* path) {
 }
 
 extern "C" int32_t jKoCalibSaveCurve(CalibCurveSet* set, const char* path) {
-    return set && ko::atBoundary(false, [&] { return ko::calib::saveCurve(*set, path); });
+    return ko::isGiven(set) && ko::atBoundary(false, [&] { return ko::calib::saveCurve(*set, path); });
 }
 
 extern "C" int32_t jKoCalibGetCurveInfo(const CalibCurveSet* set, int32_t* channelCount,

@@ -49,6 +49,7 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings) {
     const std::string source = pathIn(settings.sourcePath);
     if (hasExtension(source.c_str(), ".icc")) return combineIccProfile(settings);
 
+    std::optional<platform::WaitCursor> cursor;  // goes last, when the plug-in is closed
     const auto base = loadBase(settings);
     auto result = createProfile();
     const auto dcc = tone::createToneCurve(6);
@@ -63,7 +64,7 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings) {
     const BlackCurve black = loadBlack(settings);
     if (!black.loaded) return nullptr;
 
-    const platform::WaitCursor cursor(platform::WaitCursor::Source::library);
+    cursor.emplace(platform::WaitCursor::Source::library);
     const NodeChain chain(settings, *base, black.values());
     if (plugin) {
         // The base profile's result only feeds the plug-in; the DCC curve makes the inks.

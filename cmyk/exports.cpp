@@ -22,7 +22,7 @@ extern "C" int32_t jKoCmykInitProfile(CmykProfile* profile) {
 }
 
 extern "C" int32_t jKoCmykLoadProfile(CmykProfile* profile, const char* path) {
-    if (!profile) return 0;
+    if (!ko::isGiven(profile)) return 0;
     return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::loadProfile(*profile, path); });
 }
 
@@ -35,6 +35,6 @@ extern "C" int32_t jKoCmykLoadLutableAmatch(CmykProfile* profile, const char* pa
 }
 
 extern "C" int32_t jKoCmykSaveProfile(CmykProfile* profile, const char* path) {
-    if (!profile) return 0;
+    if (!ko::isGiven(profile)) return 0;
     return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::saveProfile(*profile, path); });
 }

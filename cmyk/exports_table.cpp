@@ -32,22 +32,22 @@ extern "C" int32_t jKoRgbInitRgbLut(RgbLut* table) {
 }
 
 extern "C" int32_t jKoCmykLoadCmykLut(CmykLut* table, const char* path) {
-    if (!table) return 0;
+    if (!ko::isGiven(table)) return 0;
     return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::loadCmykLut(*table, path); });
 }
 
 extern "C" int32_t jKoRgbLoadRgbLut(RgbLut* table, const char* path) {
-    if (!table) return 0;
+    if (!ko::isGiven(table)) return 0;
     return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::loadRgbLut(*table, path); });
 }
 
 extern "C" int32_t jKoCmykSaveCmykLut(const CmykLut* table, const char* path) {
-    if (!table) return 0;
+    if (!ko::isGiven(table)) return 0;
     return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::saveCmykLut(*table, path); });
 }
 
 extern "C" int32_t jKoRgbSaveRgbLut(const RgbLut* table, const char* path) {
-    if (!table) return 0;
+    if (!ko::isGiven(table)) return 0;
     return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::saveRgbLut(*table, path); });
 }
 

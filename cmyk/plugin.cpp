@@ -12,6 +12,11 @@ namespace ko::cmyk {
 std::optional<Plugin> Plugin::open(std::string_view folder, std::string_view tablePath) {
     std::string path = joinPath(folder, "LutRead");
     path += platform::kPluginSuffix;
+    // A bare name would be looked for wherever the system or the current folder has one.
+    if (!platform::isAbsolute(path)) {
+        platform::setLastError(platform::Cause::wrongArgument);
+        return std::nullopt;
+    }
     std::unique_ptr<void, decltype(&platform::freeModule)> module(
         platform::loadModule(path.c_str()), &platform::freeModule);
     if (!module) return std::nullopt;
@@ -20,9 +25,10 @@ std::optional<Plugin> Plugin::open(std::string_view folder, std::string_view tab
     const auto close = reinterpret_cast<Close>(find("LutClose"));
     const auto convert = reinterpret_cast<Convert>(find("ConvertToRgb"));
     if (!openTable || !close || !convert || !find("GetLutInfo")) return std::nullopt;
-    std::string table(tablePath);  // the plug-in is free to write into its argument
+    std::vector<char> table(tablePath.begin(), tablePath.end());
+    table.push_back('\0');
     if (openTable(table.data()) != 0) return std::nullopt;
-    return Plugin(module.release(), convert, close);
+    return Plugin(module.release(), std::move(table), convert, close);
 }
 
 Plugin::~Plugin() {

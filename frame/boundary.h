@@ -18,4 +18,9 @@ Result atBoundary(Result failure, Work&& work) noexcept {
     }
 }
 
+// False, with its reason, for a record that a host left out.
+inline bool isGiven(const void* record) noexcept {
+    return record || platform::failFor(platform::Cause::wrongArgument);
+}
+
 }  // namespace ko

@@ -99,6 +99,7 @@ bool isSeparator(char character) noexcept;
 bool isDriveMark(char character) noexcept;  // the colon of C:
 extern const char kSeparator;
 void adoptSeparators(std::string& path);  // a relative path as the other platform writes it
+bool isAbsolute(std::string_view path) noexcept;  // leads to one place whatever is current
 bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept;
 
 // This library (or the program that it is built into).

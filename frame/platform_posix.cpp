@@ -180,6 +180,8 @@ bool isSeparator(char character) noexcept { return character == '/'; }
 
 bool isDriveMark(char) noexcept { return false; }
 
+bool isAbsolute(std::string_view path) noexcept { return path.starts_with('/'); }
+
 // "..\\data" in a settings file that came from Windows can only be meant as a relative folder.
 void adoptSeparators(std::string& path) {
     const size_t dots = path.find_first_not_of('.');

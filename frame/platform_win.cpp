@@ -152,6 +152,12 @@ bool isSeparator(char character) noexcept { return character == '\\' || characte
 
 bool isDriveMark(char character) noexcept { return character == ':'; }
 
+bool isAbsolute(std::string_view path) noexcept {
+    if (path.size() < 3) return false;
+    if (isDriveMark(path[1])) return isSeparator(path[2]);
+    return isSeparator(path[0]) && isSeparator(path[1]);
+}
+
 bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept {
     char whole[kPathSize];
     const DWORD length = ::GetFullPathNameA(path, kPathSize, whole, nullptr);

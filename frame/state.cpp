@@ -22,8 +22,9 @@ std::string_view viewOf(std::span<const char> bytes) noexcept {
     return {bytes.data(), bytes.size()};
 }
 
-// "." and "@" begin a folder that is relative to the library's own; anything else stands as it is.
-// A value that is empty or does not fit names no folder, and the default stays.
+// "@" begins a folder that is relative to the library's own, and so does everything that is not
+// absolute: the current folder is the host's business. A value that is empty or does not fit
+// names no folder, and the default stays.
 void readProductFolder() {
     const std::string ini = joinPath(joinPath(state.moduleFolder, "ini"), "KoLink.ini");
     RegsHandle file = jRegsOpen(ini.c_str());
@@ -32,7 +33,7 @@ void readProductFolder() {
     char buffer[2 * platform::kPathSize] = {};
     if (!jRegsGetKey(file, "KO_FOLDER", buffer)) return;
     std::string value(withoutBlanks(buffer));
-    const bool relative = value.starts_with('.') || value.starts_with('@');
+    const bool relative = value.starts_with('@') || !platform::isAbsolute(value);
     if (value.starts_with('@')) value.erase(0, 1);
     if (value.empty()) return;
     if (relative) {

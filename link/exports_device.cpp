@@ -20,6 +20,6 @@ extern "C" int32_t jKoDevsInitProfile(DeviceProfile* profile) {
 }
 
 extern "C" int32_t jKoDevsSaveProfile(DeviceProfile* profile, const char* path) {
-    if (!profile) return 0;
+    if (!ko::isGiven(profile)) return 0;
     return ko::atBoundary<int32_t>(0, [&] { return ko::link::saveDeviceProfile(*profile, path); });
 }

@@ -11,7 +11,23 @@
  * code page, where the second byte of a character may look like a backslash. Only regular files
  * are read; folders, pipes and devices count as missing, so that no call waits for ever. Texts
  * are cut to their fields at a whole character. Numbers in text are read without regard to the
- * locale, and one too large for its field becomes the nearest that fits. */
+ * locale, and one too large for its field becomes the nearest that fits.
+ *
+ * A file is read once, whole, at one moment, into memory: text files up to 64 MiB, tables and
+ * profiles up to 1 GiB. A read that fails is a failed load, never the end of the file. A file is
+ * written beside its place ("~kolink-....tmp"), flushed to the disk and moved over the old one:
+ * after a failure the old file is as it was. Mode, owner where possible and symbolic links are
+ * kept; a write-protected file and one that another program holds are not replaced. A device, and
+ * a file whose folder takes no second one, is written in place, as the last resort: a failure then
+ * leaves what was written so far.
+ *
+ * "The reason" of a failure is where the system keeps it: errno, or GetLastError on Windows. Beside
+ * the system's own errors it is ENOMEM (ERROR_NOT_ENOUGH_MEMORY) for short memory, EBADMSG
+ * (ERROR_INVALID_DATA) for a file that is not what it should be, EFBIG (ERROR_FILE_TOO_LARGE) for
+ * one that is too large, ENAMETOOLONG (ERROR_FILENAME_EXCED_RANGE) for a path, and EINVAL
+ * (ERROR_INVALID_PARAMETER) for other arguments. Savers that count a file that cannot be created
+ * as a success give its reason as well; after any other success of a loader or saver the reason is
+ * what it was before the call. So a host that sets it to 0 first learns what happened. */
 #ifndef KOLINK_API_H
 #define KOLINK_API_H
 

@@ -46,8 +46,8 @@ KOLINK_BEGIN
 /* Makes a set of 1 to 16 channels: no title, description or path, spline, formats "%.0f",
  * channels named "channel n" in the user's language, black, with the tones (0, 0) and
  * (range, range). range and limit are taken as given.
- * Returns null for other counts and when memory is short. The caller releases it with
- * jKoCalibReleaseCurve. */
+ * Returns null, with the reason, for other counts and when memory is short. The caller releases it
+ * with jKoCalibReleaseCurve. */
 KOLINK_API CalibCurveSet *jKoCalibCreateCurve(int32_t channelCount, int32_t range, int32_t limit);
 
 /* Frees a set. Returns 0 for null, else 1. */
@@ -61,14 +61,15 @@ KOLINK_API int32_t jKoCalibInitCurve(CalibCurveSet *set);
  * second tone of the same x replaces the first; in the plain form they keep the file's order. A
  * format that is not one floating-point conversion of width and precision up to 60 becomes "%.0f";
  * texts are cut to their fields at a whole character; colours are clamped to 0..255.
- * Returns a new set, which the caller releases; null when the file cannot be opened, names no
- * channel or more than 16, and when memory is short. */
+ * Returns a new set, which the caller releases; null, with the reason, when the file cannot be
+ * read, names no channel or more than 16, and when memory is short. */
 KOLINK_API CalibCurveSet *jKoCalibLoadCurve(const char *path);
 
 /* Writes the keyed form. The file is written whole or the old one stays.
  *   path  null or empty: the set's own; else it becomes the set's, also when writing then fails
  * Formats that cannot be used (see above) count as "%.0f". Numbers are printed as in the C locale.
- * Returns 1; 0 when the path is empty or longer than 259 bytes, and when writing fails. */
+ * Returns 1; 0, with the reason, when the path is empty or longer than 259 bytes, when the file
+ * cannot be created, replaced or written, and when memory is short. */
 KOLINK_API int32_t jKoCalibSaveCurve(CalibCurveSet *set, const char *path);
 
 /* Any of the pointers may be null. Returns 1; 0 for a null set. */

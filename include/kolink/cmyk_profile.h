@@ -24,7 +24,7 @@ typedef struct CmykProfile {
 
 KOLINK_BEGIN
 
-/* Makes an initialised profile; null when memory is short. */
+/* Makes an initialised profile; null, with the reason, when memory is short. */
 KOLINK_API CmykProfile *jKoCmykCreateProfile(void);
 
 /* Frees a profile. Returns 0 for null, else 1. */
@@ -36,19 +36,21 @@ KOLINK_API int32_t jKoCmykInitProfile(CmykProfile *profile);
 
 /* Loads a .lut or .amt table (by extension) or an ICC profile with A2B0. Does not initialise
  * first: what the file does not supply stays. An ICC profile that this library wrote also
- * brings name, control points and comment; the comment runs to the end of the description.
+ * brings name, control points and comment; the comment runs to the end of the description, and
+ * a line in it that begins with a keyword ("NAME:", "CTRL:", "CTL2:") counts as one too.
  * 16-bit A2B0 tables are sampled on the 0..255 scale. A curve whose table the LUT lacks stays, one
  * of a single entry is flat, and a LUT that cannot be evaluated leaves every node its own levels;
  * an 8-bit 33-point grid is copied byte for byte as far as it goes, zeros behind it.
  * Texts are cut to their fields at a whole character.
  *   path  at most 259 bytes
- * Returns 1; 0, touching nothing, when the path is too long, or the file cannot be opened or has
- * no ICC header. */
+ * Returns 1; 0 with the reason, touching nothing, when the path is too long, the file cannot be
+ * read or has no ICC header, or memory is short. */
 KOLINK_API int32_t jKoCmykLoadProfile(CmykProfile *profile, const char *path);
 
 /* Load a table file: name, comment, grid; input curves become the identity, output curves stay.
- * A table cut short by the end of the file leaves the rest of the grid 0.
- * Return 1 when the file could be opened, else 0. */
+ * A table cut short by the end of the file leaves the rest of the grid as it was.
+ * Return 1 when the file could be read, however short it is; else 0 with the reason, and the
+ * profile is as it was. */
 KOLINK_API int32_t jKoCmykLoadLutable(CmykProfile *profile, const char *path);       /* .lut */
 KOLINK_API int32_t jKoCmykLoadLutableAmatch(CmykProfile *profile, const char *path); /* .amt */
 
@@ -77,7 +79,7 @@ KOLINK_API void jKoCmykCMYKtoCMYK16Row(const CmykProfile *profile, const uint8_t
  * jKoCmykCombineIccProfile; otherwise a non-empty source is read by the plug-in "LutRead" in the
  * product folder, and the destination is a .dcc file.
  * Returns a new profile, which the caller releases, or null when a file does not load, the
- * plug-in refuses, or memory is short. */
+ * plug-in refuses, or memory is short; the reason is there when a file or memory was it. */
 KOLINK_API CmykProfile *jKoCmykCombineProfile(const CmsLinkSettings *settings);
 
 /* The same with a pair of ICC profiles, both CMYK, through A2Bn and B2An of the intent. With an
@@ -90,7 +92,8 @@ KOLINK_API CmykProfile *jKoCmykCombineIccProfile(const CmsLinkSettings *settings
  * comment in the description; its copyright text is "The owner of the profile holds the
  * copyright.") and stores path in the record, also after a failure. A path of
  * more than 259 bytes is refused: nothing is written or stored.
- * Returns 1 when written (and when the file could not be created), else 0. */
+ * Returns 1 when written, and when the file may not be created or replaced; else 0. A link that
+ * would lack a tag, since memory is short, is not written. The reason of either is there. */
 KOLINK_API int32_t jKoCmykSaveProfile(CmykProfile *profile, const char *path);
 
 KOLINK_END

@@ -27,7 +27,7 @@ typedef struct RgbLut {
 
 KOLINK_BEGIN
 
-/* Make an initialised table; null when memory is short. */
+/* Make an initialised table; null, with the reason, when memory is short. */
 KOLINK_API CmykLut *jKoCmykCreateCmykLut(void);
 KOLINK_API RgbLut *jKoRgbCreateRgbLut(void);
 
@@ -45,14 +45,14 @@ KOLINK_API int32_t jKoRgbInitRgbLut(RgbLut *table);
  * line without any digit; outputs are taken modulo 256; a level belongs to the grid index below
  * it, and a line with a level outside the grid is skipped. Nodes without a line keep what they
  * held. Lines count up to their 511th byte.
- * Binary: a file cut short leaves the rest of the table 0.
- * Return 1, also when no data follows; 0 when the table is null, or the file cannot be opened
- * or is of neither form: the table is then as it was. */
+ * Binary: a file cut short leaves the rest of the table as it was.
+ * Return 1, also when no data follows; 0, with the reason, when the table is null, or the file
+ * cannot be read or is of neither form: the table is then as it was. */
 KOLINK_API int32_t jKoCmykLoadCmykLut(CmykLut *table, const char *path);
 KOLINK_API int32_t jKoRgbLoadRgbLut(RgbLut *table, const char *path);
 
-/* Write a table in the text form. Return 1; 0 when the table is null or the file cannot be
- * created or not be written whole. */
+/* Write a table in the text form. Return 1; 0, with the reason, when the table is null or the
+ * file cannot be created, replaced or written. */
 KOLINK_API int32_t jKoCmykSaveCmykLut(const CmykLut *table, const char *path);
 KOLINK_API int32_t jKoRgbSaveRgbLut(const RgbLut *table, const char *path);
 

@@ -28,7 +28,7 @@ typedef struct DeviceProfile {
 
 KOLINK_BEGIN
 
-/* Makes an initialised record; null when memory is short. */
+/* Makes an initialised record; null, with the reason, when memory is short. */
 KOLINK_API DeviceProfile *jKoDevsCreateProfile(void);
 
 /* Frees a record. Returns 0 for null, else 1. */
@@ -41,9 +41,10 @@ KOLINK_API int32_t jKoDevsInitProfile(DeviceProfile *profile);
  * too, B2A1 serves B2A2; its copyright text is "No copyright, use freely"), and stores path in the
  * record, also after a failure. A description
  * without terminator ends with its field.
- * Returns 1 when written, also when the file could not be created and when there was no memory
- * for the profile; 0 when memory was short for a tag, profile is null, or path is null or longer
- * than 259 bytes (the record's path is then left as it was). */
+ * Returns 1 when written, also when the file may not be created or replaced and when there was no
+ * memory for the profile; 0 when memory was short for a tag (nothing is written then), a write or
+ * flush failed, profile is null, or path is null or longer than 259 bytes (the record's path is
+ * then left as it was). The reason is there in every case but the first. */
 KOLINK_API int32_t jKoDevsSaveProfile(DeviceProfile *profile, const char *path);
 
 KOLINK_END

@@ -80,7 +80,7 @@ KOLINK_BEGIN
 /* Makes a tagless profile: CMM 'Lino', version 2.1.0, class 'link', CMYK to CMYK, the local
  * date and time, D50 illuminant, manufacturer and model 'none', swapBytes 1.
  *   flags  0 or a sum of KOLINK_ICC_...; other bits are ignored
- * Returns null when memory is short. The caller releases it with jIccRelease. */
+ * Returns null, with the reason, when memory is short. The caller releases it with jIccRelease. */
 KOLINK_API IccProfile *jIccCreate(uint32_t flags);
 
 /* Frees the tag data, the directory and the profile. Work tables of LUTs are not freed: close
@@ -90,7 +90,8 @@ KOLINK_API int32_t jIccRelease(IccProfile *profile);
 /* Gives a block from jMemAlloc to the profile under a signature. What an existing entry held
  * is freed, its offset and size stay; a new entry has offset and size 0. A block that is
  * already bound there is left bound.
- * Returns 1; 0 when profile is null or memory is short (the caller still owns data). */
+ * Returns 1; 0 when profile is null or, with the reason, memory is short (the caller still owns
+ * data). */
 KOLINK_API int32_t jIccBindTag(IccProfile *profile, uint32_t signature, void *data);
 
 /* Frees a tag's data and removes its entry. Returns 1 when done or when there is no such tag;

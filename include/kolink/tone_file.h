@@ -18,12 +18,13 @@ typedef struct DccSettings {
 
 KOLINK_BEGIN
 
-/* The loaders reset the curve first, also when the file then cannot be opened, and rebuild its
- * table with the spline at the end. Malformed lines are skipped, unreadable numbers are 0, a
- * number too large for its field is the nearest that fits; a title is cut to its field at a whole
- * character. The path may be the curve's own.
- * Return 1; 0 when the record or its table is null, has too few channels (then nothing is
- * touched) or the file cannot be opened. */
+/* The loaders reset the curve first, also when the file cannot be opened, and rebuild its table
+ * with the spline at the end. A file that was opened and cannot be read leaves it as it was.
+ * Malformed lines are skipped, unreadable numbers are 0, a number too large for its field is the
+ * nearest that fits; a title is cut to its field at a whole character. The path may be the
+ * curve's own.
+ * Return 1; 0, with the reason, when the record or its table is null, has too few channels (then
+ * nothing is touched) or the file cannot be opened or read. */
 
 /* At least 1 channel; values 0..255. Points outside 0..255 are ignored. */
 KOLINK_API int32_t jKoToneLoadBkcCurve(ToneCurve *curve, const char *path);
@@ -38,8 +39,8 @@ KOLINK_API int32_t jKoToneLoadDccCurve(ToneCurve *curve, const char *path);
 KOLINK_API int32_t jKoToneLoadDcc(DccSettings *settings, const char *path);
 
 /* The savers write the channels that the form needs (1, 4, 6) and store path in the curve.
- * Return 1, also when the disk then fills up; 0, changing nothing, when the record has too few
- * channels, the path is longer than 259 bytes or the file cannot be created. */
+ * Return 1; 0 with the reason, changing nothing, when the record has too few channels, the path is
+ * longer than 259 bytes, or the file cannot be created, replaced or written. */
 KOLINK_API int32_t jKoToneSaveBkcCurve(ToneCurve *curve, const char *path);
 KOLINK_API int32_t jKoToneSaveCmykToneCurve(ToneCurve *curve, const char *path);
 KOLINK_API int32_t jKoToneSaveDcc(DccSettings *settings, const char *path);

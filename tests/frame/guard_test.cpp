@@ -96,7 +96,9 @@ TEST(FileGuard, NoReaderInTwoProcessesSeesAHalfWrittenFile) {
     if (!secondProcessFolder().empty()) GTEST_SKIP() << "this is the second process";
     attach();
     const TempFolder folder;
-    std::string command = "\"" + std::string(processState().modulePath) +
+    // The environment has no say in where the processes meet.
+    std::string command = test::onWindows() ? "" : "XDG_RUNTIME_DIR=\"" + folder.folder().string() + "\" ";
+    command += "\"" + std::string(processState().modulePath) +
                           "\" --gtest_filter=FileGuardSecondProcess.* \"" + kSecondProcess +
                           folder.folder().string() + "\" > \"" + folder.path("output") + "\"";
     if (test::onWindows()) command = "\"" + command + "\"";  // its shell takes the outer pair away

@@ -82,10 +82,18 @@ TEST(State, ProductFolderIsWrittenWithBackslashesOnEveryPlatform) {
 }
 
 TEST(State, AbsoluteProductFolderStandsAsItIs) {
-    for (const char* value : {"D:\\colour", "/opt/colour", "colour"}) {
+    const std::vector<std::string> values =
+        test::onWindows() ? std::vector<std::string>{"D:\\colour", "D:/colour", "\\\\server\\colour"}
+                    : std::vector<std::string>{"/opt/colour"};
+    for (const std::string& value : values) {
         const Attached attached(iniWith(value));
         EXPECT_EQ(attached.productFolder(), value);
     }
+}
+
+TEST(State, ProductFolderIsNeverUnderTheCurrentFolder) {
+    const Attached attached(iniWith("colour"));
+    EXPECT_EQ(attached.productFolder(), joinPath(attached.app("bin"), "colour"));
 }
 
 TEST(State, DotAloneIsTheModulesFolder) {

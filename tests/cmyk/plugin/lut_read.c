@@ -10,13 +10,13 @@
 #  define ENTRY __attribute__((visibility("default")))
 #endif
 
-static char logPath[512];
+static const char *table; /* as it was given: it must be there until the plug-in is closed */
 static long opened, converted, scattered, asked;
 
 #ifndef WITHOUT_LutOpen
 ENTRY int LutOpen(char *path) {
     ++opened;
-    snprintf(logPath, sizeof logPath, "%s.log", path);
+    table = path;
     return strstr(path, "refused") ? -1 : 0;
 }
 #endif
@@ -38,7 +38,10 @@ ENTRY int ConvertToRgb(uint8_t *c, uint8_t *m, uint8_t *y, uint8_t *k, uint8_t *
 
 #ifndef WITHOUT_LutClose
 ENTRY int LutClose(void) {
-    FILE *log = fopen(logPath, "ab");
+    char logPath[512];
+    FILE *log;
+    snprintf(logPath, sizeof logPath, "%s.log", table);
+    log = fopen(logPath, "ab");
     if (!log) return -1;
     fprintf(log, "opened %ld converted %ld scattered %ld asked %ld\n", opened, converted,
             scattered, asked);
