@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "frame/block.h"
 #include "kolink/calibration.h"
@@ -36,6 +37,8 @@ float CalibSplineValue(std::span<const CalibTone> tones, float x) noexcept;
 float CalibLinearValue(std::span<const CalibTone> tones, float x) noexcept;
 
 [[nodiscard]] Block<CalibCurveSet> loadCurve(const char* path);
+// The same from a file's text; the path is the set's.
+[[nodiscard]] Block<CalibCurveSet> readCurve(std::string_view text, const char* path);
 [[nodiscard]] Block<CalibCurveSet> CalibLoadKeyedCurve(const char* path);
 bool saveCurve(CalibCurveSet& set, const char* path);
 

@@ -211,8 +211,10 @@ Block<CalibCurveSet> CalibLoadKeyedCurve(const char* path) {
 
 Block<CalibCurveSet> loadCurve(const char* path) {
     const FileReading reading = readWhole(path, kCalibrationFiles);
-    if (!reading) return nullptr;
-    const std::string_view text = reading.file.text();
+    return reading ? readCurve(reading.file.text(), path) : nullptr;
+}
+
+Block<CalibCurveSet> readCurve(std::string_view text, const char* path) {
     // Editors that save in UTF-8 may put their mark in front.
     const bool keyed = text.starts_with('<') || text.starts_with("\xef\xbb\xbf<");
     return keyed ? loadKeyedCurve(text, path) : loadPlainCurve(text, path);

@@ -14,6 +14,7 @@
 #include "kolink/cmyk_profile.h"
 #include "kolink/cmyk_table.h"
 #include "kolink/link_settings.h"
+#include "kolink/saved_link.h"
 #include "kolink/tone_curve.h"
 
 namespace ko::cmyk {
@@ -62,12 +63,23 @@ int32_t saveProfile(CmykProfile& profile, const char* path);
 
 // The whole chain of a settings record baked into a new grid, as the exported functions of these
 // names; null when something does not load.
-[[nodiscard]] Block<CmykProfile> combineProfile(const CmsLinkSettings& settings);
-[[nodiscard]] Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings);
+enum class Black {
+    asSettingsSay,
+    kept,  // through the identity, whatever curve the settings name: pure K at its own level
+};
+[[nodiscard]] Block<CmykProfile> combineProfile(const CmsLinkSettings& settings,
+                                                Black black = Black::asSettingsSay);
+[[nodiscard]] Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings,
+                                                   Black black = Black::asSettingsSay);
 
 // Pixels of 4 bytes through the profile's grid alone, 4 words each; bit for bit like one by one.
 void cmykToCmyk16Row(const CmykProfile& profile, const uint8_t* input, int32_t pixels,
                      uint16_t* output) noexcept;
+
+// A saved link as a whole: the profile's curves as tables, and pixels through them and the grid.
+void makeCurveTables(const CmykProfile& profile, CmykCurveTables& tables) noexcept;
+void linkCmykToCmyk16Row(const CmykProfile& profile, const CmykCurveTables& tables,
+                         const uint8_t* input, int32_t pixels, uint16_t* output) noexcept;
 
 // The small tables.
 constexpr int32_t kTableGridPoints = 17;
@@ -87,6 +99,9 @@ int32_t loadCmykLut(CmykLut& table, const char* path);
 int32_t loadRgbLut(RgbLut& table, const char* path);
 int32_t saveCmykLut(const CmykLut& table, const char* path);
 int32_t saveRgbLut(const RgbLut& table, const char* path);
+// The same from what a file holds; false, the table as it was, when that is of neither form.
+bool readCmykLut(CmykLut& table, std::string_view file) noexcept;
+bool readRgbLut(RgbLut& table, std::string_view file) noexcept;
 
 // One colour in place: 0..255 in (clamped), 0..4080 out.
 void lutCmykToCmyk16(const CmykLut& table, int32_t* cmyk) noexcept;

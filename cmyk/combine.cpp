@@ -34,8 +34,13 @@ struct BlackCurve {
         return curve ? tone::valuesOf(*curve, 0).data() : nullptr;
     }
 };
-BlackCurve loadBlack(const CmsLinkSettings& settings) {
+BlackCurve loadBlack(const CmsLinkSettings& settings, Black kind) {
     BlackCurve black;
+    if (kind == Black::kept) {
+        black.curve = tone::createToneCurve(1);
+        black.loaded = black.curve != nullptr;
+        return black;
+    }
     const std::string path = pathIn(settings.blackPath);
     if (path.empty()) return black;
     black.curve = tone::createToneCurve(1);
@@ -45,9 +50,9 @@ BlackCurve loadBlack(const CmsLinkSettings& settings) {
 
 }  // namespace
 
-Block<CmykProfile> combineProfile(const CmsLinkSettings& settings) {
+Block<CmykProfile> combineProfile(const CmsLinkSettings& settings, Black kind) {
     const std::string source = pathIn(settings.sourcePath);
-    if (hasExtension(source.c_str(), ".icc")) return combineIccProfile(settings);
+    if (hasExtension(source.c_str(), ".icc")) return combineIccProfile(settings, kind);
 
     std::optional<platform::WaitCursor> cursor;  // goes last, when the plug-in is closed
     const auto base = loadBase(settings);
@@ -61,7 +66,7 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings) {
         plugin = Plugin::open(processState().productFolder, source);
         if (!plugin) return nullptr;
     }
-    const BlackCurve black = loadBlack(settings);
+    const BlackCurve black = loadBlack(settings, kind);
     if (!black.loaded) return nullptr;
 
     cursor.emplace(platform::WaitCursor::Source::library);
@@ -81,7 +86,7 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings) {
     return result;
 }
 
-Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings) {
+Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings, Black kind) {
     const auto base = loadBase(settings);
     auto result = createProfile();
     if (!base || !result) return nullptr;
@@ -98,7 +103,7 @@ Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings) {
     }
     const icc::White white =
         pair ? icc::mediaWhite(pair->source, icc::kProfileD50) : icc::kProfileD50;
-    const BlackCurve black = loadBlack(settings);
+    const BlackCurve black = loadBlack(settings, kind);
     if (!black.loaded) return nullptr;
 
     const platform::WaitCursor cursor(platform::WaitCursor::Source::system);

@@ -58,7 +58,7 @@ std::string buildDescription(std::string_view name, std::string_view comment) {
 }
 
 void applyDescription(CmykProfile& profile, std::string_view text) noexcept {
-    if (!text.starts_with(kMarker) && !text.starts_with(kSiblingMarker)) return;
+    if (!holdsEditingData(text)) return;
     int32_t inputLines = 0, outputLines = 0;
     bool commentTaken = false;
     size_t feed = text.find('\n');
@@ -97,6 +97,10 @@ std::string asPlainText(std::string_view comment) {
         comment.remove_prefix(end);
     }
     return text;
+}
+
+bool holdsEditingData(std::string_view description) noexcept {
+    return description.starts_with(kMarker) || description.starts_with(kSiblingMarker);
 }
 
 }  // namespace ko::cmyk

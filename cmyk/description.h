@@ -20,4 +20,7 @@ void applyDescription(CmykProfile& profile, std::string_view text) noexcept;
 // The comment with a blank before each line that would otherwise be read back as editing data.
 std::string asPlainText(std::string_view comment);
 
+// Whether a description is one of these: it begins with a known marker.
+bool holdsEditingData(std::string_view description) noexcept;
+
 }  // namespace ko::cmyk

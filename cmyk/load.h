@@ -22,6 +22,10 @@ void readTable(CmykProfile& profile, std::span<const uint8_t> file,
 
 int32_t loadIccProfile(CmykProfile& profile, const char* path);
 
+// Name, control points, comment, curves and grid from the tags "desc" and "A2B0" of a profile, as
+// far as these are loaded. Throws as takeGrid does.
+void takeTags(CmykProfile& profile, const IccProfile& source);
+
 // Curves and grid from a decoded A2B0. A curve whose table the LUT does not have stays. Throws
 // std::bad_alloc, nothing changed, when memory for the evaluation is short.
 void takeCurves(CmykProfile& profile, const IccLut& lut) noexcept;

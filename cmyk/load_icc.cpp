@@ -143,9 +143,13 @@ int32_t loadIccProfile(CmykProfile& profile, const char* path) {
     const icc::ProfilePtr source = std::move(file.profile);
     file = {};  // its bytes go before the grid is made
     const platform::WaitCursor cursor(platform::WaitCursor::Source::library);
+    takeTags(profile, *source);
+    return copyPath(profile.path, path) ? 1 : 0;
+}
 
+void takeTags(CmykProfile& profile, const IccProfile& source) {
     const auto loaded = [&](uint32_t signature) -> void* {
-        const IccTagEntry* const tag = icc::findTag(*source, signature);
+        const IccTagEntry* const tag = icc::findTag(source, signature);
         return tag ? tag->data : nullptr;
     };
     if (void* data = loaded(fourcc("A2B0"))) {
@@ -155,7 +159,6 @@ int32_t loadIccProfile(CmykProfile& profile, const char* path) {
     }
     if (const void* text = loaded(fourcc("desc")))
         applyDescription(profile, static_cast<const char*>(text));
-    return copyPath(profile.path, path) ? 1 : 0;
 }
 
 }  // namespace ko::cmyk

@@ -67,12 +67,16 @@ Block<IccLut> makeLinkLut(const CmykProfile& profile) noexcept {
     return lut;
 }
 
+bool fillLink(IccProfile& link, const CmykProfile& profile) {
+    return bindText(link, fourcc("cprt"), kCopyright) &&
+           bindText(link, fourcc("desc"), buildDescription(profile)) && bindEmptySequence(link) &&
+           bindLut(link, profile);
+}
+
 int32_t saveInto(icc::ProfilePtr link, const CmykProfile& profile, const char* path) {
     if (!link) return 1;  // kept: without memory for the object a save counts as done
     // A link that lacks a tag is not written: it would replace a good one.
-    const bool complete = bindText(*link, fourcc("cprt"), kCopyright) &&
-                          bindText(*link, fourcc("desc"), buildDescription(profile)) &&
-                          bindEmptySequence(*link) && bindLut(*link, profile);
+    const bool complete = fillLink(*link, profile);
     return complete && icc::saveLinkProfile(link.get(), path) == 1 ? 1 : 0;
 }
 

@@ -9,6 +9,9 @@ namespace ko::cmyk {
 // The A2B0 table of the link; null when memory is short.
 [[nodiscard]] Block<IccLut> makeLinkLut(const CmykProfile& profile) noexcept;
 
+// Gives a new link its tags; false when memory is short.
+[[nodiscard]] bool fillLink(IccProfile& link, const CmykProfile& profile);
+
 // Fills a new link and writes it. 1 when all went well, and also without a link.
 int32_t saveInto(icc::ProfilePtr link, const CmykProfile& profile, const char* path);
 

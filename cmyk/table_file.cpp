@@ -4,13 +4,12 @@
 #include <bit>
 #include <charconv>
 #include <cstring>
-#include <optional>
 #include <span>
 #include <string_view>
 
 #include "cmyk/cmyk.h"
+#include "cmyk/table_text.h"
 #include "frame/file.h"
-#include "frame/scan.h"
 #include "frame/text.h"
 
 namespace ko::cmyk {
@@ -19,7 +18,6 @@ namespace {
 static_assert(std::endian::native == std::endian::little);  // raw words are read as they are
 
 constexpr std::string_view kBeginData = "#begindata";
-constexpr size_t kLineSize = 512;  // terminating NUL included
 
 // What a file's nodes are: how many colours in and out, and how outputs are packed.
 struct CmykForm {
@@ -47,71 +45,77 @@ bool holdsControl(std::string_view line) noexcept {
     });
 }
 
-// A line as a string: up to a NUL, and no longer than the line buffer was.
-std::string_view textOf(std::string_view line) noexcept {
-    line = line.substr(0, kLineSize - 1);
+}  // namespace
+
+std::string_view tableLine(std::string_view line) noexcept {
+    line = line.substr(0, kTableLineSize - 1);
     return line.substr(0, line.find('\0'));
 }
 
-bool isBeginData(std::string_view line) noexcept {
-    return std::ranges::equal(line, kBeginData, [](char a, char b) {
+bool isTableStart(std::string_view line) noexcept {
+    return std::ranges::equal(tableLine(line), kBeginData, [](char a, char b) {
         return (a >= 'A' && a <= 'Z' ? static_cast<char>(a + 32) : a) == b;
     });
 }
 
-// A line's numbers, 0 where there is none. Blanks before the first count for nothing; what follows
-// a number up to a separator is skipped, and any run of separators is one.
-template <size_t Count>
-std::array<int32_t, Count> numbersOf(std::string_view line) noexcept {
-    constexpr std::string_view kSeparators = "\t ,";
-    Scanner scanner(line);
-    scanner.skip("\t ");
-    std::array<int32_t, Count> numbers;
-    for (int32_t& number : numbers) {
-        number = scanner.integer();
-        scanner.advanceTo(kSeparators);
-        scanner.skip(kSeparators);
+TableFile tableFileOf(LineReader& lines) noexcept {
+    for (std::string_view line; lines.next(line);) {
+        if (holdsControl(line)) return TableFile::binary;
+        if (isTableStart(line)) return TableFile::text;
     }
-    return numbers;
+    return TableFile::neither;
 }
 
-// The grid index of a level: 255 is the last, any other is that of its cell. Nothing for a level
-// outside the grid.
-std::optional<size_t> indexOf(int32_t level) noexcept {
+TableNumbers::Number TableNumbers::next() noexcept {
+    constexpr std::string_view kSeparators = "\t ,";
+    const std::string_view rest = scanner_.rest();
+    const int32_t value = scanner_.integer();
+    scanner_.advanceTo(kSeparators);
+    const std::string_view text = rest.substr(0, rest.size() - scanner_.rest().size());
+    scanner_.skip(kSeparators);
+    return {value, text};
+}
+
+std::optional<size_t> tableIndexOf(int32_t level) noexcept {
     if (level < 0 || level > 255 + 15) return std::nullopt;
     return static_cast<size_t>(level + level / 255) / 16;
 }
 static_assert((255 + 15 + 1) / 16 == 16);
 
+namespace {
+
 template <class Form>
 void takeLine(std::span<uint32_t> nodes, std::string_view line) noexcept {
-    const auto numbers = numbersOf<Form::kInputs + Form::kOutputs>(line);
+    TableNumbers numbers(line);
     size_t node = 0;
     for (size_t axis = 0; axis < Form::kInputs; ++axis) {
-        const auto index = indexOf(numbers[axis]);
+        const auto index = tableIndexOf(numbers.next().value);
         if (!index) return;
         node = node * kTableGridPoints + *index;
     }
-    nodes[node] = Form::pack(numbers.data() + Form::kInputs);
+    int32_t outputs[Form::kOutputs];
+    for (int32_t& output : outputs) output = numbers.next().value;
+    nodes[node] = Form::pack(outputs);
+}
+
+template <class Form>
+bool read(std::span<uint32_t> nodes, std::string_view file) noexcept {
+    LineReader lines(file);
+    switch (tableFileOf(lines)) {
+        case TableFile::neither: return platform::failFor(platform::Cause::damaged);
+        case TableFile::binary:  // of a cut file, the rest stays as it was
+            std::memcpy(nodes.data(), file.data(), std::min(file.size(), nodes.size_bytes()));
+            return true;
+        case TableFile::text: break;
+    }
+    for (std::string_view line; lines.next(line);) takeLine<Form>(nodes, tableLine(line));
+    return true;
 }
 
 template <class Form>
 int32_t load(std::span<uint32_t> nodes, const char* path) {
     const FileReading reading = readWhole(path, kColourTableFiles);
-    if (!reading) return 0;
-    LineReader lines(reading.file.text());
-    std::string_view line;
-    for (;;) {
-        if (!lines.next(line)) return platform::failFor(platform::Cause::damaged);  // of neither form
-        if (holdsControl(line)) {
-            const auto bytes = reading.file.bytes();  // of a cut file, the rest stays as it was
-            std::memcpy(nodes.data(), bytes.data(), std::min(bytes.size(), nodes.size_bytes()));
-            return 1;
-        }
-        if (isBeginData(textOf(line))) break;
-    }
-    while (lines.next(line)) takeLine<Form>(nodes, textOf(line));
-    return 1;
+    return reading && read<Form>(nodes, reading.file.text()) ? 1 : 0;
 }
 
 template <class Form>
@@ -136,6 +140,12 @@ int32_t save(std::span<const uint32_t> nodes, const char* path) {
 
 }  // namespace
 
+bool readCmykLut(CmykLut& table, std::string_view file) noexcept {
+    return read<CmykForm>(table.nodes, file);
+}
+bool readRgbLut(RgbLut& table, std::string_view file) noexcept {
+    return read<RgbForm>(table.nodes, file);
+}
 int32_t loadCmykLut(CmykLut& table, const char* path) { return load<CmykForm>(table.nodes, path); }
 int32_t loadRgbLut(RgbLut& table, const char* path) { return load<RgbForm>(table.nodes, path); }
 int32_t saveCmykLut(const CmykLut& table, const char* path) { return save<CmykForm>(table.nodes, path); }

@@ -105,15 +105,33 @@ NewFile::~NewFile() {
 }
 
 bool NewFile::write(std::span<const uint8_t> bytes) noexcept {
-    return file_ && platform::write(*file_, bytes.data(), bytes.size());
+    if (!file_ || !platform::write(*file_, bytes.data(), bytes.size())) return false;
+    position_ += bytes.size();
+    size_ = std::max(size_, position_);
+    return true;
 }
 
 bool NewFile::write(std::string_view text) noexcept {
-    return file_ && platform::write(*file_, text.data(), text.size());
+    return write({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+}
+
+bool NewFile::seek(uint64_t position) noexcept {
+    if (position == position_) return true;
+    if (!file_ || !platform::seek(*file_, position)) return false;
+    position_ = position;
+    return true;
+}
+
+bool NewFile::read(std::span<uint8_t> bytes) noexcept {
+    if (!file_ || position_ > size_ || bytes.size() > size_ - position_) return false;
+    if (!platform::read(*file_, bytes.data(), bytes.size())) return false;
+    position_ += bytes.size();
+    return true;
 }
 
 SaveResult NewFile::finish() noexcept {
     if (!file_) return result_;
+    if (!seek(size_)) return result_ = SaveResult::failed;  // the file ends where the writing stands
     result_ = platform::finish(*file_);
     {
         const platform::ErrorKeeper keeper;

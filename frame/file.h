@@ -114,6 +114,12 @@ public:
     explicit operator bool() const noexcept { return file_ != nullptr; }
     bool write(std::span<const uint8_t> bytes) noexcept;  // false: finish will fail
     bool write(std::string_view text) noexcept;
+    // For a file that is not written from front to back: goes elsewhere and reads what is written
+    // already. A place that is passed over and never written is zeros.
+    bool seek(uint64_t position) noexcept;
+    uint64_t position() const noexcept { return position_; }
+    uint64_t size() const noexcept { return size_; }
+    bool read(std::span<uint8_t> bytes) noexcept;  // all of it, or false
     // How it went. Success leaves platform::lastError as it was; else it has the reason.
     [[nodiscard]] SaveResult finish() noexcept;
 
@@ -121,6 +127,7 @@ private:
     uint32_t errorBefore_ = platform::lastError();
     std::optional<FileGuard> guard_;
     platform::NewFile* file_ = nullptr;
+    uint64_t position_ = 0, size_ = 0;
     SaveResult result_ = SaveResult::failed;
 };
 

@@ -301,6 +301,14 @@ bool write(NewFile& file, const void* bytes, size_t size) noexcept {
     return false;
 }
 
+bool seek(NewFile& file, uint64_t position) noexcept {
+    return ::lseek(file.file.get(), static_cast<off_t>(position), SEEK_SET) >= 0;
+}
+
+bool read(NewFile& file, void* buffer, size_t size) noexcept {
+    return read(FileHandle{file.file.get()}, buffer, size);
+}
+
 SaveResult finish(NewFile& file) noexcept {
     if (file.error != 0) {
         errno = file.error;

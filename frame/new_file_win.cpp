@@ -128,7 +128,7 @@ bool makeBeside(NewFile& file, const std::wstring& folder) {
         std::swprintf(name, 64, L"%lx-%lx-%x", ::GetCurrentProcessId(),
                       static_cast<unsigned long>(now.LowPart), count++);
         file.beside = folder + std::wstring(kPrefix) + name + std::wstring(kSuffix);
-        file.file = ::CreateFileW(file.beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+        file.file = ::CreateFileW(file.beside.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                   FILE_ATTRIBUTE_NORMAL, nullptr);
         if (file.file != INVALID_HANDLE_VALUE) return true;
         if (::GetLastError() != ERROR_FILE_EXISTS) break;
@@ -221,6 +221,16 @@ bool write(NewFile& file, const void* bytes, size_t size) noexcept {
         done += put;
     }
     return true;
+}
+
+bool seek(NewFile& file, uint64_t position) noexcept {
+    LARGE_INTEGER place;
+    place.QuadPart = static_cast<LONGLONG>(position);
+    return ::SetFilePointerEx(file.file, place, nullptr, FILE_BEGIN) != 0;
+}
+
+bool read(NewFile& file, void* buffer, size_t size) noexcept {
+    return read(reinterpret_cast<FileHandle>(file.file), buffer, size);
 }
 
 SaveResult finish(NewFile& file) noexcept {

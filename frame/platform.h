@@ -76,6 +76,8 @@ enum class SaveResult {
 struct NewFile;
 NewFile* beginNewFile(const char* path, SaveResult& failure) noexcept;  // null: see failure
 bool write(NewFile& file, const void* bytes, size_t size) noexcept;     // all or false
+bool seek(NewFile& file, uint64_t position) noexcept;                   // also past the end
+bool read(NewFile& file, void* buffer, size_t size) noexcept;           // all of it, or false
 SaveResult finish(NewFile& file) noexcept;                              // once, after the last write
 void closeNewFile(NewFile* file) noexcept;  // one that is not finished leaves nothing behind
 

@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
+#include <vector>
 
 #include "frame/block.h"
 #include "frame/bytes.h"
@@ -66,6 +68,8 @@ enum class TagResult {
 uint32_t saveProfile(IccProfile* profile, const char* path);
 uint32_t saveDeviceProfile(IccProfile* profile, const char* path);
 uint32_t saveLinkProfile(IccProfile* profile, const char* path);
+// What saveLinkProfile writes; nothing when a tag cannot be written.
+[[nodiscard]] std::optional<std::vector<uint8_t>> encodeLinkProfile(const IccProfile& profile);
 
 // The same readers over bytes in memory. The decoded data is not bound.
 [[nodiscard]] ProfilePtr parseHeader(std::span<const uint8_t> bytes,

@@ -60,14 +60,14 @@ bool assemble(const IccProfile& profile, Writers writer, uint64_t slots, FilePar
     return true;
 }
 
+bool isCount(uint64_t slots) noexcept { return slots != 0 && slots * kSlotSize <= UINT32_MAX; }
+
 uint32_t save(IccProfile* profile, const char* path, Writers writer) {
     if (!profile) return platform::failFor(platform::Cause::wrongArgument);
     if (!copyPath(profile->path, path)) return 0;
     const uint64_t slots = countSlots(*profile, writer);
-    if (slots == 0 || slots * kSlotSize > UINT32_MAX)
-        return platform::failFor(platform::Cause::wrongArgument);
     FileParts file;
-    if (!assemble(*profile, writer, slots, file))
+    if (!isCount(slots) || !assemble(*profile, writer, slots, file))
         return platform::failFor(platform::Cause::wrongArgument);
     // A file that cannot be created counts as written: hosts have never seen a 0 for it.
     return replaceWhole(profile->path, kProfileFiles, file.parts()) == SaveResult::failed ? 0 : 1;
@@ -81,6 +81,16 @@ uint32_t saveProfile(IccProfile* profile, const char* path) {
 
 uint32_t saveDeviceProfile(IccProfile* profile, const char* path) {
     return save(profile, path, kDeviceWriter);
+}
+
+std::optional<std::vector<uint8_t>> encodeLinkProfile(const IccProfile& profile) {
+    const uint64_t slots = countSlots(profile, kLinkWriter);
+    FileParts file;
+    if (!isCount(slots) || !assemble(profile, kLinkWriter, slots, file)) return std::nullopt;
+    std::vector<uint8_t> bytes;
+    bytes.reserve(static_cast<size_t>(file.size()));
+    for (const auto part : file.parts()) bytes.insert(bytes.end(), part.begin(), part.end());
+    return bytes;
 }
 
 uint32_t saveLinkProfile(IccProfile* profile, const char* path) {

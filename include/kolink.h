@@ -31,6 +31,7 @@
 #include "kolink/link.h"
 #include "kolink/link_settings.h"
 #include "kolink/memory.h"
+#include "kolink/saved_link.h"
 #include "kolink/tone_curve.h"
 #include "kolink/tone_file.h"
 

@@ -87,47 +87,72 @@ void readDccLine(char* line, DccSettings& settings) noexcept {
     readCurveLine(line, *settings.curves, kDccCurves, 1);
 }
 
-// What all loaders share: the curve is reset when the file cannot be opened, and stays as it was
-// when it cannot be read; each line goes to readLine; the table is made at the end.
+// What all readers share: the curve is reset, each line goes to readLine, and the table is made at
+// the end.
 template <class ReadLine>
-bool load(ToneCurve& curve, const char* path, int32_t maxValue, ReadLine&& readLine) {
+void read(ToneCurve& curve, std::string_view text, int32_t maxValue, ReadLine&& readLine) {
+    initToneCurve(curve);
+    LineReader lines(text);
+    for (char line[kLineSize]; jFilesGets(lines, line);) readLine(line);
+    encode(curve, Interpolation::spline, maxValue);
+}
+
+// What all loaders share: the curve is reset when the file cannot be opened, and stays as it was
+// when it cannot be read.
+template <class Read>
+bool load(ToneCurve& curve, const char* path, Read&& readText) {
     char kept[KOLINK_PATH_SIZE];  // the path given may be the curve's own, which the reset empties
     const bool pathFits = copyPath(kept, path);
     const FileReading reading =
         pathFits ? readWhole(kept, kCurveFiles) : FileReading{ReadResult::notOpened, {}};
     if (reading.result == ReadResult::failed) return false;
-    initToneCurve(curve);
-    if (!reading) return false;
-    LineReader lines(reading.file.text());
-    for (char line[kLineSize]; jFilesGets(lines, line);) readLine(line);
+    if (!reading) {
+        initToneCurve(curve);
+        return false;
+    }
+    readText(reading.file.text());
     std::copy(std::begin(kept), std::end(kept), curve.path);
-    encode(curve, Interpolation::spline, maxValue);
     return true;
 }
 
 }  // namespace
 
+void readBkcCurve(ToneCurve& curve, std::string_view text) noexcept {
+    read(curve, text, 255, [&](char* line) { readBkcLine(line, curve); });
+}
+
+void readCmykToneCurve(ToneCurve& curve, std::string_view text) noexcept {
+    read(curve, text, 255, [&](const char* line) { readCurveLine(line, curve, kCmykCurves, 1); });
+}
+
+void readDccCurve(ToneCurve& curve, std::string_view text) noexcept {
+    read(curve, text, 255 * 16,
+         [&](const char* line) { readCurveLine(line, curve, kDccCurves, 16); });
+}
+
+void readDcc(DccSettings& settings, std::string_view text) noexcept {
+    read(*settings.curves, text, 255, [&](char* line) { readDccLine(line, settings); });
+}
+
 bool loadBkcCurve(ToneCurve& curve, const char* path) {
     if (!hasChannels(curve, 1)) return false;
-    return load(curve, path, 255, [&](char* line) { readBkcLine(line, curve); });
+    return load(curve, path, [&](std::string_view text) { readBkcCurve(curve, text); });
 }
 
 bool loadCmykToneCurve(ToneCurve& curve, const char* path) {
     if (!hasChannels(curve, 4)) return false;
     if (curve.channelCount > 4) return platform::failFor(platform::Cause::wrongArgument);
-    return load(curve, path, 255,
-                [&](const char* line) { readCurveLine(line, curve, kCmykCurves, 1); });
+    return load(curve, path, [&](std::string_view text) { readCmykToneCurve(curve, text); });
 }
 
 bool loadDccCurve(ToneCurve& curve, const char* path) {
     if (!hasChannels(curve, 6)) return false;
-    return load(curve, path, 255 * 16,
-                [&](const char* line) { readCurveLine(line, curve, kDccCurves, 16); });
+    return load(curve, path, [&](std::string_view text) { readDccCurve(curve, text); });
 }
 
 bool loadDcc(DccSettings& settings, const char* path) {
     if (!hasChannels(settings, 6)) return false;
-    return load(*settings.curves, path, 255, [&](char* line) { readDccLine(line, settings); });
+    return load(*settings.curves, path, [&](std::string_view text) { readDcc(settings, text); });
 }
 
 }  // namespace ko::tone

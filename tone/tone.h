@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string_view>
 
 #include "frame/platform.h"
 #include "kolink/tone_curve.h"
@@ -72,6 +73,11 @@ bool loadBkcCurve(ToneCurve& curve, const char* path);
 bool loadCmykToneCurve(ToneCurve& curve, const char* path);
 bool loadDccCurve(ToneCurve& curve, const char* path);
 bool loadDcc(DccSettings& settings, const char* path);
+// The same from a file's text, into curves that have the channels.
+void readBkcCurve(ToneCurve& curve, std::string_view text) noexcept;
+void readCmykToneCurve(ToneCurve& curve, std::string_view text) noexcept;
+void readDccCurve(ToneCurve& curve, std::string_view text) noexcept;
+void readDcc(DccSettings& settings, std::string_view text) noexcept;
 bool saveBkcCurve(ToneCurve& curve, const char* path);
 bool saveCmykToneCurve(ToneCurve& curve, const char* path);
 bool saveDcc(DccSettings& settings, const char* path);

@@ -41,17 +41,19 @@ public:
     bool load(const char* path) {
         jKoCmykReleaseProfile(profile_);
         profile_ = isLink(path) ? jKoCmykCreateProfile() : nullptr;
-        if (!profile_ || jKoCmykLoadProfile(profile_, path)) return profile_ != nullptr;
+        if (profile_ && jKoCmykLoadProfile(profile_, path))
+            return jKoCmykMakeCurveTables(profile_, &curves_) == 1;
         jKoCmykReleaseProfile(profile_);
         profile_ = nullptr;
         return false;
     }
     bool isLoaded() const { return profile_ != nullptr; }
     void convert(int32_t (&inks)[4]) const {  // levels 0 to 255 in, 16 times that out
-        for (int ink = 0; ink < 4; ++ink) inks[ink] = curve(ink, inks[ink]);
-        jKoCmykCMYKtoCMYK16(profile_, inks);
-        for (int ink = 0; ink < 4; ++ink)
-            if (!isIdentity(4 + ink)) inks[ink] = 16 * curve(4 + ink, (inks[ink] + 8) / 16);
+        uint8_t in[4];
+        uint16_t out[4];
+        std::copy(inks, inks + 4, in);
+        jKoCmykLinkCMYKtoCMYK16Row(profile_, &curves_, in, 1, out);
+        std::copy(out, out + 4, inks);
     }
 
 private:
@@ -63,22 +65,8 @@ private:
         if (header) jIccRelease(header);
         return result;
     }
-    // A curve goes through its control points, the points that have their flag set.
-    int32_t curve(int which, int32_t level) const {
-        TonePoint points[65];
-        int32_t count = 0;
-        for (int32_t j = 0; j < 65; ++j)
-            if (profile_->curveFlags[which][j])
-                points[count++] = {4 * j - j / 64, profile_->curveValues[which][j]};
-        return std::min(std::max(jKoToneGetSplineTone(points, count, level), 0), 255);
-    }
-    bool isIdentity(int which) const {
-        for (int32_t level = 0; level < 256; ++level)
-            if (curve(which, level) != level) return false;
-        return true;
-    }
-
     CmykProfile* profile_ = nullptr;
+    CmykCurveTables curves_ = {};  // of the profile
 };
 
 struct Host {

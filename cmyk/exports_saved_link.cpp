@@ -1,0 +1,16 @@
+// The exported functions of a saved link as a whole.
+#include "cmyk/cmyk.h"
+
+static_assert(sizeof(CmykCurveTables) == 2048);
+
+extern "C" int32_t jKoCmykMakeCurveTables(const CmykProfile* profile, CmykCurveTables* tables) {
+    if (!profile || !tables) return 0;
+    ko::cmyk::makeCurveTables(*profile, *tables);
+    return 1;
+}
+
+extern "C" void jKoCmykLinkCMYKtoCMYK16Row(const CmykProfile* profile,
+                                           const CmykCurveTables* tables, const uint8_t* input,
+                                           int32_t pixels, uint16_t* output) {
+    ko::cmyk::linkCmykToCmyk16Row(*profile, *tables, input, pixels, output);
+}
