@@ -2,6 +2,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 #include "cli/arguments.h"
@@ -12,23 +13,21 @@
 #include "cli/plot.h"
 #include "cli/report.h"
 #include "cli/system.h"
+#include "calib/calib.h"
 
 namespace ko::cli {
 
 CalibPtr loadCalib(const InputFile& file) {
-    CalibPtr set(jKoCalibLoadCurve(file.libraryPath.c_str()));
-    if (!set) failOn(file.path, "is no calibration set: it names no channel count from 1 to 16");
-    return set;
-}
-
-std::string calibText(const char* field, size_t size) {
-    return system::fromShiftJis(std::string_view(field, strnlen(field, size)));
+    CalibPtr set = reasoned([&] { return calib::readCurve(file.text(), file.libraryPath.c_str()); });
+    if (set) return set;
+    throwIfNotItsFault(file.path);
+    failOn(file.path, "is no calibration set: it names no channel count from 1 to 16");
 }
 
 Json calibReport(const CalibCurveSet& set) {
     Json report;
-    report["title"] = calibText(set.title, sizeof set.title);
-    report["description"] = calibText(set.desc, sizeof set.desc);
+    report["title"] = fieldText(set.title);
+    report["description"] = fieldText(set.desc);
     report["range"] = set.range;
     report["limit"] = set.limit;
     report["interpolation"] = set.ctype == 1 ? "spline" : "straight lines";
@@ -37,7 +36,7 @@ Json calibReport(const CalibCurveSet& set) {
         const CalibChannel& channel = set.channels[at];
         Json entry;
         entry["channel"] = at + 1;
-        entry["name"] = calibText(channel.name, sizeof channel.name);
+        entry["name"] = fieldText(channel.name);
         entry["colour"] = {channel.lrgb & 255, channel.lrgb >> 8 & 255, channel.lrgb >> 16 & 255};
         entry["tones"] = Json::array();
         for (int32_t tone = 0; tone < channel.toneCount; ++tone)
@@ -81,12 +80,19 @@ int32_t channelOf(const Options& options, const CalibCurveSet& set) {
     return options.channel - 1;
 }
 
-// The set takes the place of the file in one step; the library writes it beside first.
 void save(CalibCurveSet& set, const std::string& path) {
-    OutputFile output(path, {});
-    if (jKoCalibSaveCurve(&set, toLibraryPath(output.temporary()).c_str()) != 1)
-        failOn(path, "cannot be written");
-    output.commit();
+    const std::string libraryPath = toLibraryPath(path);
+    writeThrough(path, [&] { return jKoCalibSaveCurve(&set, libraryPath.c_str()) == 1; });
+}
+
+// Reads a set, changes it and writes it, while nobody else does the same.
+template <class Change>
+void edit(const std::string& path, Change&& change) {
+    const FileGuard guard;
+    const CalibPtr set = loadCalib(openInput(path));
+    change(*set);
+    checkOutput(path, {});
+    save(*set, path);
 }
 
 void keepDecimals(char (&format)[8]) {
@@ -103,11 +109,11 @@ std::string checkedText(const std::string& text, const char (&)[size], const cha
 }
 
 void makeNew(const Options& options) {
+    const FileGuard guard;  // so that two cannot make it both
     std::error_code error;
     if (std::filesystem::exists(toPath(options.file), error)) failOn(options.file, "exists already");
-    CalibPtr set(jKoCalibCreateCurve(options.channels, options.range,
-                                     options.limit > 0 ? options.limit : options.range));
-    if (!set) throw Failure("not enough memory");
+    const CalibPtr set = orShortOfMemory(calib::createCurve(
+        options.channels, options.range, options.limit > 0 ? options.limit : options.range));
     const std::string title = checkedText(options.title, set->title, "--title");
     const std::string description = checkedText(options.description, set->desc, "--description");
     jKoCalibSetTitle(set.get(), title.c_str(), description.c_str());
@@ -120,6 +126,7 @@ void makeNew(const Options& options) {
     }
     // Tones of a percent scale are given with decimals.
     for (char* format : {set->formatX, set->formatY}) std::strcpy(format, "%g");
+    checkOutput(options.file, {});
     save(*set, options.file);
 }
 
@@ -161,18 +168,18 @@ void addCalibCommand(Command& app) {
     setting.option("y", options->y, "The output tone").required();
     setting.does([options] {
         const float x = finite(options->x, "x"), y = finite(options->y, "y");
-        const CalibPtr set = loadCalib(openInput(options->file));
-        const int32_t channel = channelOf(*options, *set);
-        if (y < 0 || y > static_cast<float>(set->limit))
-            failOn(options->file, "output tones go from 0 to " + std::to_string(set->limit));
-        if (jKoCalibSetToneValue(set.get(), channel, x, y) != 1)
-            failOn(options->file, x < 0 || x > static_cast<float>(set->range)
-                                      ? "input tones go from 0 to " + std::to_string(set->range)
-                                      : "the channel already has its 256 tones");
-        // A format for whole numbers would round the tone away when the file is written.
-        if (std::floor(x) != x) keepDecimals(set->formatX);
-        if (std::floor(y) != y) keepDecimals(set->formatY);
-        save(*set, options->file);
+        edit(options->file, [&](CalibCurveSet& set) {
+            const int32_t channel = channelOf(*options, set);
+            if (y < 0 || y > static_cast<float>(set.limit))
+                failOn(options->file, "output tones go from 0 to " + std::to_string(set.limit));
+            if (jKoCalibSetToneValue(&set, channel, x, y) != 1)
+                failOn(options->file, x < 0 || x > static_cast<float>(set.range)
+                                          ? "input tones go from 0 to " + std::to_string(set.range)
+                                          : "the channel already has its 256 tones");
+            // A format for whole numbers would round the tone away when the file is written.
+            if (std::floor(x) != x) keepDecimals(set.formatX);
+            if (std::floor(y) != y) keepDecimals(set.formatY);
+        });
     });
 
     Command deleting = add("delete", "Remove the tone at an input tone; the two ends stay");
@@ -180,10 +187,10 @@ void addCalibCommand(Command& app) {
     deleting.option("x", options->x, "The input tone").required();
     deleting.does([options] {
         const float x = finite(options->x, "x");
-        const CalibPtr set = loadCalib(openInput(options->file));
-        if (jKoCalibDeleteToneValue(set.get(), channelOf(*options, *set), x) != 1)
-            failOn(options->file, "there is no tone at " + number(x, 4) + " between the two ends of the channel");
-        save(*set, options->file);
+        edit(options->file, [&](CalibCurveSet& set) {
+            if (jKoCalibDeleteToneValue(&set, channelOf(*options, set), x) != 1)
+                failOn(options->file, "there is no tone at " + number(x, 4) + " between the two ends of the channel");
+        });
     });
 
     Command making = add("new", "Make a set of identity curves; an existing file stays as it is");

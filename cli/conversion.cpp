@@ -8,6 +8,7 @@
 #include "cli/files.h"
 #include "cli/icc_input.h"
 #include "cli/table_file.h"
+#include "link/link.h"
 
 namespace ko::cli {
 namespace {
@@ -15,14 +16,9 @@ namespace {
 // Rows are handed on in portions that stay in the cache.
 constexpr int32_t kPortion = 1024;
 
-struct LinkDeleter {
-    void operator()(LinkProfile* link) const { jKoLinkReleaseProfile(link); }
-};
-using LinkPtr = std::unique_ptr<LinkProfile, LinkDeleter>;
-
 class LinkConversion final : public Conversion {
 public:
-    LinkConversion(LinkPtr link, ColourSpace in, ColourSpace out) : link_(std::move(link)) {
+    LinkConversion(link::Link link, ColourSpace in, ColourSpace out) : link_(std::move(link)) {
         input = in;
         output = out;
     }
@@ -40,46 +36,22 @@ public:
     }
 
 private:
-    LinkPtr link_;
+    link::Link link_;
 };
 
 // A saved link: its input curves, its grid, its output curves.
 class ProfileConversion final : public Conversion {
 public:
     explicit ProfileConversion(CmykProfilePtr profile) : profile_(std::move(profile)) {
-        for (size_t curve = 0; curve < 8; ++curve) {
-            std::vector<TonePoint> points;
-            for (int32_t j = 0; j < 65; ++j)
-                if (profile_->curveFlags[curve][j])
-                    points.push_back({4 * j - j / 64, profile_->curveValues[curve][j]});
-            for (int32_t level = 0; level < 256; ++level)
-                tables_[curve][static_cast<size_t>(level)] = static_cast<uint8_t>(
-                    std::clamp(jKoToneGetSplineTone(points.data(), static_cast<int32_t>(points.size()), level),
-                               0, 255));
-        }
-        for (size_t curve = 4; curve < 8; ++curve)
-            for (size_t level = 0; level < 256; ++level)
-                if (tables_[curve][level] != level) plainOutput_ = false;
+        jKoCmykMakeCurveTables(profile_.get(), &tables_);
     }
     void convert(const uint8_t* in, int32_t pixels, uint16_t* out) override {
-        std::array<uint8_t, 4 * kPortion> inks;
-        for (; pixels > 0; pixels -= kPortion) {
-            const int32_t count = std::min(pixels, kPortion);
-            for (size_t at = 0; at < static_cast<size_t>(count) * 4; ++at)
-                inks[at] = tables_[at % 4][in[at]];
-            jKoCmykCMYKtoCMYK16Row(profile_.get(), inks.data(), count, out);
-            // An output curve is a table of whole levels, so its input is rounded to one.
-            for (size_t at = 0; !plainOutput_ && at < static_cast<size_t>(count) * 4; ++at)
-                out[at] = static_cast<uint16_t>(tables_[4 + at % 4][(out[at] + 8u) / 16] * 16);
-            in += count * 4;
-            out += count * 4;
-        }
+        jKoCmykLinkCMYKtoCMYK16Row(profile_.get(), &tables_, in, pixels, out);
     }
 
 private:
     CmykProfilePtr profile_;
-    std::array<std::array<uint8_t, 256>, 8> tables_{};
-    bool plainOutput_ = true;
+    CmykCurveTables tables_{};
 };
 
 class TableConversion final : public Conversion {
@@ -153,10 +125,24 @@ private:
 
 ColourSpace spaceOf(const IccInput& profile, const char* role) {
     const uint32_t space = profile.header().colourSpace;
-    if (space == signatureOf("RGB ")) return ColourSpace::rgb;
-    if (space == signatureOf("CMYK")) return ColourSpace::cmyk;
+    if (space == fourcc("RGB ")) return ColourSpace::rgb;
+    if (space == fourcc("CMYK")) return ColourSpace::cmyk;
     failOn(profile.file().path, "is a profile for " + signatureText(space) + " where RGB or CMYK is needed (" +
                                     role + ")");
+}
+
+CmykProfilePtr linkProfile(const InputFile& file) {
+    if (file.type == FileType::cmykTable || file.type == FileType::amatchTable)
+        return cmykProfile(file);
+    if (file.type != FileType::icc)
+        failOn(file.path, "is neither an ICC profile nor a .lut or .amt table");
+    const IccInput profile(file);
+    if (spaceOf(profile, "link") != ColourSpace::cmyk)
+        failOn(file.path, "is a profile for RGB where a CMYK link is needed");
+    const IccLut* lut = profile.lut(fourcc("A2B0"));
+    if (lut->inputChannels != 4 || lut->outputChannels != 4)
+        failOn(file.path, "its table A2B0 does not convert CMYK to CMYK: it is no link");
+    return cmykProfile(profile);
 }
 
 int32_t intentOf(const std::string& word) {
@@ -221,20 +207,7 @@ std::unique_ptr<Conversion> ConversionOptions::makeColour(std::optional<ColourSp
         return conversion;
     }
     if (link_) {
-        const InputFile file = openInput(*link_);
-        if (file.kind == FileKind::icc) {
-            const IccInput profile(file);
-            if (spaceOf(profile, "link") != ColourSpace::cmyk)
-                failOn(file.path, "is a profile for RGB where a CMYK link is needed");
-            const IccLut* lut = profile.lut(signatureOf("A2B0"));
-            if (lut->inputChannels != 4 || lut->outputChannels != 4)
-                failOn(file.path, "its table A2B0 does not convert CMYK to CMYK: it is no link");
-        } else if (file.kind != FileKind::cmykTable && file.kind != FileKind::amatchTable) {
-            failOn(file.path, "is neither an ICC profile nor a .lut or .amt table");
-        }
-        CmykProfilePtr profile = newCmykProfile();
-        if (jKoCmykLoadProfile(profile.get(), file.libraryPath.c_str()) != 1)
-            failOn(file.path, "cannot be loaded");
+        auto profile = linkProfile(openInput(*link_));
         auto conversion = std::make_unique<ProfileConversion>(std::move(profile));
         conversion->files = {*link_};
         return conversion;
@@ -258,20 +231,20 @@ std::unique_ptr<Conversion> ConversionOptions::makeColour(std::optional<ColourSp
     settings.whiteMode = white_.value_or("clean") == "clean" ? 1 : 0;
     const std::string preserve = preserve_.value_or("none");
     settings.preservation = preserve == "secondaries" ? 2 : preserve == "primaries" ? 1 : 0;
-    LinkPtr link(own ? from == ColourSpace::rgb ? jKoLinkCombineRgbProfile(&settings)
-                                                : jKoLinkCombineCmykProfile(&settings)
-                 : from == ColourSpace::rgb ? jKoLinkCombineIcmRgbProfile(&settings)
-                                            : jKoLinkCombineIcmCmykProfile(&settings));
+    const auto combine = own ? from == ColourSpace::rgb ? jKoLinkCombineRgbProfile : jKoLinkCombineCmykProfile
+                         : from == ColourSpace::rgb ? jKoLinkCombineIcmRgbProfile : jKoLinkCombineIcmCmykProfile;
+    link::Link link(reasoned([&] { return combine(&settings); }));
     if (!link) {
+        throwIfNotItsFault(*source_);
         static constexpr const char* kTables[] = {"B2A0", "B2A1", "B2A2", ""};
-        if (own && !destination.find(signatureOf("B2A0") + static_cast<uint32_t>(intent)))
+        if (own && !destination.find(fourcc("B2A0") + static_cast<uint32_t>(intent)))
             failOn(*destination_, std::string("tag ") + kTables[intent] + " is missing; it cannot be converted to");
         failOn(*source_, "cannot be linked with " + printable(*destination_) +
                              ": a table or colorant for this intent is missing or damaged");
     }
     auto conversion = std::make_unique<LinkConversion>(std::move(link), from, to);
     conversion->files = {*source_, *destination_};
-    conversion->destinationProfile = *destination_;
+    conversion->destinationProfile = destination.file();
     return conversion;
 }
 

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/files.h"
+
 namespace ko::cli {
 
 class Command;
@@ -28,7 +30,7 @@ public:
     ColourSpace input = ColourSpace::cmyk;
     ColourSpace output = ColourSpace::cmyk;
     std::vector<std::string> files;     // that it was read from
-    std::string destinationProfile;     // the ICC profile that its output colours belong to
+    std::optional<InputFile> destinationProfile;  // that its output colours belong to
 };
 
 // The options --link, --table, --builtin, --source, --destination, --engine, --intent,

@@ -9,7 +9,7 @@
 
 namespace ko::cli {
 
-enum ExitStatus { kDone = 0, kFailed = 1, kWrongUsage = 2, kInterrupted = 130 };
+enum ExitStatus { kDone = 0, kFailed = 1, kWrongUsage = 2 };  // 128 + the signal that ended it
 
 // Something is wrong with a file or the machine: exit status 1.
 struct Failure : std::runtime_error {
@@ -24,9 +24,9 @@ struct UsageFailure : std::runtime_error {
 // A check found something and has said so on standard output: exit status 1, no further line.
 struct Found {};
 
-// The user pressed Ctrl-C: exit status 130.
-struct Interrupted : std::runtime_error {
-    Interrupted() : std::runtime_error("interrupted, nothing was written") {}
+// A signal came while a file was being made: exit status 128 + its number.
+struct Interrupted {
+    int signal;
 };
 
 [[noreturn]] inline void failOn(std::string_view path, const std::string& what) {

@@ -1,34 +1,46 @@
-// Files on their way in and out: what is wrong with one, what kind it is, and outputs that appear
-// whole or not at all.
+// Files on their way in and out: what is wrong with one, what kind it is, and the two doors, as
+// the tool goes through them.
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
+#include <memory>
+#include <new>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "cli/errors.h"
+#include "cli/system.h"
+#include "frame/file.h"
 #include "kolink.h"
 
 namespace ko::cli {
 
-enum class FileKind { icc, cmykTable, amatchTable, blackCurve, cmykToneCurve, dcc, calibration, foreign };
+enum class FileType { icc, cmykTable, amatchTable, blackCurve, cmykToneCurve, dcc, calibration, foreign };
 
 // An input file that exists, is a file, can be opened and is not empty.
 struct InputFile {
     std::string path;         // as the user gave it
     std::string libraryPath;  // as the library takes it
     uint64_t size = 0;
-    FileKind kind = FileKind::foreign;
+    FileType type = FileType::foreign;
+    std::span<const uint8_t> bytes;            // all of it, of one moment; see lookAt
+    std::shared_ptr<const FileBytes> owner{};  // of the bytes
+
+    std::string_view text() const {
+        return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+    }
 };
 
-// Looks at the file and tells its kind: tables and curves by their extension, as the library
+// Reads the file, once, and tells its type: tables and curves by their extension, as the library
 // does, ICC profiles by their signature. Fails with a line that names what is wrong.
 InputFile openInput(const std::string& path);
+// The same with the first bytes alone, for files that others read.
+InputFile lookAt(const std::string& path);
 
-// Up to size bytes from offset.
-std::vector<uint8_t> readBytes(const InputFile& file, uint64_t offset, size_t size);
+// The same for bytes that are no file yet but will be; they outlive what is returned.
+InputFile inMemory(const std::string& path, std::span<const uint8_t> bytes);
 
 // Whether a text file has a line that begins like this (case ignored).
 bool hasLineBeginning(const InputFile& file, std::string_view beginning);
@@ -37,40 +49,42 @@ bool hasLineBeginning(const InputFile& file, std::string_view beginning);
 std::string toLibraryPath(const std::string& path);
 void copyToField(char (&field)[KOLINK_PATH_SIZE], const std::string& libraryPath);
 
-constexpr uint64_t kTableBytes = uint64_t{KOLINK_CMYK_NODES} * 4;
-constexpr uint64_t tableHeaderBytes(FileKind kind) { return kind == FileKind::cmykTable ? 972 : 256; }
+// Bytes of a whole .lut or .amt file.
+uint64_t wholeTableBytes(FileType type);
 
-// A folder of our own with a name that nothing else has, removed with what is in it.
-class ScratchFolder {
-public:
-    explicit ScratchFolder(const std::filesystem::path& parent);  // "" is the current one
-    ~ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    std::string file(std::string_view name) const;
+// What a function made, or the failure for want of memory that its null stands for.
+template <class Pointer>
+Pointer orShortOfMemory(Pointer pointer) {
+    if (!pointer) throw std::bad_alloc();
+    return pointer;
+}
 
-private:
-    std::filesystem::path folder_;
-};
+// Runs a call that keeps the reason of a failure where the system has it, so that the reason that
+// is found there afterwards is the call's own.
+template <class Call>
+auto reasoned(Call&& call) {
+    platform::setLastError(uint32_t{0});
+    return call();
+}
+// "FILE: WHAT: REASON" with the reason that is there, if any; short memory is short memory.
+[[noreturn]] void failWithReason(std::string_view path, const std::string& what);
+// Throws for a reason that is not the file's: short memory, too many open files, a disk that does
+// not read. What else keeps a file from being used is told in the caller's words.
+void throwIfNotItsFault(std::string_view path);
 
-// An output file: written beside its place, in a folder of its own, then moved there in one step.
-class OutputFile {
-public:
-    // Refuses a path that cannot be written to, and one that is an input file, however spelt.
-    OutputFile(const std::string& path, std::span<const std::string> inputs);
-    const std::string& temporary() const { return temporary_; }
-    // A further file for the time of the work, removed at the end.
-    std::string beside(std::string_view name) const { return scratch_.file(name); }
-    void commit();
+// Fails for a path that cannot be written to, and for one that is an input file, however spelt.
+void checkOutput(const std::string& path, std::span<const std::string> inputs);
 
-private:
-    std::string path_;
-    std::filesystem::path target_;  // where a symbolic link leads
-    ScratchFolder scratch_;
-    std::string temporary_;
-};
-
-// From here on Ctrl-C ends the work before the output takes its place, not in the middle.
-void deferInterruption();
+// Writes a file that checkOutput has let pass: the new file or the old one, whole. save goes
+// through the door and tells whether the file is written.
+template <class Save>
+void writeThrough(const std::string& path, Save&& save) {
+    const system::Making making;
+    if (reasoned(save)) return;
+    if (const int signal = system::interruption()) throw Interrupted{signal};
+    failWithReason(path, "cannot be written");
+}
+void writeFile(const std::string& path, std::string_view bytes);
 
 // Standard output, checked at the end: writing to a full or closed one fails.
 void writeOut(std::string_view text);

@@ -1,34 +1,26 @@
 #include "cli/icc_input.h"
 
-#include <cstring>
+#include <algorithm>
 #include <new>
 
 #include "cli/errors.h"
+#include "cmyk/cmyk.h"
+#include "cmyk/load.h"
 
 namespace ko::cli {
 namespace {
 
-template <class Pointer>
-Pointer orShortOfMemory(Pointer pointer) {
-    if (!pointer) throw std::bad_alloc();
-    return pointer;
-}
-
 // Bytes of the element that holds the table, as the file form has it.
 uint64_t elementBytes(const IccLut& lut) {
-    uint64_t nodes = 1;
-    for (int32_t axis = 0; axis < lut.inputChannels; ++axis) nodes *= static_cast<uint64_t>(lut.gridPoints);
-    const uint64_t entries = static_cast<uint64_t>(lut.inputChannels) * lut.inputEntries +
-                             nodes * lut.outputChannels +
-                             static_cast<uint64_t>(lut.outputChannels) * lut.outputEntries;
-    return (lut.precision == 1 ? 48u : 52u) + entries * lut.precision;
+    const icc::LutShape shape = icc::shapeOf(lut);
+    return (shape.precision == 1 ? 48u : 52u) + icc::sizesOf(shape).tables();
 }
 
 }  // namespace
 
-CmykProfilePtr newCmykProfile() { return orShortOfMemory(CmykProfilePtr(jKoCmykCreateProfile())); }
+CmykProfilePtr newCmykProfile() { return orShortOfMemory(cmyk::createProfile()); }
 ToneCurvePtr newToneCurve(int32_t channels) {
-    return orShortOfMemory(ToneCurvePtr(jKoToneCreateToneCurve(channels)));
+    return orShortOfMemory(tone::createToneCurve(channels));
 }
 
 std::string signatureText(uint32_t signature) {
@@ -39,44 +31,70 @@ std::string signatureText(uint32_t signature) {
     return printable(text);
 }
 
-IccInput::IccInput(const InputFile& file) : file_(file) {
-    if (file.size < 128) failOn(file.path, "is not an ICC file (shorter than an ICC header)");
-    if (file.kind != FileKind::icc) failOn(file.path, "is not an ICC file");
-    profile_.reset(jIccLoadHeader(file.libraryPath.c_str()));
-    if (!profile_)
-        failOn(file.path, "its ICC header or tag list cannot be read; the file is damaged");
+IccInput::IccInput(InputFile file) : file_(std::move(file)) {
+    if (file_.size < sizeof(IccHeader)) failOn(file_.path, "is not an ICC file (shorter than an ICC header)");
+    if (file_.type != FileType::icc) failOn(file_.path, "is not an ICC file");
+    profile_ = reasoned([&] { return icc::parseHeader(file_.bytes); });
+    if (profile_) return;
+    throwIfNotItsFault(file_.path);
+    failOn(file_.path, "its ICC header or tag list cannot be read; the file is damaged");
 }
 
 const IccTagEntry* IccInput::find(uint32_t signature) const {
-    for (int32_t i = 0; i < profile_->tagCount; ++i)
-        if (profile_->tags[i].signature == signature) return &profile_->tags[i];
-    return nullptr;
+    return icc::findTag(*profile_, signature);
 }
 
 uint32_t IccInput::elementType(const IccTagEntry& entry) const {
-    const auto bytes = readBytes(file_, entry.offset, 4);
-    if (bytes.size() < 4) return 0;
-    return static_cast<uint32_t>(bytes[0]) << 24 | static_cast<uint32_t>(bytes[1]) << 16 |
-           static_cast<uint32_t>(bytes[2]) << 8 | bytes[3];
+    const auto bytes = file_.bytes;
+    return ByteReader(bytes.subspan(std::min<size_t>(entry.offset, bytes.size()))).u32();
+}
+
+void* IccInput::loaded(uint32_t signature) const {
+    const IccTagEntry* const entry = find(signature);
+    if (!entry || entry->data) return entry ? entry->data : nullptr;
+    icc::Decoded decoded = icc::decodeTag(*profile_, file_.bytes, signature);
+    if (decoded.result == icc::TagResult::absent) return nullptr;
+    if (decoded.result == icc::TagResult::shortMemory ||
+        !icc::bindBlock(*profile_, signature, std::move(decoded.data)))
+        throw std::bad_alloc();
+    return find(signature)->data;
+}
+
+CmykProfilePtr cmykProfile(const IccInput& icc) {
+    for (const uint32_t tag : {fourcc("desc"), fourcc("A2B0")}) (void)icc.tag<void>(tag);
+    CmykProfilePtr profile = newCmykProfile();
+    cmyk::takeTags(*profile, icc.profile());
+    return profile;
+}
+
+CmykProfilePtr cmykProfile(const InputFile& table) {
+    CmykProfilePtr profile = newCmykProfile();
+    cmyk::readTable(*profile, table.bytes,
+                    table.type == FileType::cmykTable ? cmyk::kLutForm : cmyk::kAmtForm);
+    return profile;
+}
+
+bool isCutShort(const InputFile& file, const IccTagEntry& entry, const IccLut& lut) {
+    return elementBytes(lut) > file.size - std::min<uint64_t>(entry.offset, file.size);
 }
 
 IccLut* IccInput::lut(uint32_t signature) const {
     const IccTagEntry* entry = find(signature);
-    const std::string tag = "tag " + signatureText(signature);
-    if (!entry) failOn(file_.path, tag + " is missing");
+    const std::string name = "tag " + signatureText(signature);
+    if (!entry) failOn(file_.path, name + " is missing");
     const uint32_t type = elementType(*entry);
-    if (type != signatureOf("mft1") && type != signatureOf("mft2"))
-        failOn(file_.path, tag + " is of type '" + signatureText(type) +
+    if (type != fourcc("mft1") && type != fourcc("mft2"))
+        failOn(file_.path, name + " is of type '" + signatureText(type) +
                                "'; only the table types mft1 and mft2 can be used");
-    auto* lut = static_cast<IccLut*>(jIccLoadTag(profile_.get(), signature));
-    if (!lut) failOn(file_.path, tag + " cannot be read; the file is damaged");
-    if (lut->gridPoints < 2) failOn(file_.path, tag + " has fewer than 2 grid points");
+    auto* const lut = tag<IccLut>(signature);
+    if (!lut) failOn(file_.path, name + " cannot be read; the file is damaged");
+    if (lut->gridPoints < 2) failOn(file_.path, name + " has fewer than 2 grid points");
     if (lut->inputChannels < 1 || lut->inputChannels > 4 || lut->outputChannels < 1 || lut->outputChannels > 4)
-        failOn(file_.path, tag + " converts " + std::to_string(lut->inputChannels) + " to " +
+        failOn(file_.path, name + " converts " + std::to_string(lut->inputChannels) + " to " +
                                std::to_string(lut->outputChannels) +
                                " channels; 1 to 4 are supported");
-    if (entry->offset + elementBytes(*lut) > file_.size)
-        failOn(file_.path, tag + " is cut short by the end of the file");
+    if (isCutShort(file_, *entry, *lut))
+        failOn(file_.path, name + " is cut short by the end of the file");
     return lut;
 }
 

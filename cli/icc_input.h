@@ -9,50 +9,56 @@
 #include <vector>
 
 #include "cli/files.h"
+#include "frame/block.h"
+#include "frame/bytes.h"
+#include "icc/icc.h"
+#include "tone/tone.h"
 
 namespace ko::cli {
 
-struct ProfileDeleter {
-    void operator()(IccProfile* profile) const { jIccRelease(profile); }
-    void operator()(CmykProfile* profile) const { jKoCmykReleaseProfile(profile); }
-    void operator()(ToneCurve* curve) const { jKoToneReleaseToneCurve(curve); }
-};
-using IccProfilePtr = std::unique_ptr<IccProfile, ProfileDeleter>;
-using CmykProfilePtr = std::unique_ptr<CmykProfile, ProfileDeleter>;
-using ToneCurvePtr = std::unique_ptr<ToneCurve, ProfileDeleter>;
+using CmykProfilePtr = Block<CmykProfile>;
+using ToneCurvePtr = tone::OwnedCurve;
 
 // A new record, or a failure for want of memory.
 CmykProfilePtr newCmykProfile();
 ToneCurvePtr newToneCurve(int32_t channels);
 
-constexpr uint32_t signatureOf(const char (&text)[5]) {
-    return static_cast<uint32_t>(static_cast<uint8_t>(text[0])) << 24 |
-           static_cast<uint32_t>(static_cast<uint8_t>(text[1])) << 16 |
-           static_cast<uint32_t>(static_cast<uint8_t>(text[2])) << 8 |
-           static_cast<uint32_t>(static_cast<uint8_t>(text[3]));
-}
 // The four characters, without trailing blanks, others than ASCII as escapes; empty for 0.
 std::string signatureText(uint32_t signature);
 
 class IccInput {
 public:
     // Fails with a clear line when the file is no ICC profile.
-    explicit IccInput(const InputFile& file);
+    explicit IccInput(InputFile file);
 
     const InputFile& file() const { return file_; }
     const IccHeader& header() const { return profile_->header; }
-    IccProfile* profile() const { return profile_.get(); }
+    const IccProfile& profile() const { return *profile_; }
     const IccTagEntry* find(uint32_t signature) const;  // null: no such tag
     uint32_t elementType(const IccTagEntry& entry) const;
 
+    // What the tag holds, decoded once; null when there is no such tag or it cannot be read.
+    template <class T>
+    T* tag(uint32_t signature) const {
+        return static_cast<T*>(loaded(signature));
+    }
     // The table of a tag that does exist; fails with a clear line when it cannot be used or is
     // cut short by the end of the file.
     IccLut* lut(uint32_t signature) const;
 
 private:
+    void* loaded(uint32_t signature) const;
+
     InputFile file_;
-    IccProfilePtr profile_;
+    icc::ProfilePtr profile_;
 };
+
+// The library's profile from what was read: a link, or a .lut or .amt table.
+CmykProfilePtr cmykProfile(const IccInput& icc);
+CmykProfilePtr cmykProfile(const InputFile& table);
+
+// Whether the file ends before the table does.
+bool isCutShort(const InputFile& file, const IccTagEntry& entry, const IccLut& lut);
 
 // A table made ready for evaluation for as long as this lives.
 class ReadyLut {

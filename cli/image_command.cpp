@@ -1,8 +1,7 @@
 // kolink image: a TIFF picture converted row by row, in constant memory.
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <memory>
+#include <span>
 
 #include "cli/arguments.h"
 #include "cli/command.h"
@@ -54,7 +53,7 @@ void copyTags(TIFF* from, TIFF* to) {
 }
 
 void prepareOutput(TIFF* out, const Page& page, ColourSpace space, uint16_t bits,
-                   const std::vector<char>& profile) {
+                   std::span<const uint8_t> profile) {
     const uint16_t channels = static_cast<uint16_t>(channelsOf(space));
     TIFFSetField(out, TIFFTAG_IMAGEWIDTH, page.width);
     TIFFSetField(out, TIFFTAG_IMAGELENGTH, page.height);
@@ -91,6 +90,12 @@ void toSamples(const uint16_t* from, size_t count, bool isGrey, uint16_t bits, u
     }
 }
 
+// With the system's reason, where the file has one: the picture's library does not know it.
+[[noreturn]] void failToWrite(const std::string& path, NewFile& made) {
+    if (made.finish() != SaveResult::written) failWithReason(path, "cannot be written");
+    failWith(path, "cannot be written");
+}
+
 struct Options {
     ConversionOptions conversion;
     std::string input, output;
@@ -99,26 +104,28 @@ struct Options {
 };
 
 void convertImage(const Options& options) {
-    const InputFile file = openInput(options.input);
+    const InputFile file = lookAt(options.input);
     TiffPtr in = openTiff(file.path);
-    Page page = readPage(file.path, in.get());
+    Page page = readPage(file, in.get());
     const auto conversion = options.conversion.make(page.space);
-    std::vector<char> profile;
+    std::span<const uint8_t> profile;
     if (options.embed) {
-        if (conversion->destinationProfile.empty())
+        if (!conversion->destinationProfile)
             throw UsageFailure("--embed needs --source and --destination: there is no profile of the result otherwise");
-        std::ifstream stream(toPath(conversion->destinationProfile), std::ios::binary);
-        profile.assign(std::istreambuf_iterator<char>(stream), {});
+        profile = conversion->destinationProfile->bytes;
     }
 
     std::vector<std::string> inputs = conversion->files;
     inputs.push_back(options.input);
-    deferInterruption();
-    OutputFile output(options.output, inputs);
+    checkOutput(options.output, inputs);
+    const std::string libraryPath = toLibraryPath(options.output);
+    const system::Making making;
+    NewFile made(libraryPath.c_str(), false);
     forgetTiffError();
     // Beyond 4 GB only the larger form of TIFF has room.
     const uint64_t estimate = uint64_t{page.width} * page.height * 4 * (options.bits == 16 || page.bits == 16 ? 2 : 1);
-    TiffPtr out(TIFFOpen(output.temporary().c_str(), estimate > 3900000000u ? "w8" : "w"));
+    if (!made) failWithReason(options.output, "cannot be written");
+    TiffPtr out = newTiff(made, estimate > 3900000000u);
     if (!out) failWith(options.output, "cannot be written");
 
     for (int number = 0;; ++number) {
@@ -141,18 +148,18 @@ void convertImage(const Options& options) {
             reader.read(y, row.data());
             conversion->convert(row.data(), static_cast<int32_t>(page.width), converted.data());
             toSamples(converted.data(), converted.size(), conversion->output == ColourSpace::grey, bits, samples.data());
-            if (TIFFWriteScanline(out.get(), samples.data(), y, 0) < 0) failWith(options.output, "cannot be written");
+            if (TIFFWriteScanline(out.get(), samples.data(), y, 0) < 0) failToWrite(options.output, made);
             progress.advanceTo(y + 1);
+            if (const int signal = system::interruption()) throw Interrupted{signal};
         }
         if (number + 1 == kMostPages || !TIFFReadDirectory(in.get())) break;
-        if (!TIFFWriteDirectory(out.get())) failWith(options.output, "cannot be written");
-        page = readPage(file.path, in.get());
+        if (!TIFFWriteDirectory(out.get())) failToWrite(options.output, made);
+        page = readPage(file, in.get());
     }
     forgetTiffError();
-    if (!TIFFFlush(out.get())) failWith(options.output, "cannot be written whole; is the disk full?");
+    if (!TIFFFlush(out.get())) failToWrite(options.output, made);
     out.reset();
-    if (hasTiffError()) failWith(options.output, "cannot be written whole");
-    output.commit();
+    if (hasTiffError() || made.finish() != SaveResult::written) failToWrite(options.output, made);
 }
 
 }  // namespace

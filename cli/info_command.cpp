@@ -13,6 +13,8 @@
 #include "cli/report.h"
 #include "cli/system.h"
 #include "cli/table_file.h"
+#include "cmyk/cmyk.h"
+#include "cmyk/description.h"
 
 namespace ko::cli {
 namespace {
@@ -28,10 +30,6 @@ constexpr size_t kMostCharacters = 2000;
 
 constexpr const char* kInks[] = {"C", "M", "Y", "K"};
 
-std::string fieldText(const char* field, size_t size) {
-    return system::fromShiftJis(std::string_view(field, strnlen(field, size)));
-}
-
 std::string date(const uint16_t (&parts)[6]) {
     const auto two = [](unsigned value) { return (value < 10 ? "0" : "") + std::to_string(value); };
     return std::to_string(parts[0]) + '-' + two(parts[1]) + '-' + two(parts[2]) + ' ' + two(parts[3]) +
@@ -44,10 +42,10 @@ Json signatureReport(uint32_t signature) {
 
 Json headerReport(const IccHeader& header) {
     static const std::map<uint32_t, const char*> kClasses = {
-        {signatureOf("scnr"), "input device"},  {signatureOf("mntr"), "display device"},
-        {signatureOf("prtr"), "output device"}, {signatureOf("link"), "device link"},
-        {signatureOf("spac"), "colour space"},  {signatureOf("abst"), "abstract"},
-        {signatureOf("nmcl"), "named colours"},
+        {fourcc("scnr"), "input device"},  {fourcc("mntr"), "display device"},
+        {fourcc("prtr"), "output device"}, {fourcc("link"), "device link"},
+        {fourcc("spac"), "colour space"},  {fourcc("abst"), "abstract"},
+        {fourcc("nmcl"), "named colours"},
     };
     static constexpr const char* kIntents[] = {"perceptual", "relative", "saturation", "absolute"};
     const auto known = kClasses.find(header.deviceClass);
@@ -73,10 +71,11 @@ Json headerReport(const IccHeader& header) {
     return report;
 }
 
-Json pointsOf(const uint8_t (&values)[65], const uint8_t (&flags)[65]) {
+Json pointsOf(const CmykProfile& profile, int32_t curve) {
     Json points = Json::array();
-    for (int j = 0; j < 65; ++j)
-        if (flags[j]) points.push_back({4 * j - j / 64, values[j]});
+    const cmyk::ControlPoints control = cmyk::controlPoints(profile, curve);
+    for (int32_t at = 0; at < control.count; ++at)
+        points.push_back({control.points[at].x, control.points[at].y});
     return points;
 }
 
@@ -85,14 +84,16 @@ void addGridFacts(Json& report, const CmykProfile& profile) {
     uint32_t most = 0;
     uint8_t highest[4] = {};
     bool isIdentity = true;
-    uint32_t node = 0;
-    for (uint32_t c = 0; c < 33; ++c)
-        for (uint32_t m = 0; m < 33; ++m)
-            for (uint32_t y = 0; y < 33; ++y)
-                for (uint32_t k = 0; k < 33; ++k, ++node) {
+    int32_t node = 0;
+    for (int32_t c = 0; c < cmyk::kGridPoints; ++c)
+        for (int32_t m = 0; m < cmyk::kGridPoints; ++m)
+            for (int32_t y = 0; y < cmyk::kGridPoints; ++y)
+                for (int32_t k = 0; k < cmyk::kGridPoints; ++k, ++node) {
                     const uint32_t word = profile.grid[node];
-                    const auto level = [](uint32_t index) { return 8 * index - index / 32; };
-                    isIdentity = isIdentity && word == (level(c) << 24 | level(m) << 16 | level(y) << 8 | level(k));
+                    const auto level = [](int32_t index) {
+                        return static_cast<uint32_t>(cmyk::nodeValue(index));
+                    };
+                    isIdentity = isIdentity && word == packCmyk(level(c), level(m), level(y), level(k));
                     uint32_t sum = 0;
                     for (int ink = 0; ink < 4; ++ink) {
                         const auto value = static_cast<uint8_t>(word >> (24 - 8 * ink));
@@ -107,7 +108,7 @@ void addGridFacts(Json& report, const CmykProfile& profile) {
         return list;
     };
     uint32_t others = 0;  // ink beside K along the black axis
-    for (uint32_t k = 0; k < 33; ++k) others |= profile.grid[k] >> 8;
+    for (int32_t k = 0; k < cmyk::kGridPoints; ++k) others |= profile.grid[k] >> 8;
     report["gridPoints"] = KOLINK_CMYK_GRID_POINTS;
     report["nodes"] = KOLINK_CMYK_NODES;
     report["identityGrid"] = isIdentity;
@@ -119,17 +120,16 @@ void addGridFacts(Json& report, const CmykProfile& profile) {
 }
 
 // The library's own editing data behind its marker.
-Json editingReport(const InputFile& file) {
-    const CmykProfilePtr profile = newCmykProfile();
-    if (jKoCmykLoadProfile(profile.get(), file.libraryPath.c_str()) != 1) failOn(file.path, "cannot be loaded");
+Json editingReport(const IccInput& icc) {
+    const CmykProfilePtr profile = cmykProfile(icc);
     Json report;
-    report["name"] = fieldText(profile->name, sizeof profile->name);
-    report["comment"] = fieldText(profile->comment, sizeof profile->comment);
+    report["name"] = fieldText(profile->name);
+    report["comment"] = fieldText(profile->comment);
     addGridFacts(report, *profile);
     report["curves"] = Json::array();
     for (int curve = 0; curve < 8; ++curve)
         report["curves"].push_back({{"curve", std::string(curve < 4 ? "input " : "output ") + kInks[curve % 4]},
-                                    {"controlPoints", pointsOf(profile->curveValues[curve], profile->curveFlags[curve])}});
+                                    {"controlPoints", pointsOf(*profile, curve)}});
     return report;
 }
 
@@ -156,12 +156,8 @@ void describeLut(Json& row, const IccLut& lut, const IccTagEntry& entry, const I
     row["bits"] = lut.precision * 8;
     row["inputEntries"] = int32_t{lut.inputEntries};
     row["outputEntries"] = int32_t{lut.outputEntries};
-    uint64_t entries = static_cast<uint64_t>(lut.outputChannels);
-    for (int32_t axis = 0; axis < lut.inputChannels && entries <= file.size * 2; ++axis)
-        entries *= static_cast<uint64_t>(lut.gridPoints);
-    const bool isWhole = entry.offset + entries * lut.precision <= file.size;
     row["straightTables"] = tablesAreIdentity(lut);
-    if (!isWhole) row["note"] = "cut short by the end of the file";
+    if (isCutShort(file, entry, lut)) row["note"] = "cut short by the end of the file";
 }
 
 // One row for a tag and, for what the library decodes, its contents.
@@ -175,27 +171,26 @@ void addTag(Json& report, const IccInput& icc, const IccTagEntry& entry, bool is
     report["tags"].push_back(row);
     if (!isFirst) return;
 
-    const auto loaded = [&]() { return jIccLoadTag(icc.profile(), entry.signature); };
     switch (type) {
-        case signatureOf("mft1"):
-        case signatureOf("mft2"):
-            if (const auto* lut = static_cast<const IccLut*>(loaded())) {
+        case fourcc("mft1"):
+        case fourcc("mft2"):
+            if (const auto* lut = icc.tag<const IccLut>(entry.signature)) {
                 Json table = {{"tag", signature}};
                 describeLut(table, *lut, entry, icc.file());
                 report["tables"].push_back(table);
             }
             break;
-        case signatureOf("desc"):
-        case signatureOf("text"):
-            if (const auto* text = static_cast<const char*>(loaded()))
+        case fourcc("desc"):
+        case fourcc("text"):
+            if (const auto* text = icc.tag<const char>(entry.signature))
                 report["texts"][signature] = cutTo(fromForeignText(text), kMostCharacters);
             break;
-        case signatureOf("XYZ "):
-            if (const auto* xyz = static_cast<const float*>(loaded()))
+        case fourcc("XYZ "):
+            if (const auto* xyz = icc.tag<const float>(entry.signature))
                 report["colours"][signature] = {xyz[0], xyz[1], xyz[2]};
             break;
-        case signatureOf("curv"):
-            if (const auto* curve = static_cast<const IccCurve*>(loaded())) {
+        case fourcc("curv"):
+            if (const auto* curve = icc.tag<const IccCurve>(entry.signature)) {
                 Json row2 = {{"tag", signature}, {"entries", curve->count}};
                 row2["meaning"] = curve->count == 0   ? "identity"
                                   : curve->count == 1 ? "gamma " + number(curve->entries[0] / 256.0, 4)
@@ -207,41 +202,36 @@ void addTag(Json& report, const IccInput& icc, const IccTagEntry& entry, bool is
     }
 }
 
-bool isOwn(const std::string& description) {
-    return description.starts_with("_KOLINK_10J") || description.starts_with("_NQCMS_IJP10J");
-}
-
 Json iccReport(const InputFile& file) {
     const IccInput icc(file);
     Json report;
     report["header"] = headerReport(icc.header());
     if (icc.header().profileSize != file.size)
         report["header"]["note"] = "the size field differs from the file's size";
-    const int32_t count = icc.profile()->tagCount;
+    const int32_t count = icc.profile().tagCount;
     report["tagCount"] = count;
     report["tags"] = Json::array();
     for (int32_t i = 0; i < std::min(count, kMostTags); ++i) {
-        const IccTagEntry& entry = icc.profile()->tags[i];
+        const IccTagEntry& entry = icc.profile().tags[i];
         addTag(report, icc, entry, icc.find(entry.signature) == &entry);
     }
     if (count > kMostTags) report["tagsNotListed"] = count - kMostTags;
     const auto& texts = report["texts"];
     const auto description = texts.is_object() ? texts.find("desc") : texts.end();
     if (texts.is_null()) report.erase("texts");
-    else if (description != texts.end() && isOwn(description->get<std::string>()) && icc.find(signatureOf("A2B0"))) {
+    else if (description != texts.end() && cmyk::holdsEditingData(description->get<std::string>()) && icc.find(fourcc("A2B0"))) {
         report["texts"].erase("desc");  // the editing data says it in words
-        report["editingData"] = editingReport(file);
+        report["editingData"] = editingReport(icc);
     }
     return report;
 }
 
 Json tableReport(const InputFile& file) {
-    const CmykProfilePtr profile = newCmykProfile();
-    if (jKoCmykLoadProfile(profile.get(), file.libraryPath.c_str()) != 1) failOn(file.path, "cannot be loaded");
+    const CmykProfilePtr profile = cmykProfile(file);
     Json report;
-    report["name"] = fieldText(profile->name, sizeof profile->name);
-    report["comment"] = fieldText(profile->comment, sizeof profile->comment);
-    const uint64_t wanted = tableHeaderBytes(file.kind) + kTableBytes;
+    report["name"] = fieldText(profile->name);
+    report["comment"] = fieldText(profile->comment);
+    const uint64_t wanted = wholeTableBytes(file.type);
     if (file.size < wanted)
         report["note"] = "cut short: " + grouped(file.size) + " of " + grouped(wanted) + " bytes; the rest counts as 0";
     addGridFacts(report, *profile);
@@ -252,9 +242,10 @@ Json curvesReport(const ToneCurve& curve, const std::vector<const char*>& channe
     Json list = Json::array();
     for (size_t channel = 0; channel < channels.size(); ++channel) {
         Json points = Json::array();
-        const int16_t* flags = curve.table + channel * 512;
-        for (int x = 0; x < 256; ++x)
-            if (flags[x]) points.push_back({x, flags[256 + x]});
+        const auto flags = tone::flagsOf(curve, static_cast<int32_t>(channel));
+        const auto values = tone::valuesOf(curve, static_cast<int32_t>(channel));
+        for (size_t x = 0; x < flags.size(); ++x)
+            if (flags[x]) points.push_back({x, values[x]});
         list.push_back({{"curve", channels[channel]}, {"controlPoints", points}});
     }
     return list;
@@ -262,25 +253,23 @@ Json curvesReport(const ToneCurve& curve, const std::vector<const char*>& channe
 
 Json toneReport(const InputFile& file) {
     Json report;
-    const char* path = file.libraryPath.c_str();
-    bool loaded = false;
-    if (file.kind == FileKind::blackCurve) {
+    if (file.type == FileType::blackCurve) {
         const ToneCurvePtr curve = newToneCurve(1);
-        loaded = jKoToneLoadBkcCurve(curve.get(), path) == 1;
-        report["title"] = fieldText(curve->title, sizeof curve->title);
+        tone::readBkcCurve(*curve, file.text());
+        report["title"] = fieldText(curve->title);
         if (!hasLineBeginning(file, "TONE  ")) report["note"] = "holds no TONE line";
         report["curves"] = curvesReport(*curve, {"K"});
-    } else if (file.kind == FileKind::cmykToneCurve) {
+    } else if (file.type == FileType::cmykToneCurve) {
         const ToneCurvePtr curve = newToneCurve(4);
-        loaded = jKoToneLoadCmykToneCurve(curve.get(), path) == 1;
+        tone::readCmykToneCurve(*curve, file.text());
         if (!hasLineBeginning(file, "TONE ")) report["note"] = "holds no TONE line";
         report["curves"] = curvesReport(*curve, {"C", "M", "Y", "K"});
     } else {
         const ToneCurvePtr curve = newToneCurve(6);
         DccSettings settings{};
         settings.curves = curve.get();
-        loaded = jKoToneLoadDcc(&settings, path) == 1;
-        report["printer"] = fieldText(curve->title, sizeof curve->title);
+        tone::readDcc(settings, file.text());
+        report["printer"] = fieldText(curve->title);
         report["resolution"] = {settings.DPIX, settings.DPIY};
         report["totalInk"] = settings.WINK;
         report["totalInkPercent"] = static_cast<double>(settings.WINK * int64_t{1000} / 255) / 10;
@@ -288,7 +277,6 @@ Json toneReport(const InputFile& file) {
         if (!hasLineBeginning(file, "TONE ")) report["note"] = "holds no TONE line";
         report["curves"] = curvesReport(*curve, {"C", "M", "Y", "K", "GCR", "UCR"});
     }
-    if (!loaded) failOn(file.path, "cannot be loaded");
     return report;
 }
 
@@ -315,15 +303,15 @@ Json infoReport(const std::string& path) {
         report.update(more);
         return report;
     };
-    switch (file.kind) {
-        case FileKind::icc: return with("ICC profile", iccReport(file));
-        case FileKind::cmykTable: return with("CMYK table (.lut)", tableReport(file));
-        case FileKind::amatchTable: return with("CMYK table (.amt)", tableReport(file));
-        case FileKind::blackCurve: return with("black-correction curve (.bkc)", toneReport(file));
-        case FileKind::cmykToneCurve: return with("CMYK tone curves (.tnc)", toneReport(file));
-        case FileKind::dcc: return with("DCC settings (.dcc)", toneReport(file));
-        case FileKind::calibration: return with("calibration set (.clb)", calibReport(*loadCalib(file)));
-        case FileKind::foreign: break;
+    switch (file.type) {
+        case FileType::icc: return with("ICC profile", iccReport(file));
+        case FileType::cmykTable: return with("CMYK table (.lut)", tableReport(file));
+        case FileType::amatchTable: return with("CMYK table (.amt)", tableReport(file));
+        case FileType::blackCurve: return with("black-correction curve (.bkc)", toneReport(file));
+        case FileType::cmykToneCurve: return with("CMYK tone curves (.tnc)", toneReport(file));
+        case FileType::dcc: return with("DCC settings (.dcc)", toneReport(file));
+        case FileType::calibration: return with("calibration set (.clb)", calibReport(*loadCalib(file)));
+        case FileType::foreign: break;
     }
     if (isTable(file)) return with("colour table", colourTableReport(file));
     failOn(path, "is no ICC file and no colour table, and its extension is none of .lut, .amt, .bkc, .tnc, .dcc, .clb");

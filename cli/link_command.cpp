@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <memory>
 #include <optional>
 
@@ -16,6 +15,10 @@
 #include "cli/files.h"
 #include "cli/icc_input.h"
 #include "cli/system.h"
+#include "cmyk/cmyk.h"
+#include "cmyk/description.h"
+#include "cmyk/save.h"
+#include "frame/text.h"
 
 namespace ko::cli {
 namespace {
@@ -78,15 +81,15 @@ std::array<int32_t, 4> paperLevels(const std::string& text) {
 
 void requireCmyk(const IccInput& profile, const char* role) {
     const uint32_t space = profile.header().colourSpace;
-    if (space == signatureOf("CMYK")) return;
+    if (space == fourcc("CMYK")) return;
     failOn(profile.file().path,
            "is a profile for " + signatureText(space) + " where CMYK is needed (" + role + ")");
 }
 
 void requireConnectionSpace(const IccInput& profile, const char* role) {
     const uint32_t space = profile.header().connectionSpace;
-    if (space == signatureOf("Lab ") || space == signatureOf("XYZ ")) return;
-    const bool isLink = profile.header().deviceClass == signatureOf("link");
+    if (space == fourcc("Lab ") || space == fourcc("XYZ ")) return;
+    const bool isLink = profile.header().deviceClass == fourcc("link");
     failOn(profile.file().path, std::string(isLink ? "is a device link" : "connects to " + signatureText(space)) +
                                     "; the " + role + " must be a profile that connects to Lab or XYZ");
 }
@@ -94,8 +97,8 @@ void requireConnectionSpace(const IccInput& profile, const char* role) {
 // The table of the intent, of the right shape.
 void requireTable(const IccInput& profile, bool toConnectionSpace, int intent) {
     static constexpr uint32_t kTags[2][3] = {
-        {signatureOf("B2A0"), signatureOf("B2A1"), signatureOf("B2A2")},
-        {signatureOf("A2B0"), signatureOf("A2B1"), signatureOf("A2B2")},
+        {fourcc("B2A0"), fourcc("B2A1"), fourcc("B2A2")},
+        {fourcc("A2B0"), fourcc("A2B1"), fourcc("A2B2")},
     };
     static constexpr const char* kIntents[] = {"perceptual", "relative", "saturation"};
     const auto& tags = kTags[toConnectionSpace];
@@ -122,15 +125,15 @@ void requireTable(const IccInput& profile, bool toConnectionSpace, int intent) {
 }
 
 void checkBase(const InputFile& file) {
-    if (file.kind == FileKind::cmykTable || file.kind == FileKind::amatchTable) {
-        const uint64_t wanted = tableHeaderBytes(file.kind) + kTableBytes;
+    if (file.type == FileType::cmykTable || file.type == FileType::amatchTable) {
+        const uint64_t wanted = wholeTableBytes(file.type);
         if (file.size < wanted)
             failOn(file.path, "is cut short: " + grouped(file.size) + " of " + grouped(wanted) + " bytes");
         return;
     }
     const IccInput profile(file);
     requireCmyk(profile, "base");
-    const IccLut* lut = profile.lut(signatureOf("A2B0"));
+    const IccLut* lut = profile.lut(fourcc("A2B0"));
     if (lut->inputChannels != 4 || lut->outputChannels != 4)
         failOn(file.path, "tag A2B0 converts " + std::to_string(lut->inputChannels) + " to " +
                               std::to_string(lut->outputChannels) +
@@ -157,11 +160,13 @@ public:
     const std::vector<std::string>& inputs() const { return inputs_; }
     const CmsLinkSettings& settings() const { return settings_; }
 
-    // The path is for a file of ours that may be needed meanwhile.
-    CmykProfilePtr combine(const std::string& blackCurve) {
-        if (options_.black == "keep") saveIdentityCurve(blackCurve);
-        CmykProfilePtr result(isIcc_ ? jKoCmykCombineIccProfile(&settings_) : jKoCmykCombineProfile(&settings_));
+    CmykProfilePtr combine() {
+        const auto black = options_.black == "keep" ? cmyk::Black::kept : cmyk::Black::asSettingsSay;
+        auto result = reasoned([&] {
+            return isIcc_ ? cmyk::combineIccProfile(settings_, black) : cmyk::combineProfile(settings_, black);
+        });
         if (result) return result;
+        throwIfNotItsFault(options_.source ? *options_.source : options_.output);
         if (isForeign_)
             failOn(*options_.source,
                    "the table cannot be read: it is no ICC profile, and the plug-in LutRead is "
@@ -190,20 +195,19 @@ private:
         source_ = &add(*options_.source, settings_.sourcePath);
         destination_ = &add(*options_.destination, settings_.destinationPath);
         const auto namedIcc = [](const InputFile& file) {
-            std::string extension = fromPath(toPath(file.path).extension());
-            for (char& c : extension) c = static_cast<char>(c | 0x20);
-            return extension == ".icc" || extension == ".icm";
+            const char* const path = file.libraryPath.c_str();
+            return hasExtension(path, ".icc") || hasExtension(path, ".icm");
         };
-        isIcc_ = source_->kind == FileKind::icc || namedIcc(*source_) ||
-                 destination_->kind == FileKind::icc;
+        isIcc_ = source_->type == FileType::icc || namedIcc(*source_) ||
+                 destination_->type == FileType::icc;
         isForeign_ = !isIcc_;
     }
 
     void checkConversion() {
         if (isForeign_) {
-            if (source_->kind != FileKind::foreign)
+            if (source_->type != FileType::foreign)
                 failOn(source_->path, "is neither an ICC profile nor a foreign table");
-            if (destination_->kind != FileKind::dcc)
+            if (destination_->type != FileType::dcc)
                 failOn(destination_->path, "a foreign table as source needs a .dcc file as destination");
             if (!hasLineBeginning(*destination_, "TONE "))
                 failOn(destination_->path, "holds no TONE line; it is not a DCC file");
@@ -212,7 +216,7 @@ private:
             return;
         }
         if (!isIcc_) return;
-        if (destination_->kind == FileKind::dcc)
+        if (destination_->type == FileType::dcc)
             failOn(destination_->path, "a .dcc file is the destination for a foreign table; an ICC "
                                        "source needs an ICC profile");
         const IccInput source(*source_);
@@ -228,7 +232,7 @@ private:
     void chooseBlack() {
         if (options_.black == "keep" || options_.black == "none") return;
         const InputFile& file = add(options_.black, settings_.blackPath);
-        if (file.kind != FileKind::blackCurve)
+        if (file.type != FileType::blackCurve)
             failOn(file.path, "is not a black-correction file (.bkc)");
         if (!hasLineBeginning(file, "TONE  "))
             failOn(file.path, "holds no TONE line; it is not a black-correction file");
@@ -249,15 +253,6 @@ private:
         settings_.paperY = paper[2];
         settings_.paperK = paper[3];
         if (options_.fade) settings_.limit = levelOf(percent(*options_.fade, 400, "--fade"));
-    }
-
-    // Pure K through its own level: a curve with its two ends as control points is a straight line.
-    void saveIdentityCurve(const std::string& path) {
-        const std::string libraryPath = toLibraryPath(path);
-        const ToneCurvePtr curve = newToneCurve(1);
-        if (jKoToneSaveBkcCurve(curve.get(), libraryPath.c_str()) != 1)
-            failOn(path, "cannot be written");
-        copyToField(settings_.blackPath, libraryPath);
     }
 
     const Options& options_;
@@ -292,9 +287,11 @@ void checkTexts(const Options& options) {
     }
     if (!options.comment) return;
     setText(field, *options.comment, "--comment");
-    for (const char* key : {"NAME:", "CTRL:", "CTL2:"})  // these begin the editing data's own lines
-        if (options.comment->compare(0, 5, key) == 0)
-            throw UsageFailure(std::string("--comment must not begin with ") + key);
+    const std::string plain = cmyk::asPlainText(*options.comment);
+    const auto first = std::ranges::mismatch(plain, *options.comment).in2;
+    if (first != options.comment->end())
+        throw UsageFailure("--comment must have no line that begins with " +
+                           std::string(first, first + 5) + ", as lines of the editing data do");
 }
 
 void nameResult(CmykProfile& profile, const Options& options) {
@@ -321,56 +318,52 @@ std::optional<int64_t> reproducibleDate() {
     return seconds;
 }
 
-void writeDate(const std::string& path, int64_t seconds, const std::string& output) {
+void setDate(IccHeader& header, int64_t seconds) {
     using namespace std::chrono;
     const sys_seconds moment{std::chrono::seconds(seconds)};
     const auto day = floor<days>(moment);
     const year_month_day date(day);
     const hh_mm_ss time(moment - day);
-    const long numbers[6] = {static_cast<int>(date.year()), static_cast<long>(static_cast<unsigned>(date.month())),
-                             static_cast<long>(static_cast<unsigned>(date.day())), static_cast<long>(time.hours().count()),
-                             static_cast<long>(time.minutes().count()), static_cast<long>(time.seconds().count())};
-    char bytes[12];
-    for (int i = 0; i < 6; ++i) {
-        bytes[2 * i] = static_cast<char>(numbers[i] >> 8);
-        bytes[2 * i + 1] = static_cast<char>(numbers[i]);
-    }
-    std::fstream file(toPath(path), std::ios::binary | std::ios::in | std::ios::out);
-    file.seekp(24);
-    file.write(bytes, sizeof bytes);
-    file.close();
-    if (!file) failOn(output, "cannot be written");
+    const unsigned parts[6] = {static_cast<unsigned>(static_cast<int>(date.year())),
+                               static_cast<unsigned>(date.month()),
+                               static_cast<unsigned>(date.day()),
+                               static_cast<unsigned>(time.hours().count()),
+                               static_cast<unsigned>(time.minutes().count()),
+                               static_cast<unsigned>(time.seconds().count())};
+    for (size_t i = 0; i < 6; ++i) header.dateTime[i] = static_cast<uint16_t>(parts[i]);
 }
 
-// Opens what was written once more: the file a host will read is what was made.
-void verify(const std::string& path, const std::string& libraryPath, const CmykProfile& made,
-            const std::string& output) {
-    const auto wrong = [&](const std::string& what) {
-        failOn(output, "the written link does not read back as it was made (" + what +
-                           "); nothing was left behind");
-    };
-    std::error_code error;
-    if (!std::filesystem::exists(toPath(path), error)) failOn(output, "cannot be written");
-    const uint64_t size = std::filesystem::file_size(toPath(path), error);
-    if (error || size < KOLINK_CMYK_NODES * 4ull) failOn(output, "cannot be written whole; is the disk full?");
+// The link as a file, in memory.
+std::vector<uint8_t> encode(const CmykProfile& profile, std::optional<int64_t> date) {
+    const icc::ProfilePtr link = orShortOfMemory(icc::create(icc::kCreateLink));
+    if (date) setDate(link->header, *date);
+    if (!cmyk::fillLink(*link, profile)) throw std::bad_alloc();
+    auto bytes = icc::encodeLinkProfile(*link);
+    if (!bytes) throw Failure("the link cannot be put into the form of a file");
+    return *std::move(bytes);
+}
 
-    const IccInput written(InputFile{path, libraryPath, size, FileKind::icc});
-    const IccHeader& header = written.header();
-    if (header.magic != signatureOf("acsp") || header.deviceClass != signatureOf("link") ||
-        header.colourSpace != signatureOf("CMYK") || header.connectionSpace != signatureOf("CMYK"))
+// Reads what will be written as a host will read it: that is what was made.
+void verify(InputFile written, const CmykProfile& made) {
+    const std::string output = written.path;
+    const auto wrong = [&](const std::string& what) {
+        failOn(output, "the link does not read back as it was made (" + what + "); nothing was written");
+    };
+    const IccInput link(std::move(written));
+    const IccHeader& header = link.header();
+    if (header.magic != fourcc("acsp") || header.deviceClass != fourcc("link") ||
+        header.colourSpace != fourcc("CMYK") || header.connectionSpace != fourcc("CMYK"))
         wrong("header");
-    if (header.profileSize != size) wrong("size field");
-    for (const auto tag : {signatureOf("cprt"), signatureOf("desc"), signatureOf("pseq")})
-        if (!written.find(tag)) wrong("tag " + signatureText(tag));
-    const IccLut* lut = written.lut(signatureOf("A2B0"));
+    if (header.profileSize != link.file().size) wrong("size field");
+    for (const auto tag : {fourcc("cprt"), fourcc("desc"), fourcc("pseq")})
+        if (!link.find(tag)) wrong("tag " + signatureText(tag));
+    const IccLut* lut = link.lut(fourcc("A2B0"));
     if (lut->inputChannels != 4 || lut->outputChannels != 4 || lut->precision != 1 ||
-        lut->gridPoints != KOLINK_CMYK_GRID_POINTS)
+        lut->gridPoints != cmyk::kGridPoints)
         wrong("shape of A2B0");
-    const CmykProfilePtr read = newCmykProfile();
-    if (jKoCmykLoadProfile(read.get(), libraryPath.c_str()) != 1) wrong("loading");
+    const CmykProfilePtr read = cmykProfile(link);
     if (std::memcmp(read->grid, made.grid, sizeof made.grid) != 0) wrong("grid");
-    if (std::strncmp(read->name, made.name, sizeof made.name) != 0 ||
-        std::strncmp(read->comment, made.comment, sizeof made.comment) != 0)
+    if (textIn(read->name) != textIn(made.name) || textIn(read->comment) != textIn(made.comment))
         wrong("name or comment");
     if (std::memcmp(read->curveFlags, made.curveFlags, sizeof made.curveFlags) != 0) wrong("control points");
 }
@@ -379,30 +372,24 @@ void runLink(const Options& options) {
     const auto start = std::chrono::steady_clock::now();
     const auto date = reproducibleDate();
     checkTexts(options);
-    const std::string extension = fromPath(toPath(options.output).extension());
-    if (extension.size() == 4)
-        for (const char* table : {".lut", ".amt"})
-            if (std::equal(extension.begin(), extension.end(), table,
-                           [](char a, char b) { return (a | 0x20) == (b | 0x20); }))
-                throw UsageFailure(std::string("--output: an ICC link is not a ") + table +
-                                   " table; give it the extension .icc");
+    const std::string libraryPath = toLibraryPath(options.output);
+    for (const char* table : {".lut", ".amt"})
+        if (hasExtension(libraryPath.c_str(), table))
+            throw UsageFailure(std::string("--output: an ICC link is not a ") + table +
+                               " table; give it the extension .icc");
     Request request(options);
-    deferInterruption();
-    OutputFile output(options.output, request.inputs());
-    (void)toLibraryPath(options.output);  // a link that the library could not open is of no use
-    const std::string libraryPath = toLibraryPath(output.temporary());
+    checkOutput(options.output, request.inputs());
 
-    const CmykProfilePtr profile = request.combine(output.beside("keep.bkc"));
+    const CmykProfilePtr profile = request.combine();
     nameResult(*profile, options);
-    if (jKoCmykSaveProfile(profile.get(), libraryPath.c_str()) != 1) failOn(options.output, "cannot be written");
-    if (date) writeDate(output.temporary(), *date, options.output);
-    verify(output.temporary(), libraryPath, *profile, options.output);
-    output.commit();
+    const std::vector<uint8_t> bytes = encode(*profile, date);
+    verify(inMemory(options.output, bytes), *profile);
+    writeFile(options.output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 
     if (!options.verbose) return;
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     std::fputs((printable(options.output) + ": " + grouped(KOLINK_CMYK_NODES) + " nodes (" +
-                std::to_string(KOLINK_CMYK_GRID_POINTS) + " points an ink), written, opened again and checked in " +
+                std::to_string(KOLINK_CMYK_GRID_POINTS) + " points an ink), read back, checked and written in " +
                 number(taken.count()) + " s\n").c_str(), stderr);
 }
 

@@ -10,6 +10,7 @@
 #include "cli/icc_input.h"
 #include "cli/report.h"
 #include "cli/system.h"
+#include "front/front.h"
 
 namespace ko::cli {
 namespace {
@@ -27,7 +28,8 @@ void listInto(std::vector<std::string>& paths, const std::string& folder, const 
     std::vector<char> slots(static_cast<size_t>(kMost) * KOLINK_PATH_SIZE);
     const std::string search = toLibraryPath(fromPath(toPath(folder) / pattern));
     std::memcpy(slots.data(), search.c_str(), search.size() + 1);
-    const int32_t count = jColorLoadIccFileList(slots.data(), kMost, space);
+    const int32_t count = reasoned([&] { return front::loadIccFileList(slots.data(), kMost, space); });
+    throwIfNotItsFault(folder);
     for (int32_t at = 0; at < count; ++at)
         paths.emplace_back(&slots[static_cast<size_t>(at) * KOLINK_PATH_SIZE]);
 }
@@ -57,8 +59,9 @@ void addListCommand(Command& app) {
         Json list = Json::array();
         std::string text;
         for (const std::string& path : paths) {
-            const IccProfilePtr profile(jIccLoadHeader(path.c_str()));
-            const bool isIcc = profile && profile->header.magic == signatureOf("acsp");
+            const auto profile = reasoned([&] { return icc::loadHeader(path.c_str()); });
+            if (!profile) throwIfNotItsFault(system::fromLibraryPath(path));
+            const bool isIcc = profile && profile->header.magic == fourcc("acsp");
             const std::string colours = isIcc ? signatureText(profile->header.colourSpace) : "unreadable";
             if (!isIcc && space) continue;  // the library lists these under every space
             Json entry;

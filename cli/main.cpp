@@ -1,13 +1,21 @@
 // kolink: ICC device links from CMYK profiles, on the command line.
+#include <cxxabi.h>
+
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <new>
 #include <string>
+#include <string_view>
+#include <typeinfo>
 
 #include "cli/arguments.h"
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/system.h"
+#include "cli/waiting.h"
+#include "frame/state.h"
 #include "kolink/version.h"
 
 namespace ko::cli {
@@ -30,13 +38,38 @@ void addCommands(Command& app) {
     for (const auto add : kCommands) add(app);
 }
 
-int complain(ExitStatus status, const std::string& line) {
-    std::fputs(("kolink: " + line + "\n").c_str(), stderr);
+// Needs no memory: what it says may be that there is none.
+int complain(int status, std::string_view line) noexcept {
+    for (const std::string_view part : {std::string_view("kolink: "), line, std::string_view("\n")})
+        std::fwrite(part.data(), 1, part.size(), stderr);
+    std::fflush(stderr);
     return status;
 }
 
+// Memory may be short where nothing can catch it: for the parser's globals before main begins, for
+// an exception itself, in the destructors of the JSON library.
+std::terminate_handler gUsualEnd;
+[[noreturn]] void endWithoutMemory() noexcept {
+    const std::type_info* const type = abi::__cxa_current_exception_type();
+    if (type && *type != typeid(std::bad_alloc)) gUsualEnd();
+    complain(kFailed, "not enough memory");
+    std::_Exit(kFailed);
+}
+[[gnu::constructor(101)]] void expectShortMemory() noexcept {
+    gUsualEnd = std::set_terminate(endWithoutMemory);
+}
+
+// The engine's state, for as long as commands run.
+class Attachment {
+public:
+    Attachment() { attach({.modulePath = system::libraryFile(), .language = {}}); }
+    ~Attachment() { detach(); }
+    Attachment(const Attachment&) = delete;
+};
+
 int run(int argc, char** argv) {
-    system::prepareStreams();
+    const Attachment attachment;
+    setGuardWait(waitForGuard);
     Arguments arguments("Makes ICC device links, converts colours and pictures through them, and shows and\n"
                         "edits what profiles, tables, tone curves and calibration sets hold.", "kolink",
                         "kolink " KOLINK_VERSION);
@@ -59,10 +92,12 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     using namespace ko::cli;
+    system::prepareStreams();
+    system::catchInterruptions();
     try {
         return run(argc, argv);
-    } catch (const Interrupted& error) {
-        return complain(kInterrupted, error.what());
+    } catch (const Interrupted& interrupted) {
+        return complain(128 + interrupted.signal, "interrupted");
     } catch (const std::bad_alloc&) {
         return complain(kFailed, "not enough memory");
     } catch (const std::exception& error) {

@@ -19,14 +19,8 @@ struct Line {
     std::vector<std::pair<double, double>> points;
 };
 
-std::string hex(uint32_t lrgb) {
-    static constexpr char kDigits[] = "0123456789abcdef";
-    std::string text = "#";
-    for (const uint32_t part : {lrgb & 255, lrgb >> 8 & 255, lrgb >> 16 & 255}) {
-        text += kDigits[part >> 4];
-        text += kDigits[part & 15];
-    }
-    return text;
+std::string hex(uint32_t lrgb) {  // red is the low byte
+    return hexColour({(lrgb & 255) / 255.0, (lrgb >> 8 & 255) / 255.0, (lrgb >> 16 & 255) / 255.0});
 }
 
 std::string page(const PageHead& head, const std::string& title, const std::vector<Line>& lines) {
@@ -64,7 +58,7 @@ std::string plotCalib(const InputFile& file) {
         // Channels that share a colour, as new ones do, are told apart by the inks' own.
         static constexpr const char* kSpare[] = {kInkLines[0], kInkLines[1], kInkLines[2], kInkLines[3],
                                                  "#7a5af8", "#0e9384", "#d92d20", "#667085"};
-        Line line{calibText(channel.name, sizeof channel.name),
+        Line line{fieldText(channel.name),
                   channel.lrgb ? hex(channel.lrgb) : kSpare[at % 8], {}, {}};
         for (int step = 0; step <= 256; ++step)
             line.values.push_back(static_cast<double>(jKoCalibGetToneValue(set.get(), at, static_cast<float>(range * step / 256))) / limit);
@@ -74,7 +68,7 @@ std::string plotCalib(const InputFile& file) {
         lines.push_back(std::move(line));
     }
     const std::string name = fromPath(toPath(file.path).filename());
-    const std::string title = calibText(set->title, sizeof set->title);
+    const std::string title = fieldText(set->title);
     return page({title.empty() ? name : title,
                  {name + "     ·     calibration set, tones 0 to " + std::to_string(set->range) + " in, 0 to " +
                   std::to_string(set->limit) + " out"}},

@@ -21,15 +21,15 @@ constexpr char kExamples[] =
 
 std::string picture(const std::string& path) {
     const InputFile file = openInput(path);
-    switch (file.kind) {
-        case FileKind::icc: return plotIcc(file);
-        case FileKind::cmykTable:
-        case FileKind::amatchTable: return plotTable(file);
-        case FileKind::blackCurve:
-        case FileKind::cmykToneCurve:
-        case FileKind::dcc: return plotTone(file);
-        case FileKind::calibration: return plotCalib(file);
-        case FileKind::foreign: break;
+    switch (file.type) {
+        case FileType::icc: return plotIcc(file);
+        case FileType::cmykTable:
+        case FileType::amatchTable: return plotTable(file);
+        case FileType::blackCurve:
+        case FileType::cmykToneCurve:
+        case FileType::dcc: return plotTone(file);
+        case FileType::calibration: return plotCalib(file);
+        case FileType::foreign: break;
     }
     if (isTable(file)) return plotColourTable(file);
     failOn(path, "is no ICC file and no colour table, and its extension is none of .lut, .amt, .bkc, .tnc, .dcc, .clb");

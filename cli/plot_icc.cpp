@@ -10,34 +10,21 @@
 #include "cli/link_page.h"
 #include "cli/plot.h"
 #include "cli/system.h"
+#include "cmyk/cmyk.h"
+#include "cmyk/description.h"
+#include "icc/power.h"
 
 namespace ko::cli {
 namespace {
-
-std::string fieldText(const char* field, size_t size) {
-    return system::fromShiftJis(std::string_view(field, strnlen(field, size)));
-}
 
 std::string fileName(const InputFile& file) { return fromPath(toPath(file.path).filename()); }
 
 std::string firstLine(const std::string& text) { return text.substr(0, text.find_first_of("\r\n")); }
 
-// A curve of a record as the library evaluates it.
-std::array<double, 256> splineOf(const CmykProfile& profile, size_t curve) {
-    std::vector<TonePoint> points;
-    for (int j = 0; j < 65; ++j)
-        if (profile.curveFlags[curve][j]) points.push_back({4 * j - j / 64, profile.curveValues[curve][j]});
-    std::array<double, 256> values{};
-    for (int x = 0; x < 256; ++x)
-        values[static_cast<size_t>(x)] =
-            std::clamp(jKoToneGetSplineTone(points.data(), static_cast<int32_t>(points.size()), x), 0, 255) / 255.0;
-    return values;
-}
-
-void addDots(InkCurve& curve, const CmykProfile& profile, size_t index) {
-    for (int j = 0; j < 65; ++j)
-        if (profile.curveFlags[index][j])
-            curve.dots.emplace_back((4 * j - j / 64) / 255.0, profile.curveValues[index][j] / 255.0);
+void addDots(InkCurve& curve, const CmykProfile& profile, int32_t index) {
+    const cmyk::ControlPoints control = cmyk::controlPoints(profile, index);
+    for (int32_t at = 0; at < control.count; ++at)
+        curve.dots.emplace_back(control.points[at].x / 255.0, control.points[at].y / 255.0);
 }
 
 std::vector<double> tableOf(const IccLut& lut, const void* tables, int32_t entries, int32_t channel) {
@@ -52,7 +39,7 @@ std::vector<double> tableOf(const IccLut& lut, const void* tables, int32_t entri
 }
 
 std::string description(const IccInput& icc) {
-    const auto* text = static_cast<const char*>(jIccLoadTag(icc.profile(), signatureOf("desc")));
+    const auto* text = icc.tag<const char>(fourcc("desc"));
     return text ? fromForeignText(text) : std::string();
 }
 
@@ -60,17 +47,16 @@ std::string plotLink(const IccInput& icc, IccLut* lut) {
     LinkPage page;
     const InputFile& file = icc.file();
     const std::string text = description(icc);
-    const bool isOwn = text.starts_with("_KOLINK_10J") || text.starts_with("_NQCMS_IJP10J");
+    const bool isOwn = cmyk::holdsEditingData(text);
     page.head.title = isOwn ? fileName(file) : text.empty() ? fileName(file) : firstLine(text);
     page.head.lines = {fileName(file) + "     ·     ICC device link, CMYK to CMYK, " + std::to_string(lut->gridPoints) +
                        " grid points an ink, " + std::to_string(lut->precision * 8) + " bits"};
     if (isOwn) {
-        const CmykProfilePtr profile = newCmykProfile();
-        if (jKoCmykLoadProfile(profile.get(), file.libraryPath.c_str()) != 1) failOn(file.path, "cannot be loaded");
-        page.head.title = fieldText(profile->name, sizeof profile->name);
-        const std::string comment = fieldText(profile->comment, sizeof profile->comment);
+        const CmykProfilePtr profile = cmykProfile(icc);
+        page.head.title = fieldText(profile->name);
+        const std::string comment = fieldText(profile->comment);
         if (!comment.empty()) page.head.lines.push_back(firstLine(comment));
-        for (size_t i = 0; i < 8; ++i) addDots(page.curves[i], *profile, i);
+        for (int32_t i = 0; i < 8; ++i) addDots(page.curves[static_cast<size_t>(i)], *profile, i);
     }
     for (int32_t i = 0; i < 4; ++i) {
         page.curves[static_cast<size_t>(i)].values = tableOf(*lut, lut->inputTables, lut->inputEntries, i);
@@ -93,20 +79,20 @@ struct Curves {
 };
 
 std::vector<std::string> channelNames(int32_t channels, uint32_t space) {
-    if (space == signatureOf("CMYK")) return {"C", "M", "Y", "K"};
-    if (space == signatureOf("RGB ")) return {"R", "G", "B"};
-    if (space == signatureOf("Lab ")) return {"L*", "a*", "b*"};
-    if (space == signatureOf("XYZ ")) return {"X", "Y", "Z"};
+    if (space == fourcc("CMYK")) return {"C", "M", "Y", "K"};
+    if (space == fourcc("RGB ")) return {"R", "G", "B"};
+    if (space == fourcc("Lab ")) return {"L*", "a*", "b*"};
+    if (space == fourcc("XYZ ")) return {"X", "Y", "Z"};
     std::vector<std::string> names;
     for (int32_t i = 0; i < channels; ++i) names.push_back("channel " + std::to_string(i + 1));
     return names;
 }
 
 std::string channelColour(size_t index, uint32_t space) {
-    if (space == signatureOf("CMYK")) return kInkLines[index % 4];
+    if (space == fourcc("CMYK")) return kInkLines[index % 4];
     static constexpr const char* kOthers[4] = {"#d92d20", "#039855", "#1570ef", "#20242b"};
     static constexpr const char* kLab[3] = {"#20242b", "#d81b7d", "#1570ef"};
-    return space == signatureOf("Lab ") ? kLab[index % 3] : kOthers[index % 4];
+    return space == fourcc("Lab ") ? kLab[index % 3] : kOthers[index % 4];
 }
 
 Curves tablesOf(const IccLut& lut, bool input, uint32_t space, const std::string& title) {
@@ -134,10 +120,9 @@ std::array<double, 3> toLab(const std::array<double, 4>& values, const ReadyLut&
     const int32_t bits = lut.record().precision == 1 ? 8 : 16;
     double colour[3];
     for (size_t i = 0; i < 3; ++i) colour[i] = values[i] * lut.fullScale();
-    if (space == signatureOf("XYZ ")) {
-        static constexpr double kWhite[3] = {0.9642, 1, 0.8249};
+    if (space == fourcc("XYZ ")) {
         jIccXYZDecode(colour, bits);
-        jIccXYZtoLab(colour, kWhite);
+        jIccXYZtoLab(colour, kD50);
     } else {
         jIccLabDecode(colour, bits);
     }
@@ -154,8 +139,8 @@ std::vector<ColourRamp> colourRamps(uint32_t space, int32_t channels, const ToLa
     };
     static constexpr Ramp kOneRamp[] = {{"Channel 1", {1, 0, 0, 0}}};
     const std::span<const Ramp> chosen =
-        space == signatureOf("CMYK") && channels == 4  ? std::span<const Ramp>(kCmykRamps)
-        : space == signatureOf("RGB ") && channels == 3 ? std::span<const Ramp>(kRgbRamps)
+        space == fourcc("CMYK") && channels == 4  ? std::span<const Ramp>(kCmykRamps)
+        : space == fourcc("RGB ") && channels == 3 ? std::span<const Ramp>(kRgbRamps)
                                                         : std::span<const Ramp>(kOneRamp);
     std::vector<ColourRamp> ramps;
     for (const Ramp& ramp : chosen) {
@@ -179,9 +164,8 @@ Curves neutralAxis(const ReadyLut& lut, const IccHeader& header, const std::stri
     const int32_t bits = lut.record().precision == 1 ? 8 : 16;
     for (int step = 0; step <= 100; ++step) {
         double colour[3] = {100.0 - step, 0, 0};
-        if (header.connectionSpace == signatureOf("XYZ ")) {
-            static constexpr double kWhite[3] = {0.9642, 1, 0.8249};
-            jIccLabtoXYZ(colour, kWhite);
+        if (header.connectionSpace == fourcc("XYZ ")) {
+            jIccLabtoXYZ(colour, kD50);
             jIccXYZEncode(colour, bits);
         } else {
             jIccLabEncode(colour, bits);
@@ -238,18 +222,9 @@ std::string drawProfilePage(const PageHead& head, const std::vector<Curves>& cur
     return svg.finish();
 }
 
-// A tone curve at 0..1. The gamma of a one-entry curve is a multiple of 1/256, so eight square
-// roots and whole powers make it, alike on every system.
-double toneAt(const IccCurve& curve, double x) {
+double toneAt(const IccCurve& curve, double x) {  // 0..1 in and out
     if (curve.count == 0) return x;
-    if (curve.count == 1) {
-        double root = x;
-        for (int halving = 0; halving < 8; ++halving) root = std::sqrt(root);
-        double value = 1;
-        for (uint32_t power = curve.entries[0]; power > 0; power >>= 1, root *= root)
-            if (power & 1) value *= root;
-        return value;
-    }
+    if (curve.count == 1) return icc::power(x, curve.entries[0] / 256.0);
     const double place = x * (curve.count - 1);
     const auto low = std::min(static_cast<uint32_t>(place), curve.count - 2);
     const uint16_t* entries = curve.entries;
@@ -262,23 +237,22 @@ struct Matrix {
     bool isWhole() const { return std::ranges::all_of(tones, [](auto* tone) { return tone; }) &&
                                   std::ranges::all_of(columns, [](auto* column) { return column; }); }
     std::array<double, 3> toLab(const Cmyk& colour) const {
-        static constexpr double kWhite[3] = {0.9642, 1, 0.8249};
         double xyz[3] = {};
         for (size_t i = 0; i < 3; ++i)
             for (size_t part = 0; part < 3; ++part)
                 xyz[part] += columns[i][part] * toneAt(*tones[i], colour[i]);
-        jIccXYZtoLab(xyz, kWhite);
+        jIccXYZtoLab(xyz, kD50);
         return {xyz[0], xyz[1], xyz[2]};
     }
 };
 
 Matrix matrixOf(const IccInput& icc) {
-    static constexpr uint32_t kTones[3] = {signatureOf("rTRC"), signatureOf("gTRC"), signatureOf("bTRC")};
-    static constexpr uint32_t kColumns[3] = {signatureOf("rXYZ"), signatureOf("gXYZ"), signatureOf("bXYZ")};
+    static constexpr uint32_t kTones[3] = {fourcc("rTRC"), fourcc("gTRC"), fourcc("bTRC")};
+    static constexpr uint32_t kColumns[3] = {fourcc("rXYZ"), fourcc("gXYZ"), fourcc("bXYZ")};
     Matrix matrix;
     for (size_t i = 0; i < 3; ++i) {
-        matrix.tones[i] = static_cast<const IccCurve*>(jIccLoadTag(icc.profile(), kTones[i]));
-        matrix.columns[i] = static_cast<const float*>(jIccLoadTag(icc.profile(), kColumns[i]));
+        matrix.tones[i] = icc.tag<const IccCurve>(kTones[i]);
+        matrix.columns[i] = icc.tag<const float>(kColumns[i]);
     }
     return matrix;
 }
@@ -299,19 +273,19 @@ std::string plotDevice(const IccInput& icc) {
             if (icc.find(tag)) return tag;
         return std::nullopt;
     };
-    if (const auto tag = firstOf({signatureOf("A2B0"), signatureOf("A2B1"), signatureOf("A2B2")})) {
+    if (const auto tag = firstOf({fourcc("A2B0"), fourcc("A2B1"), fourcc("A2B2")})) {
         IccLut* lut = icc.lut(*tag);
         const std::string name = signatureText(*tag);
         curves.push_back(tablesOf(*lut, true, header.colourSpace, name + ": input tables"));
         curves.push_back(tablesOf(*lut, false, header.connectionSpace, name + ": output tables"));
         const ReadyLut ready(lut);
-        const bool connects = header.connectionSpace == signatureOf("Lab ") || header.connectionSpace == signatureOf("XYZ ");
+        const bool connects = header.connectionSpace == fourcc("Lab ") || header.connectionSpace == fourcc("XYZ ");
         if (ready && connects && lut->outputChannels == 3)
             ramps = colourRamps(header.colourSpace, lut->inputChannels, [&](const Cmyk& colour) {
                 return toLab(ready.convert(colour), ready, header.connectionSpace);
             });
     }
-    if (const auto tag = firstOf({signatureOf("B2A0"), signatureOf("B2A1"), signatureOf("B2A2")})) {
+    if (const auto tag = firstOf({fourcc("B2A0"), fourcc("B2A1"), fourcc("B2A2")})) {
         IccLut* lut = icc.lut(*tag);
         curves.push_back(tablesOf(*lut, false, header.colourSpace, signatureText(*tag) + ": output tables"));
         const ReadyLut ready(lut);
@@ -341,26 +315,26 @@ std::string plotDevice(const IccInput& icc) {
 
 std::string plotIcc(const InputFile& file) {
     const IccInput icc(file);
-    if (icc.find(signatureOf("A2B0"))) {
-        IccLut* lut = icc.lut(signatureOf("A2B0"));
+    if (icc.find(fourcc("A2B0"))) {
+        IccLut* lut = icc.lut(fourcc("A2B0"));
         if (lut->inputChannels == 4 && lut->outputChannels == 4) return plotLink(icc, lut);
     }
     return plotDevice(icc);
 }
 
 std::string plotTable(const InputFile& file) {
-    const CmykProfilePtr profile = newCmykProfile();
-    if (jKoCmykLoadProfile(profile.get(), file.libraryPath.c_str()) != 1) failOn(file.path, "cannot be loaded");
+    const CmykProfilePtr profile = cmykProfile(file);
     LinkPage page;
-    page.head.title = fieldText(profile->name, sizeof profile->name);
+    page.head.title = fieldText(profile->name);
     if (page.head.title.empty()) page.head.title = fileName(file);
     page.head.lines = {fileName(file) + "     ·     CMYK table, " + std::to_string(KOLINK_CMYK_GRID_POINTS) + " grid points an ink, 8 bits"};
-    const std::string comment = fieldText(profile->comment, sizeof profile->comment);
+    const std::string comment = fieldText(profile->comment);
     if (!comment.empty()) page.head.lines.push_back(firstLine(comment));
+    CmykCurveTables tables;
+    cmyk::makeCurveTables(*profile, tables);
     for (size_t i = 0; i < 8; ++i) {
-        const auto values = splineOf(*profile, i);
-        page.curves[i].values.assign(values.begin(), values.end());
-        addDots(page.curves[i], *profile, i);
+        for (const uint8_t level : tables.levels[i]) page.curves[i].values.push_back(level / 255.0);
+        addDots(page.curves[i], *profile, static_cast<int32_t>(i));
     }
     page.convert = [&profile](const Cmyk& colour) {
         int32_t levels[4];

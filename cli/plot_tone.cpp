@@ -20,7 +20,9 @@ struct Channel {
     const char* colour;
 };
 
-double valueAt(const ToneCurve& curve, size_t channel, size_t x) { return curve.table[channel * 512 + 256 + x] / 255.0; }
+double valueAt(const ToneCurve& curve, size_t channel, size_t x) {
+    return tone::valuesOf(curve, static_cast<int32_t>(channel))[x] / 255.0;
+}
 
 void drawCurves(Svg& svg, double x, double y, const std::string& title, const ToneCurve& curve, size_t first,
                 std::span<const Channel> channels) {
@@ -37,7 +39,7 @@ void drawCurves(Svg& svg, double x, double y, const std::string& title, const To
     }
     for (size_t i = 0; i < channels.size(); ++i)
         for (size_t level = 0; level < 256; ++level)
-            if (curve.table[(first + i) * 512 + level])
+            if (tone::flagsOf(curve, static_cast<int32_t>(first + i))[level])
                 chart.dot(static_cast<double>(level) / 255, valueAt(curve, first + i, level), channels[i].colour);
     legend.emplace_back("out = in", "");
     drawLegend(svg, {x + 56, y + kCardHeight - 16}, legend);
@@ -107,25 +109,17 @@ std::string plotTone(const InputFile& file) {
     static constexpr Channel kInks[] = {{"C", kInkLines[0]}, {"M", kInkLines[1]}, {"Y", kInkLines[2]}, {"K", kInkLines[3]}};
     static constexpr Channel kBlack[] = {{"K", kInkLines[3]}};
     static constexpr Channel kReplacement[] = {{"GCR", kGcrLine}, {"UCR", kUcrLine}};
-    const char* path = file.libraryPath.c_str();
     const std::string name = fromPath(toPath(file.path).filename());
-    const auto titleOf = [](const ToneCurve& curve) {
-        return system::fromShiftJis(std::string_view(curve.title, strnlen(curve.title, sizeof curve.title)));
-    };
-    const auto require = [&](int32_t result) {
-        if (result != 1) failOn(file.path, "cannot be loaded");
-    };
-
-    if (file.kind == FileKind::blackCurve) {
+    if (file.type == FileType::blackCurve) {
         const ToneCurvePtr curve = newToneCurve(1);
-        require(jKoToneLoadBkcCurve(curve.get(), path));
-        const PageHead head{titleOf(*curve), {name + "     ·     black correction"}};
+        tone::readBkcCurve(*curve, file.text());
+        const PageHead head{fieldText(curve->title), {name + "     ·     black correction"}};
         return page(head, 1, [&](Svg& svg, double y) { drawCurves(svg, kMargin, y, "Black", *curve, 0, kBlack); },
                     {inkStrip(*curve, 0, 3)});
     }
-    if (file.kind == FileKind::cmykToneCurve) {
+    if (file.type == FileType::cmykToneCurve) {
         const ToneCurvePtr curve = newToneCurve(4);
-        require(jKoToneLoadCmykToneCurve(curve.get(), path));
+        tone::readCmykToneCurve(*curve, file.text());
         std::vector<Strip> strips;
         for (size_t ink = 0; ink < 4; ++ink) strips.push_back(inkStrip(*curve, ink, ink));
         return page({name, {"CMYK tone curves"}}, 1,
@@ -134,12 +128,12 @@ std::string plotTone(const InputFile& file) {
     const ToneCurvePtr curve = newToneCurve(6);
     DccSettings settings{};
     settings.curves = curve.get();
-    require(jKoToneLoadDcc(&settings, path));
-    const PageHead head{titleOf(*curve),
+    tone::readDcc(settings, file.text());
+    const PageHead head{fieldText(curve->title),
                         {name + "     ·     DCC settings, " + std::to_string(settings.DPIX) + " x " +
                          std::to_string(settings.DPIY) + " dpi, total ink " + std::to_string(settings.WINK) + " of 255"}};
     const ToneCurvePtr conversion = newToneCurve(6);
-    require(jKoToneLoadDccCurve(conversion.get(), path));
+    tone::readDccCurve(*conversion, file.text());
     const std::vector<Strip> strips = {
         lightStrip(*conversion, "Cyan", {1, 0, 0}),  lightStrip(*conversion, "Magenta", {0, 1, 0}),
         lightStrip(*conversion, "Yellow", {0, 0, 1}), lightStrip(*conversion, "Red", {0, 1, 1}),

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "icc/power.h"
 #include "kolink.h"
 
 namespace ko::cli {
@@ -16,23 +17,13 @@ constexpr uint8_t kOverprints[16][3] = {
     {34, 32, 14},    {14, 24, 16},  {32, 14, 12},  {8, 7, 7},
 };
 
-double fifthRoot(double value) {  // by Newton's steps, for 0..1
-    if (value <= 0) return 0;
-    double root = 1;
-    for (int step = 0; step < 60; ++step) {
-        const double fourth = root * root * root * root;
-        root = (4 * root + value / fourth) / 5;
-    }
-    return root;
-}
-
 // Linear light of each 8-bit sRGB level.
 std::array<double, 256> lightTable() {
     std::array<double, 256> light{};
     for (size_t level = 0; level < 256; ++level) {
         const double value = static_cast<double>(level) / 255;
         const double base = (value + 0.055) / 1.055;
-        light[level] = value <= 0.04045 ? value / 12.92 : base * base * fifthRoot(base * base);  // ^2.4
+        light[level] = value <= 0.04045 ? value / 12.92 : icc::power(base, 2.4);
     }
     return light;
 }
@@ -59,9 +50,8 @@ Rgb inkColour(const Cmyk& inks) {
 }
 
 Rgb labColour(double lightness, double a, double b) {
-    static constexpr double kWhite[3] = {0.9642, 1, 0.8249};
     double colour[3] = {lightness, a, b};
-    jIccLabtoXYZ(colour, kWhite);
+    jIccLabtoXYZ(colour, kD50);
     const auto [x, y, z] = colour;  // relative to D50; the matrix is sRGB's, adapted to D50
     return {displayLevel(3.1338561 * x - 1.6168667 * y - 0.4906146 * z),
             displayLevel(-0.9787684 * x + 1.9161415 * y + 0.0334540 * z),

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,7 +32,32 @@ std::optional<std::string> toShiftJis(const std::string& utf8);
 // Bytes that are no Shift-JIS become U+FFFD.
 std::string fromShiftJis(std::string_view bytes);
 
-// The system's words for an error number, without a line end.
-std::string errorText(int number);
+// The system's words for an error number of platform::lastError, without a line end.
+std::string errorText(uint32_t number);
+bool isShortMemory(uint32_t number);
+// Whether it is the machine that stands in the way and not what the file holds.
+bool isOfTheMachine(uint32_t number);
+std::string streamErrorText();  // of the C library's streams
+
+// A process's program, or nothing where that cannot be known; into the buffer, without memory.
+std::string_view programOf(uint32_t process, std::span<char> buffer) noexcept;
+
+// The shared library, where it stands as an installation has it, so that its folder is the
+// product folder of the tool as well. Empty: the tool's own file counts.
+std::optional<std::string> libraryFile();
+
+// Ctrl-C and the signals that ask a process to end. While nothing is being made they end it at
+// once with 128 + the signal. While something is, they are noted, and the end of the making ends
+// the process; who makes something for long looks at interruption() meanwhile.
+void catchInterruptions() noexcept;
+int interruption() noexcept;  // the signal that was noted, or 0
+
+class Making {
+public:
+    Making() noexcept;
+    ~Making();
+    Making(const Making&) = delete;
+    Making& operator=(const Making&) = delete;
+};
 
 }  // namespace ko::cli::system

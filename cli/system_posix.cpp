@@ -2,7 +2,12 @@
 #include <iconv.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <new>
 
 #include "cli/system.h"
 #include "cli/text.h"
@@ -12,7 +17,9 @@ namespace {
 
 class Converter {
 public:
-    Converter(const char* to, const char* from) : handle_(::iconv_open(to, from)) {}
+    Converter(const char* to, const char* from) : handle_(::iconv_open(to, from)) {
+        if (!*this && errno == ENOMEM) throw std::bad_alloc();
+    }
     ~Converter() {
         if (*this) ::iconv_close(handle_);
     }
@@ -48,6 +55,10 @@ void prepareStreams() {
     static constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_RDONLY};
     for (int stream = 0; stream < 3; ++stream)
         if (::fcntl(stream, F_GETFD) < 0) (void)!::open("/dev/null", kModes[stream]);
+    // Buffers of their own, so that what is said needs no memory; a line goes out in one piece.
+    static char out[size_t{1} << 16], err[4096];
+    std::setvbuf(stdout, out, isTerminal(stdout) ? _IOLBF : _IOFBF, sizeof out);
+    std::setvbuf(stderr, err, _IOLBF, sizeof err);
 }
 
 std::optional<std::string> libraryPath(const std::string& path) { return path; }
@@ -78,6 +89,76 @@ std::string fromShiftJis(std::string_view bytes) {
     return out;
 }
 
-std::string errorText(int number) { return std::strerror(number); }
+std::string errorText(uint32_t number) { return std::strerror(static_cast<int>(number)); }
+
+std::string streamErrorText() { return std::strerror(errno); }
+
+bool isShortMemory(uint32_t number) { return number == ENOMEM; }
+
+bool isOfTheMachine(uint32_t number) {
+    return number == EIO || number == EMFILE || number == ENFILE || number == ENOMEM || number == EINTR;
+}
+
+std::string_view programOf(uint32_t process, std::span<char> buffer) noexcept {
+    char path[32];
+    std::snprintf(path, sizeof path, "/proc/%lu/comm", static_cast<unsigned long>(process));
+    const int file = ::open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0) return {};
+    const ssize_t size = ::read(file, buffer.data(), buffer.size());
+    ::close(file);
+    const std::string_view name(buffer.data(), size > 0 ? static_cast<size_t>(size) : 0);
+    return name.substr(0, name.find('\n'));
+}
+
+std::optional<std::string> libraryFile() {
+    std::error_code error;
+    const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    if (error) return std::nullopt;
+    for (const char* place : {"libkolink.so.1", "../lib/libkolink.so.1"}) {
+        const auto file = (folder / place).lexically_normal();
+        if (std::filesystem::is_regular_file(file, error)) return file.string();
+    }
+    return std::nullopt;
+}
+
+namespace {
+
+volatile std::sig_atomic_t gMaking = 0, gNoted = 0;
+
+[[noreturn]] void endFor(int signal) noexcept {
+    static constexpr char kLine[] = "kolink: interrupted\n";
+    (void)!::write(STDERR_FILENO, kLine, sizeof kLine - 1);
+    ::_exit(128 + signal);
+}
+
+// The program has one thread, so that this one is where the work was.
+extern "C" void onSignal(int signal) {
+    if (gMaking == 0) endFor(signal);
+    gNoted = signal;
+}
+
+}  // namespace
+
+void catchInterruptions() noexcept {
+    static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    for (const int signal : kSignals) sigaddset(&action.sa_mask, signal);
+    for (const int signal : kSignals) {
+        struct sigaction old;
+        // What the caller has ignored, as nohup does, stays so.
+        if (::sigaction(signal, nullptr, &old) == 0 && old.sa_handler != SIG_IGN)
+            ::sigaction(signal, &action, nullptr);
+    }
+}
+
+int interruption() noexcept { return gNoted; }
+
+Making::Making() noexcept { gMaking = gMaking + 1; }
+
+Making::~Making() {
+    gMaking = gMaking - 1;
+    if (gMaking == 0 && gNoted != 0) endFor(gNoted);
+}
 
 }  // namespace ko::cli::system

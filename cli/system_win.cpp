@@ -4,6 +4,8 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include <atomic>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -62,6 +64,9 @@ std::vector<std::string> arguments(int argc, char** argv) {
 
 void prepareStreams() {
     for (FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+    // A buffer of its own, so that what is said needs no memory and a line goes out in one piece.
+    static char err[4096];
+    std::setvbuf(stderr, err, _IOFBF, sizeof err);
     DWORD mode;
     if (GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) ||
         GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode)) {
@@ -82,6 +87,86 @@ std::optional<std::string> toShiftJis(const std::string& utf8) {
 
 std::string fromShiftJis(std::string_view bytes) { return toUtf8(toWide(kShiftJis, bytes)); }
 
-std::string errorText(int number) { return std::strerror(number); }
+std::string errorText(uint32_t number) {
+    wchar_t text[512];
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                        nullptr, number, 0, text, 512, nullptr);
+    std::string words = toUtf8(std::wstring(text, length));
+    words.erase(words.find_last_not_of(" \r\n.") + 1);
+    return words.empty() ? "error " + std::to_string(number) : words;
+}
+
+std::string streamErrorText() { return std::strerror(errno); }
+
+bool isOfTheMachine(uint32_t number) {
+    return isShortMemory(number) || number == ERROR_TOO_MANY_OPEN_FILES || number == ERROR_CRC ||
+           number == ERROR_IO_DEVICE || number == ERROR_SHARING_VIOLATION ||
+           number == ERROR_OPERATION_ABORTED;
+}
+
+bool isShortMemory(uint32_t number) {
+    return number == ERROR_NOT_ENOUGH_MEMORY || number == ERROR_OUTOFMEMORY;
+}
+
+std::string_view programOf(uint32_t process, std::span<char> buffer) noexcept {
+    const HANDLE handle = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process);
+    if (!handle) return {};
+    auto size = static_cast<DWORD>(buffer.size());
+    const bool known = QueryFullProcessImageNameA(handle, 0, buffer.data(), &size);
+    CloseHandle(handle);
+    if (!known) return {};
+    const std::string_view path(buffer.data(), size);
+    return path.substr(path.rfind('\\') + 1);
+}
+
+std::optional<std::string> libraryFile() { return std::nullopt; }
+
+namespace {
+
+// The handler has a thread of its own: the lock keeps it from ending the process in the moment
+// when something begins to be made.
+CRITICAL_SECTION gLock;
+int gMaking = 0;
+std::atomic<int> gNoted = 0;
+
+[[noreturn]] void endFor(int signal) noexcept {
+    std::fputs("kolink: interrupted\n", stderr);
+    std::fflush(stderr);
+    std::_Exit(128 + signal);
+}
+
+BOOL WINAPI onControl(DWORD event) {
+    const bool fromKeyboard = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
+    const int signal = fromKeyboard ? SIGINT : SIGTERM;
+    EnterCriticalSection(&gLock);
+    if (gMaking == 0) endFor(signal);
+    gNoted = signal;
+    LeaveCriticalSection(&gLock);
+    // After the return from any other event the system ends the process.
+    if (!fromKeyboard) Sleep(INFINITE);
+    return TRUE;
+}
+
+}  // namespace
+
+void catchInterruptions() noexcept {
+    InitializeCriticalSection(&gLock);
+    SetConsoleCtrlHandler(onControl, TRUE);
+}
+
+int interruption() noexcept { return gNoted; }
+
+Making::Making() noexcept {
+    EnterCriticalSection(&gLock);
+    ++gMaking;
+    LeaveCriticalSection(&gLock);
+}
+
+Making::~Making() {
+    EnterCriticalSection(&gLock);
+    const bool ends = --gMaking == 0 && gNoted != 0;
+    LeaveCriticalSection(&gLock);
+    if (ends) endFor(gNoted);
+}
 
 }  // namespace ko::cli::system

@@ -1,7 +1,5 @@
 // kolink table: CMYK and RGB table files shown, converted between their forms, and checked.
 #include <algorithm>
-#include <cstring>
-#include <fstream>
 #include <memory>
 
 #include "cli/arguments.h"
@@ -9,6 +7,9 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/table_file.h"
+#include "cmyk/cmyk.h"
+#include "cmyk/table_text.h"
+#include "frame/text.h"
 
 namespace ko::cli {
 namespace {
@@ -31,55 +32,47 @@ std::span<const uint32_t> nodesOf(const Table& table) {
 
 void show(const InputFile& file, const Table& table) {
     const auto nodes = nodesOf(table);
-    const bool cmyk = table.cmyk != nullptr;
-    std::unique_ptr<CmykLut, TableDeleter> plainCmyk(cmyk ? jKoCmykCreateCmykLut() : nullptr);
-    std::unique_ptr<RgbLut, TableDeleter> plainRgb(cmyk ? nullptr : jKoRgbCreateRgbLut());
-    const uint32_t* const plain = cmyk ? plainCmyk->nodes : plainRgb->nodes;
+    const bool isCmyk = table.cmyk != nullptr;
+    Table plain;
+    if (isCmyk) plain.cmyk = orShortOfMemory(cmyk::createCmykLut());
+    else plain.rgb = orShortOfMemory(cmyk::createRgbLut());
+    const auto plainNodes = nodesOf(plain);
     size_t changed = 0;
-    for (size_t at = 0; at < nodes.size(); ++at) changed += nodes[at] != plain[at];
+    for (size_t at = 0; at < nodes.size(); ++at) changed += nodes[at] != plainNodes[at];
     std::string text = "file:     " + printable(file.path) + '\n';
-    text += std::string("table:    ") + (cmyk ? "CMYK to CMYK" : "RGB to RGB") + ", 17 grid points\n";
+    text += std::string("table:    ") + (isCmyk ? "CMYK to CMYK" : "RGB to RGB") + ", 17 grid points\n";
     text += std::string("form:     ") + (table.isText ? "text" : "binary") + '\n';
     text += "nodes:    " + grouped(nodes.size()) + ", " + grouped(changed) + " of them not the identity\n";
     const auto outputs = [&](uint32_t word) {
         std::string values;
-        for (int at = 0; at < (cmyk ? 4 : 3); ++at)
-            values += (at ? ", " : "") + std::to_string(word >> (cmyk ? 24 - 8 * at : 8 * at) & 255);
+        for (int at = 0; at < (isCmyk ? 4 : 3); ++at)
+            values += (at ? ", " : "") + std::to_string(word >> (isCmyk ? 24 - 8 * at : 8 * at) & 255);
         return values;
     };
-    text += std::string(cmyk ? "no ink:   " : "black:    ") + outputs(nodes.front()) + '\n';
-    text += std::string(cmyk ? "all inks: " : "white:    ") + outputs(nodes.back()) + '\n';
+    text += std::string(isCmyk ? "no ink:   " : "black:    ") + outputs(nodes.front()) + '\n';
+    text += std::string(isCmyk ? "all inks: " : "white:    ") + outputs(nodes.back()) + '\n';
     writeOut(text);
 }
 
 void convert(const Table& table, const std::string& form, const std::string& output,
              const std::string& input) {
     const std::string inputs[] = {input};
-    OutputFile file(output, inputs);
+    checkOutput(output, inputs);
     if (form == "text") {
-        const std::string path = toLibraryPath(file.temporary());
-        const int32_t saved = table.cmyk ? jKoCmykSaveCmykLut(table.cmyk.get(), path.c_str())
-                                         : jKoRgbSaveRgbLut(table.rgb.get(), path.c_str());
-        if (saved != 1) failOn(output, "cannot be written");
-    } else {
-        const auto nodes = nodesOf(table);
-        // Read back, a table is binary by a byte that text does not have in its first line.
-        std::ofstream out(toPath(file.temporary()), std::ios::binary);
-        for (const uint32_t word : nodes)
-            for (int shift = 0; shift < 32; shift += 8) out.put(static_cast<char>(word >> shift));
-        if (!out.flush()) failOn(output, "cannot be written");
-        out.close();
-        const InputFile written = openInput(file.temporary());
-        const auto space = table.cmyk ? ColourSpace::cmyk : ColourSpace::rgb;
-        bool same = false;
-        try {
-            const Table again = loadTable(written, space);
-            same = !again.isText && std::ranges::equal(nodesOf(again), nodes);
-        } catch (const Failure&) {}
-        if (!same)
-            failOn(output, "this table cannot be told from text in the binary form; keep it as text");
+        const std::string path = toLibraryPath(output);
+        return writeThrough(output, [&] {
+            return table.cmyk ? jKoCmykSaveCmykLut(table.cmyk.get(), path.c_str()) == 1
+                              : jKoRgbSaveRgbLut(table.rgb.get(), path.c_str()) == 1;
+        });
     }
-    file.commit();
+    std::string bytes;
+    for (const uint32_t word : nodesOf(table))
+        for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(word >> shift);
+    // Read again, a table is binary by a byte that text does not have in its first line.
+    LineReader lines(bytes);
+    if (cmyk::tableFileOf(lines) != cmyk::TableFile::binary)
+        failOn(output, "this table cannot be told from text in the binary form; keep it as text");
+    writeFile(output, bytes);
 }
 
 int check(const InputFile& file, const Table& table) {

@@ -1,71 +1,45 @@
 #include "cli/table_file.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <fstream>
 #include <set>
 
 #include "cli/errors.h"
+#include "cli/icc_input.h"
+#include "cmyk/cmyk.h"
+#include "cmyk/table_text.h"
 
 namespace ko::cli {
 namespace {
 
-constexpr size_t kLineBytes = 511;  // as many of a line count
 constexpr size_t kMostWarnings = 20;
 
-bool isControl(char c) {
-    return (c >= 1 && c <= 8) || (c >= 14 && c <= 31);
-}
-
-bool isBeginData(std::string line) {
-    for (char& c : line) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c | 0x20 : c);
-    return line == "#begindata";
-}
-
-bool readLine(std::istream& in, std::string& line) {
-    line.clear();
-    if (!std::getline(in, line)) return false;
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    return true;
-}
-
-bool hasDigit(const std::string& line) {
+bool hasDigit(std::string_view line) {
     return std::any_of(line.begin(), line.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-// The line's tokens between tabs, blanks and commas.
-std::vector<std::string> tokensOf(const std::string& line) {
-    std::vector<std::string> tokens(1);
-    for (const char c : line) {
-        if (c != '\t' && c != ' ' && c != ',') tokens.back() += c;
-        else if (!tokens.back().empty()) tokens.emplace_back();
-    }
-    if (tokens.back().empty()) tokens.pop_back();
-    return tokens;
+bool isWholeNumber(std::string_view text) {
+    if (text.starts_with('+')) text.remove_prefix(1);
+    int32_t value = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    return read.ec == std::errc() && read.ptr == text.data() + text.size();
 }
 
 struct Form {
-    bool isTable = false, isText = false;
+    cmyk::TableFile file = cmyk::TableFile::neither;
     size_t numbers = 0;  // on the first data line with a digit
+    bool isText() const { return file == cmyk::TableFile::text; }
 };
 
 Form formOf(const InputFile& file) {
-    std::ifstream in(toPath(file.path), std::ios::binary);
-    Form form;
-    for (std::string line; readLine(in, line);) {
-        if (std::any_of(line.begin(), line.end(), isControl)) {
-            form.isTable = true;
-            return form;
-        }
-        if (!isBeginData(line)) continue;
-        form.isTable = form.isText = true;
-        while (readLine(in, line))
-            if (hasDigit(line)) {
-                form.numbers = tokensOf(line).size();
-                break;
-            }
-        return form;
+    LineReader lines(file.text());
+    Form form{cmyk::tableFileOf(lines)};
+    if (!form.isText()) return form;
+    for (std::string_view line; lines.next(line);) {
+        line = cmyk::tableLine(line);
+        if (!hasDigit(line)) continue;
+        for (cmyk::TableNumbers numbers(line); !numbers.next().text.empty();) ++form.numbers;
+        break;
     }
     return form;
 }
@@ -74,32 +48,32 @@ Form formOf(const InputFile& file) {
 
 bool isTable(const InputFile& file) {
     const Form form = formOf(file);
-    return form.isText || (form.isTable && (file.size == sizeof(CmykLut) || file.size == sizeof(RgbLut)));
+    return form.isText() || (form.file == cmyk::TableFile::binary && (file.size == sizeof(CmykLut) || file.size == sizeof(RgbLut)));
 }
 
 Table loadTable(const InputFile& file, std::optional<ColourSpace> space) {
     const Form form = formOf(file);
-    if (!form.isTable) failOn(file.path, "is no table: it has neither a line #begindata nor binary content");
+    if (form.file == cmyk::TableFile::neither) failOn(file.path, "is no table: it has neither a line #begindata nor binary content");
     if (!space) {
-        if (form.isText && form.numbers == 0) failOn(file.path, "holds no line of numbers behind #begindata");
-        const bool cmyk = form.isText ? form.numbers >= 7 : file.size > sizeof(RgbLut);
+        if (form.isText() && form.numbers == 0) failOn(file.path, "holds no line of numbers behind #begindata");
+        const bool cmyk = form.isText() ? form.numbers >= 7 : file.size > sizeof(RgbLut);
         space = cmyk ? ColourSpace::cmyk : ColourSpace::rgb;
         const uint64_t whole = cmyk ? sizeof(CmykLut) : sizeof(RgbLut);
-        if (!form.isText && file.size != whole)
+        if (!form.isText() && file.size != whole)
             failOn(file.path, "is no table: a binary one has " + grouped(sizeof(RgbLut)) + " bytes (RGB) or " +
                                   grouped(sizeof(CmykLut)) + " (CMYK), this file " + grouped(file.size));
     }
     Table table;
-    table.isText = form.isText;
-    int32_t loaded = 0;
+    table.isText = form.isText();
+    bool loaded = false;
     if (*space == ColourSpace::cmyk) {
-        table.cmyk.reset(jKoCmykCreateCmykLut());
-        loaded = jKoCmykLoadCmykLut(table.cmyk.get(), file.libraryPath.c_str());
+        table.cmyk = orShortOfMemory(cmyk::createCmykLut());
+        loaded = cmyk::readCmykLut(*table.cmyk, file.text());
     } else {
-        table.rgb.reset(jKoRgbCreateRgbLut());
-        loaded = jKoRgbLoadRgbLut(table.rgb.get(), file.libraryPath.c_str());
+        table.rgb = orShortOfMemory(cmyk::createRgbLut());
+        loaded = cmyk::readRgbLut(*table.rgb, file.text());
     }
-    if (loaded != 1) failOn(file.path, "cannot be loaded as a table");
+    if (!loaded) failOn(file.path, "cannot be loaded as a table");
     return table;
 }
 
@@ -107,7 +81,7 @@ TableReport checkTableText(const InputFile& file, const Table& table) {
     const size_t inputs = table.cmyk ? 4 : 3, wanted = 2 * inputs;
     TableReport report;
     report.nodes = table.cmyk ? KOLINK_CMYK_LUT_NODES : KOLINK_RGB_LUT_NODES;
-    std::set<uint32_t> given;
+    std::set<size_t> given;
     size_t number = 0;
     bool data = false;
     const auto warn = [&](const std::string& what) {
@@ -115,46 +89,46 @@ TableReport checkTableText(const InputFile& file, const Table& table) {
             report.warnings.push_back("line " + std::to_string(number) + ": " + what);
         else ++report.moreWarnings;
     };
-    std::ifstream in(toPath(file.path), std::ios::binary);
-    for (std::string line; readLine(in, line);) {
+    LineReader lines(file.text());
+    for (std::string_view line; lines.next(line);) {
         ++number;
         if (!data) {
-            data = isBeginData(line);
+            data = cmyk::isTableStart(line);
             continue;
         }
         ++report.lines;
-        if (line.size() > kLineBytes) {
-            warn("is longer than " + std::to_string(kLineBytes) + " bytes; the rest is not read");
-            line.resize(kLineBytes);
-        }
+        if (line.size() >= cmyk::kTableLineSize)
+            warn("is longer than " + std::to_string(cmyk::kTableLineSize - 1) + " bytes; the rest is not read");
+        line = cmyk::tableLine(line);
         if (!hasDigit(line)) {
             warn("holds no number and sets the node of all zeros to 0");
             given.insert(0);
             continue;
         }
-        const auto tokens = tokensOf(line);
-        if (tokens.size() != wanted)
-            warn("has " + std::to_string(tokens.size()) + " numbers instead of " + std::to_string(wanted));
-        uint32_t node = 0;
+        cmyk::TableNumbers numbers(line);
+        size_t count = 0;
+        size_t node = 0;
         bool inside = true;
-        for (size_t at = 0; at < wanted; ++at) {
-            int32_t value = 0;
-            if (at < tokens.size()) {
-                const std::string& token = tokens[at];
-                const char* const begin = token.data() + (token[0] == '+' ? 1 : 0);
-                const char* const end = token.data() + token.size();
-                const auto read = std::from_chars(begin, end, value);
-                if (read.ec != std::errc() || read.ptr != end) warn("'" + printable(token) + "' is not a whole number");
+        for (size_t at = 0;; ++at) {
+            const auto [value, text] = numbers.next();
+            if (!text.empty()) ++count;
+            if (at >= wanted) {
+                if (text.empty()) break;
+                continue;
             }
-            if (value < 0 || value > 255) {
+            if (!text.empty() && !isWholeNumber(text)) warn("'" + printable(text) + "' is not a whole number");
+            if (value < 0 || value > 255)
                 warn(at < inputs ? "a level is outside 0..255; the line is not used"
                                  : "an output is outside 0..255; it is taken modulo 256");
-                inside = inside && at >= inputs;
-            } else if (at < inputs) {
-                if (value != 255 && value % 16 != 0) warn("level " + std::to_string(value) + " is between grid points");
-                node = node * 17 + static_cast<uint32_t>((value + value / 255) / 16);
-            }
+            else if (at < inputs && value != 255 && value % 16 != 0)
+                warn("level " + std::to_string(value) + " is between grid points");
+            if (at >= inputs) continue;
+            const auto index = cmyk::tableIndexOf(value);
+            inside = inside && index;
+            if (index) node = node * cmyk::kTableGridPoints + *index;
         }
+        if (count != wanted)
+            warn("has " + std::to_string(count) + " numbers instead of " + std::to_string(wanted));
         if (inside && !given.insert(node).second) warn("gives a node again; the last line counts");
     }
     report.nodesGiven = given.size();

@@ -9,17 +9,13 @@
 
 #include "cli/conversion.h"
 #include "cli/files.h"
+#include "frame/block.h"
 
 namespace ko::cli {
 
-struct TableDeleter {
-    void operator()(CmykLut* table) const { jKoCmykReleaseCmykLut(table); }
-    void operator()(RgbLut* table) const { jKoRgbReleaseRgbLut(table); }
-};
-
 struct Table {
-    std::unique_ptr<CmykLut, TableDeleter> cmyk;  // one of the two
-    std::unique_ptr<RgbLut, TableDeleter> rgb;
+    Block<CmykLut> cmyk;  // one of the two
+    Block<RgbLut> rgb;
     bool isText = false;
 };
 

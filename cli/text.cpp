@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "cli/system.h"
+#include "frame/text.h"
 
 namespace ko::cli {
 namespace {
@@ -85,6 +86,8 @@ bool isWellFormed(std::string_view text) {
 std::string fromForeignText(std::string_view bytes) {
     return isWellFormed(bytes) ? std::string(bytes) : system::fromShiftJis(bytes);
 }
+
+std::string fieldText(std::span<const char> field) { return system::fromShiftJis(textIn(field)); }
 
 std::string cutTo(const std::string& text, size_t limit) {
     size_t at = 0;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,9 @@ bool isWellFormed(std::string_view text);
 
 // Texts of ICC files are ASCII by right; where they are not, they are UTF-8 or Shift-JIS.
 std::string fromForeignText(std::string_view bytes);
+
+// The text in a field of one of the library's records.
+std::string fieldText(std::span<const char> field);
 
 // Text and the number of its characters, cut to limit characters at most.
 std::string cutTo(const std::string& text, size_t limit);

@@ -12,22 +12,65 @@ namespace {
 // Rows and rows of tiles larger than this are taken for damage.
 constexpr uint64_t kMostBuffer = uint64_t{256} << 20;
 
-std::string gTiffError;
+// Called by a library in C, through which no exception may go: a fixed field.
+char gTiffError[300] = "";
 
 void noteError(const char* module, const char* format, va_list arguments) {
-    char text[300];
-    std::vsnprintf(text, sizeof text, format, arguments);
-    if (gTiffError.empty()) gTiffError = std::string(module ? module : "TIFF") + ": " + text;
+    if (gTiffError[0]) return;
+    const int length = std::snprintf(gTiffError, sizeof gTiffError, "%s: ", module ? module : "TIFF");
+    if (length < 0 || static_cast<size_t>(length) >= sizeof gTiffError) return;
+    std::vsnprintf(gTiffError + length, sizeof gTiffError - static_cast<size_t>(length), format, arguments);
 }
 void ignoreWarning(const char*, const char*, va_list) {}
 
+NewFile& fileOf(thandle_t handle) { return *static_cast<NewFile*>(handle); }
+
+tmsize_t readMade(thandle_t handle, void* buffer, tmsize_t size) {
+    NewFile& file = fileOf(handle);
+    const auto left = std::min<uint64_t>(static_cast<uint64_t>(size),
+                                         file.size() - std::min(file.size(), file.position()));
+    return file.read({static_cast<uint8_t*>(buffer), static_cast<size_t>(left)}) ? static_cast<tmsize_t>(left) : -1;
+}
+tmsize_t writeMade(thandle_t handle, void* bytes, tmsize_t size) {
+    return fileOf(handle).write({static_cast<const uint8_t*>(bytes), static_cast<size_t>(size)}) ? size : -1;
+}
+toff_t seekMade(thandle_t handle, toff_t offset, int from) {
+    NewFile& file = fileOf(handle);
+    const uint64_t start = from == SEEK_CUR ? file.position() : from == SEEK_END ? file.size() : 0;
+    return file.seek(start + offset) ? file.position() : static_cast<toff_t>(-1);
+}
+toff_t sizeMade(thandle_t handle) { return fileOf(handle).size(); }
+int closeMade(thandle_t) { return 0; }  // the door is closed by who opened it
+
+// Bytes that one byte of a file can stand for, at most. What claims more lies.
+uint64_t mostFromOneByte(uint16_t compression) {
+    switch (compression) {
+        case COMPRESSION_NONE: return 1;
+        case COMPRESSION_PACKBITS:
+        case COMPRESSION_LZW:
+        case COMPRESSION_DEFLATE:
+        case COMPRESSION_ADOBE_DEFLATE:
+        case COMPRESSION_JPEG: return 4096;
+        default: return 65536;
+    }
+}
+
+// A page takes memory as it has pixels, so it has to hold them.
+void requirePixels(const InputFile& file, const Page& page) {
+    const uint64_t bytes = page.bits / 8u * uint64_t{page.samples};  // a pixel; up to 64
+    const uint64_t most = file.size * mostFromOneByte(page.compression);
+    if (page.width > most / bytes / page.height)
+        failOn(file.path, "cannot be read: it is too short for the " + grouped(page.width) + " x " +
+                              grouped(page.height) + " pixels that it claims");
+}
+
 }  // namespace
 
-void forgetTiffError() { gTiffError.clear(); }
-bool hasTiffError() { return !gTiffError.empty(); }
+void forgetTiffError() { gTiffError[0] = 0; }
+bool hasTiffError() { return gTiffError[0] != 0; }
 
 void failWith(const std::string& path, const std::string& what) {
-    failOn(path, gTiffError.empty() ? what : what + " (" + printable(gTiffError) + ")");
+    failOn(path, gTiffError[0] == 0 ? what : what + " (" + printable(gTiffError) + ")");
 }
 
 TiffPtr openTiff(const std::string& path) {
@@ -39,7 +82,13 @@ TiffPtr openTiff(const std::string& path) {
     return tiff;
 }
 
-Page readPage(const std::string& path, TIFF* tiff) {
+TiffPtr newTiff(NewFile& file, bool large) {
+    return TiffPtr(TIFFClientOpen("the new picture", large ? "w8" : "w", &file, readMade, writeMade,
+                                  seekMade, closeMade, sizeMade, nullptr, nullptr));
+}
+
+Page readPage(const InputFile& file, TIFF* tiff) {
+    const std::string& path = file.path;
     Page page;
     uint16_t photometric = 0xffff, layout = PLANARCONFIG_CONTIG, format = SAMPLEFORMAT_UINT, inks = INKSET_CMYK;
     TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &page.width);
@@ -67,6 +116,7 @@ Page readPage(const std::string& path, TIFF* tiff) {
     else failOn(path, "is neither an RGB nor a CMYK picture (photometric interpretation " +
                           std::to_string(photometric) + ", " + std::to_string(page.samples) + " samples)");
     if (page.samples > 32) failOn(path, "has " + std::to_string(page.samples) + " samples a pixel");
+    requirePixels(file, page);
     return page;
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/conversion.h"
+#include "cli/files.h"
 
 namespace ko::cli {
 
@@ -24,6 +25,8 @@ bool hasTiffError();
 [[noreturn]] void failWith(const std::string& path, const std::string& what);  // with that error
 
 TiffPtr openTiff(const std::string& path);  // to be read; fails with a clear line
+// A picture that is written through the door, which outlives it. Null: see hasTiffError.
+TiffPtr newTiff(NewFile& file, bool large);
 
 // What a page is, as far as it matters here.
 struct Page {
@@ -34,7 +37,7 @@ struct Page {
 };
 
 // Of the handle's present page; fails with a clear line when the page cannot be converted.
-Page readPage(const std::string& path, TIFF* tiff);
+Page readPage(const InputFile& file, TIFF* tiff);
 
 // The handle, and for a planar page in strips one more a channel, so that each goes through its
 // own strips in order. more owns the further ones.

@@ -9,16 +9,25 @@ set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEP
              ${PROJECT_SOURCE_DIR}/cmake/exports.txt
              ${PROJECT_SOURCE_DIR}/cmake/exports_windows.txt)
 
+set(KO_ENGINE frame grid icc tone calib cmyk link front)
 set(patterns)
-foreach(folder frame grid icc tone calib cmyk link front)
+set(dialog_sources)
+foreach(folder ${KO_ENGINE})
     list(APPEND patterns ${PROJECT_SOURCE_DIR}/${folder}/exports*.cpp)
-    if(WIN32)  # dialogs
-        list(APPEND patterns ${PROJECT_SOURCE_DIR}/${folder}/dialog/exports*.cpp)
-    endif()
+    list(APPEND dialog_sources ${PROJECT_SOURCE_DIR}/${folder}/dialog/exports*.cpp)
 endforeach()
-file(GLOB KO_EXPORT_SOURCES CONFIGURE_DEPENDS ${patterns})
+file(GLOB sources CONFIGURE_DEPENDS ${patterns})
+# Compiled once: the tool has them as well.
+add_library(ko_exports OBJECT ${sources})
+list(TRANSFORM KO_ENGINE PREPEND ko_)
+target_link_libraries(ko_exports PUBLIC ${KO_ENGINE} PRIVATE ko_warnings)
+file(GLOB dialog_sources CONFIGURE_DEPENDS ${dialog_sources})
+if(NOT WIN32)
+    set(dialog_sources)
+endif()
 # Memory belongs to the library itself: an archive gives up only what something refers to.
-add_library(kolink SHARED ${KO_EXPORT_SOURCES} frame/memory.cpp frame/entry_${KO_PLATFORM}.cpp)
+add_library(kolink SHARED ${dialog_sources} frame/memory.cpp frame/entry_${KO_PLATFORM}.cpp)
+target_link_libraries(kolink PRIVATE ko_exports)
 ko_carry_tables(kolink)
 add_library(KoLink::KoLink ALIAS kolink)
 set_target_properties(kolink PROPERTIES EXPORT_NAME KoLink)

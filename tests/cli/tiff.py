@@ -2,6 +2,7 @@
 """Makes TIFF pictures and says what is in them; uncompressed, one page, little-endian.
 
   tiff.py make FILE WIDTH HEIGHT SAMPLES BITS PHOTOMETRIC SEED   random pixels, 300 dpi
+  tiff.py claim FILE WIDTH HEIGHT COMPRESSION   so many pixels, of which it holds a few bytes
   tiff.py colours FILE      the pixels as lines of numbers, 16-bit samples as 8-bit ones
   tiff.py tag FILE NUMBER   a tag's values
 """
@@ -11,6 +12,16 @@ import sys
 
 SIZES = {1: 1, 2: 1, 3: 2, 4: 4, 5: 8, 7: 1}
 FORMATS = {1: "B", 2: "B", 3: "H", 4: "I", 7: "B"}
+
+
+def claim(path, width, height, compression):
+    entries = [(256, 4, width), (257, 4, height), (258, 3, 8), (259, 3, compression), (262, 3, 2),
+               (273, 4, 8 + 2 + 12 * 9 + 4), (277, 3, 3), (278, 4, height), (279, 4, 64)]
+    with open(path, "wb") as out:
+        out.write(b"II*\0" + struct.pack("<IH", 8, len(entries)))
+        for tag, kind, value in entries:
+            out.write(struct.pack("<HHII", tag, kind, 1, value))
+        out.write(bytes(4) + bytes(range(64)))
 
 
 def make(path, width, height, samples, bits, photometric, seed):
@@ -92,6 +103,8 @@ def colours(path):
 
 if sys.argv[1] == "make":
     make(sys.argv[2], *map(int, sys.argv[3:]))
+elif sys.argv[1] == "claim":
+    claim(sys.argv[2], *map(int, sys.argv[3:]))
 elif sys.argv[1] == "colours":
     colours(sys.argv[2])
 else:
