@@ -12,7 +12,7 @@ case $mode in
         # What it finds goes to the scratch folder, empty at the start, so that runs are alike.
         rm -rf "$4" && mkdir -p "$4/found"
         check "$name accepts its corpus" "$program" "$corpus"/*
-        check "$name survives seeded inputs" "$program" -seed=1 -runs=10000 -max_total_time=30 \
+        check "$name survives seeded inputs" "$program" -seed=1 -runs=10000 -max_total_time=10 \
             -timeout=10 -rss_limit_mb=2048 -artifact_prefix="$4/" "$4/found" "$corpus" ;;
 esac
 finish
