@@ -470,6 +470,7 @@ EXPORT int fchown(int file, uid_t user, gid_t group) noexcept {
 EXPORT int ftruncate(int file, off_t size) noexcept {
     return fails(Kind::attribute) ? -1 : static_cast<int>(::syscall(SYS_ftruncate, file, size));
 }
+#pragma GCC diagnostic ignored "-Wshadow"  // it has the name of a structure
 EXPORT int flock(int file, int operation) noexcept {
     return fails(Kind::lock) ? -1 : static_cast<int>(::syscall(SYS_flock, file, operation));
 }

@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
 # Runs one part of the fault tests from a copy of the program and the library, with the tests' own
 # plug-in beside it, so that no other run shares the library's folder.
-#   run.sh functions  BUILD FOLDER [OPTION...]     fault_tests
-#   run.sh commands   BUILD FOLDER [OPTION...]     commands.py
-#   run.sh neighbours BUILD FOLDER PART...         neighbour_tests
-# FOLDER is for scratch; it is removed. Windows programs run under Wine.
+#   run.sh functions  BUILD [OPTION...]     fault_tests
+#   run.sh commands   BUILD [OPTION...]     commands.py
+#   run.sh neighbours BUILD PART...         neighbour_tests
+# Windows programs run under Wine.
 set -uo pipefail
-readonly part=$1 build=$2 folder=$3
-shift 3
+readonly part=$1 build=$2
+shift 2
 here=$(cd "$(dirname "$0")" && pwd)
-rm -rf "$folder"
-mkdir -p "$folder/bin" "$folder/lib" || exit 2
+folder=$(mktemp -d)
+mkdir "$folder/bin" "$folder/lib" || exit 2
 trap 'rm -rf "$folder"' EXIT
 if [ -e "$build/bin/KoLink.dll" ]; then
     cp "$build"/bin/{fault_tests.exe,KoLink.dll} "$build/tests/cmyk/plugin/whole/LutRead.dll" \

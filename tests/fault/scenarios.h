@@ -98,7 +98,9 @@ struct Scenario {
     bool overOld = false;   // there is one already
     // What it says when the file cannot be created: done, with the file as it was.
     bool doneWithoutFile = false;
-    // Calls that tell nothing of it: they look for what may as well not be there.
+    // The same when its first allocation fails.
+    bool doneWithoutMemory = false;
+    bool takesLong = false;  // a tenth of a second and more
     std::function<Result(Run&)> run;
     // What it leaves of the record for a file that is not there, which is what a failure may leave
     // too, besides the record as it was; 0: nothing of the kind.
