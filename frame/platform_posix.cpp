@@ -138,12 +138,22 @@ std::vector<std::string> filesMatching(const char* pattern) {
     std::vector<std::string> names;
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), &::closedir);
     if (!entries) return names;
-    while (const dirent* entry = ::readdir(entries.get())) {
-        struct stat status;
-        if (matches(name, entry->d_name) &&
-            ::fstatat(::dirfd(entries.get()), entry->d_name, &status, 0) == 0 && S_ISREG(status.st_mode))
-            names.emplace_back(entry->d_name);
+    const ErrorKeeper keeper;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(entries.get());
+        if (!entry) break;
+        if (!matches(name, entry->d_name)) continue;
+        // The folder itself says what most entries are; the others are looked at.
+        bool isFile = entry->d_type == DT_REG;
+        if (entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN) {
+            struct stat status;
+            isFile = ::fstatat(::dirfd(entries.get()), entry->d_name, &status, 0) == 0 &&
+                     S_ISREG(status.st_mode);
+        }
+        if (isFile) names.emplace_back(entry->d_name);
     }
+    if (errno != 0) names.clear();
     return names;
 }
 

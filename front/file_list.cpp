@@ -1,6 +1,7 @@
 // The ICC profiles of a folder.
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "frame/text.h"
 #include "front/front.h"
@@ -34,10 +35,20 @@ uint32_t signatureOf(const char* text) noexcept {
     return signature;
 }
 
-// A file whose header cannot be read is listed with every colour space.
+// Whether that is why the last call failed.
+bool memoryWasShort() noexcept {
+    const platform::ErrorKeeper keeper;
+    const uint32_t error = platform::lastError();
+    platform::setLastError(platform::Cause::shortMemory);
+    return platform::lastError() == error;
+}
+
+// A file whose header cannot be read is listed with every colour space. Throws std::bad_alloc where
+// that is for want of memory.
 bool passes(const std::string& path, const char* colourSpace) {
     if (!colourSpace) return true;
     const icc::ProfilePtr profile = icc::loadHeader(path.c_str());
+    if (!profile && memoryWasShort()) throw std::bad_alloc();
     return !profile || profile->header.colourSpace == signatureOf(colourSpace);
 }
 

@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 enum Verdict {
     same,     // done, with the results and files of an undisturbed run
     refused,  // the stated failure, everything as it was
-    stated,   // the success that is stated for a file that cannot be created; the old one is there
+    stated,   // the success that is stated for this failure; an old file is there as it was
     crash, hang, exception, wrongSuccess, damaged, leftOver, changedRecord, leak, noReason, unsteady,
     kVerdicts
 };
@@ -215,6 +215,8 @@ private:
             if (((scenario_.doneWithoutFile && notCreated) ||
                  (scenario_.doneWithoutMemory && notBegun)) &&
                 seen.files == before_ && isReasonOf(injection.kind, seen.reason))
+                return stated;
+            if (seen.result.stated && injection.kind != Kind::memory && !isLegal(injection.way))
                 return stated;
             return wrongSuccess;
         }

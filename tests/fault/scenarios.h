@@ -90,6 +90,7 @@ struct Result {
     bool done = false;     // what the function says
     uint64_t results = 0;  // all that it gave back, when it is done
     uint64_t record = 0;   // the host's record when it is not; 0: there is none
+    bool stated = false;   // done, and what it gave back is what is stated for a file that fails
 };
 
 struct Scenario {
