@@ -390,17 +390,22 @@ EXPORT ssize_t writev(int file, const iovec* parts, int count) {
     if (size == all || count == 0) return ::syscall(SYS_writev, file, parts, count);
     return ::syscall(SYS_write, file, parts[0].iov_base, half(parts[0].iov_len));
 }
+bool streamFails(Kind kind, FILE* file) noexcept {
+    if (!fails(kind, Caller::stream)) return false;
+    file->_flags |= _IO_ERR_SEEN;
+    return true;
+}
 EXPORT size_t fread(void* buffer, size_t size, size_t count, FILE* file) {
     static auto* const next_ = real(&::fread, "fread");
-    return fails(Kind::read, Caller::stream) ? 0 : next_(buffer, size, count, file);
+    return streamFails(Kind::read, file) ? 0 : next_(buffer, size, count, file);
 }
 EXPORT size_t fwrite(const void* bytes, size_t size, size_t count, FILE* file) {
     static auto* const next_ = real(&::fwrite, "fwrite");
-    return file != stderr && fails(Kind::write, Caller::stream) ? 0 : next_(bytes, size, count, file);
+    return file != stderr && streamFails(Kind::write, file) ? 0 : next_(bytes, size, count, file);
 }
 EXPORT int fflush(FILE* file) {
     static auto* const next_ = real(&::fflush, "fflush");
-    return file != stderr && fails(Kind::write, Caller::stream) ? EOF : next_(file);
+    return file && file != stderr && streamFails(Kind::write, file) ? EOF : next_(file);
 }
 
 // ---- What becomes of a file ----
