@@ -369,6 +369,7 @@ extern "C" int32_t koPreciseDescribeLink(const KoPreciseLink* link, KoPreciseLin
     info->inkLimit = 100 * l.report.inkLimit;
     info->meanInk = 100 * l.report.meanInk;
     info->tablesInk = 100 * l.report.tablesInk;
+    info->savedInk = 100 * l.report.savedInk;
     const double share = l.report.nodes ? 100.0 / static_cast<double>(l.report.nodes) : 0;
     info->reached = share * static_cast<double>(l.report.reached);
     info->movedBlack = share * static_cast<double>(l.report.movedBlack);

@@ -20,9 +20,10 @@ struct Cell {
     std::array<float, kMostChannels> rests;
 };
 
+template <size_t inputs>
 inline Cell cellOf(const Grid& grid, const double* x) noexcept {
     Cell cell{grid.nodes.data(), {}};
-    for (size_t axis = 0; axis < static_cast<size_t>(grid.inputs); ++axis) {
+    for (size_t axis = 0; axis < inputs; ++axis) {
         const int last = grid.points[axis] - 1;
         const double position = x[axis] > 0 ? x[axis] < 1 ? x[axis] * last : last : 0;
         int index = static_cast<int>(position);
@@ -85,25 +86,29 @@ inline Four allCorners(const float* low, const float* rests, const uint32_t* str
     return corner[0] + (corner[2] - corner[0]) * rests[0];
 }
 
+template <size_t inputs>
 inline Four gridAt(const Grid& grid, const double* x) noexcept {
-    const Cell cell = cellOf(grid, x);
-    if (grid.inputs == 3) {
+    const Cell cell = cellOf<inputs>(grid, x);
+    if constexpr (inputs == 3) {
         if (grid.blended) return allCorners(cell.low, cell.rests.data(), grid.strides.data());
         return tetrahedron(cell.low, cell.rests.data(), grid.strides.data(),
                            orderOf(cell.rests.data()));
-    }
+    } else {
     const auto order = orderOf(&cell.rests[1]);
     const Four a = tetrahedron(cell.low, &cell.rests[1], &grid.strides[1], order);
     const Four b =
         tetrahedron(cell.low + grid.strides[0], &cell.rests[1], &grid.strides[1], order);
     return a + (b - a) * cell.rests[0];
+    }
 }
 
+template <size_t inputs>
 inline Four gridSlopesAt(const Grid& grid, const double* x, Four* slopes) noexcept {
-    const Cell cell = cellOf(grid, x);
-    if (grid.inputs == 3)
+    const Cell cell = cellOf<inputs>(grid, x);
+    if constexpr (inputs == 3) {
         return tetrahedronSlopes(cell.low, cell.rests.data(), grid.strides.data(),
                                  orderOf(cell.rests.data()), slopes);
+    } else {
     const auto order = orderOf(&cell.rests[1]);
     Four lower[3], upper[3];
     const Four a =
@@ -114,6 +119,7 @@ inline Four gridSlopesAt(const Grid& grid, const double* x, Four* slopes) noexce
     for (int axis = 0; axis < 3; ++axis)
         slopes[axis + 1] = lower[axis] + (upper[axis] - lower[axis]) * cell.rests[0];
     return a + slopes[0] * cell.rests[0];
+    }
 }
 
 bool isDiagonal(const Matrix& matrix) noexcept {
@@ -155,6 +161,8 @@ bool Evaluator::prepare() {
             if (!curve.isSampled() && !curve.isIdentity()) return false;
         return true;
     };
+    for (size_t ch = 0; ch < static_cast<size_t>(grid_->inputs); ++ch)
+        steps_[ch] = grid_->scale * (grid_->points[ch] - 1);
     const Curve identity;
     lead_ = grid;
     const std::vector<Curve>* first = nullptr;
@@ -181,36 +189,56 @@ bool Evaluator::prepare() {
     return true;
 }
 
+template <size_t inputs, size_t outputs>
+Colour Evaluator::quickAt(const Colour& in) const noexcept {
+    Colour x;
+    for (size_t ch = 0; ch < inputs; ++ch) x[ch] = in_[ch].at(in[ch]);
+    const Four sum = gridAt<inputs>(*grid_, x.data());
+    Colour out{};
+    for (size_t ch = 0; ch < outputs; ++ch) out[ch] = out_[ch].at(sum[ch] * grid_->scale);
+    return out;
+}
+
 Colour Evaluator::at(const Colour& in) const noexcept {
     if (!quick_) return pipeline_.at(in);
     Colour x = in;
     // A matrix that encodes is all that usually stands here.
     for (size_t stage = 0; stage < lead_; ++stage) x = pipeline_.stageAt(stage, x);
-    for (size_t ch = 0; ch < static_cast<size_t>(grid_->inputs); ++ch) x[ch] = in_[ch].at(x[ch]);
-    const Four sum = gridAt(*grid_, x.data());
-    Colour out{};
-    for (size_t ch = 0; ch < static_cast<size_t>(grid_->outputs); ++ch)
-        out[ch] = out_[ch].at(sum[ch] * grid_->scale);
-    return out;
+    switch (grid_->inputs * 8 + grid_->outputs) {
+        case 3 * 8 + 1: return quickAt<3, 1>(x);
+        case 3 * 8 + 3: return quickAt<3, 3>(x);
+        case 3 * 8 + 4: return quickAt<3, 4>(x);
+        case 4 * 8 + 3: return quickAt<4, 3>(x);
+        case 4 * 8 + 4: return quickAt<4, 4>(x);
+        default: return pipeline_.at(in);
+    }
 }
 
-Slopes Evaluator::slopesAt(const Colour& in) const noexcept {
-    if (!quick_ || lead_ != 0 || (grid_->inputs == 3 && grid_->blended))
-        return pipeline_.slopesAt(in);
-    Colour x{}, steep{};
-    const auto inputs = static_cast<size_t>(grid_->inputs);
+template <size_t inputs>
+void Evaluator::quickSlopesAt(const Colour& in, Slopes& result) const noexcept {
+    Colour x, steep;
     for (size_t ch = 0; ch < inputs; ++ch) {
         x[ch] = in_[ch].at(in[ch], steep[ch]);
-        steep[ch] *= grid_->scale * (grid_->points[ch] - 1);
+        steep[ch] *= steps_[ch];
     }
     Four slopes[4];
-    const Four sum = gridSlopesAt(*grid_, x.data(), slopes);
-    Slopes result;
-    for (size_t ch = 0; ch < static_cast<size_t>(grid_->outputs); ++ch) {
+    const Four sum = gridSlopesAt<inputs>(*grid_, x.data(), slopes);
+    for (size_t ch = 0; ch < 3; ++ch) {
         double slope;
         result.value[ch] = out_[ch].at(sum[ch] * grid_->scale, slope);
         for (size_t axis = 0; axis < inputs; ++axis)
             result.slopes[ch][axis] = slope * (slopes[axis][ch] * steep[axis]);
+    }
+}
+
+Slopes Evaluator::slopesAt(const Colour& in) const noexcept {
+    Slopes result;
+    if (!quick_ || lead_ != 0 || grid_->outputs != 3 || grid_->blended) {
+        result = pipeline_.slopesAt(in);
+    } else if (grid_->inputs == 4) {
+        quickSlopesAt<4>(in, result);
+    } else {
+        quickSlopesAt<3>(in, result);
     }
     return result;
 }

@@ -58,11 +58,16 @@ public:
 
 private:
     bool prepare();
+    template <size_t inputs, size_t outputs>
+    Colour quickAt(const Colour& in) const noexcept;
+    template <size_t inputs>
+    void quickSlopesAt(const Colour& in, Slopes& result) const noexcept;
     Pipeline pipeline_;
     bool quick_ = false;
     size_t lead_ = 0;  // stages before the curves of the table
     std::array<QuickCurve, kMostChannels> in_, out_;
     const Grid* grid_ = nullptr;
+    Colour steps_{};  // cells an axis, times the grid's scale
 };
 
 }  // namespace ko::precise

@@ -16,11 +16,18 @@ constexpr int32_t kNoPart = 0, kSourcePart = 1, kDestinationPart = 2, kBasePart 
 
 // Near pure black the colour that is looked for moves to what pure black alone gives, so that a
 // tint of colour in it does not ring; from this share of colour on it is the source's own.
-constexpr double kNearBlack = 0.12;
+constexpr double kNearBlack = 0.06;
+constexpr double kNearBlackGrowth = 0.015;  // for each unit that pure black is off
+constexpr double kFarthestFromBlack = 0.25;
 // Black's curve leaves the source's look here, for its top to be full black.
 constexpr double kBlackTop = 0.94;
 // Outside the gamut the projection gives way to the inverse table over these units.
 constexpr double kBorder = 6;
+// Ink is saved in full this many units of L* below the stated lightness.
+constexpr double kSavingFade = 20;
+// What black short of full costs while the most of it is looked for: next to nothing beside a
+// colour that is off.
+constexpr double kSavingWeight = 0.02;
 
 double smooth(double x) noexcept {  // 0..1 with level ends
     const double t = std::clamp(x, 0.0, 1.0);
@@ -72,8 +79,8 @@ public:
         }
         makeNodes();
         link_->report.nodes = nodeCount();
-        link_->report.meanInk /= static_cast<double>(nodeCount());
-        link_->report.tablesInk /= static_cast<double>(nodeCount());
+        if (toCmyk()) compareInk();
+        link_->report.savedInk /= static_cast<double>(nodeCount());
         return std::move(link_);
     }
 
@@ -276,6 +283,36 @@ private:
                 }
     }
 
+    // What the link takes and what the tables would take, over every other node of each axis.
+    void compareInk() noexcept {
+        const int n = link_->gridPoints;
+        double here = 0, there = 0;
+        uint64_t counted = 0;
+        const size_t count = nodeCount();
+        const size_t width = static_cast<size_t>(link_->bits / 8);
+        for (size_t at = 0; at < count; ++at) {
+            Colour in{};
+            bool even = true;
+            size_t rest = at;
+            for (int axis = link_->inputs - 1; axis >= 0; --axis) {
+                const int index = static_cast<int>(rest % static_cast<size_t>(n));
+                rest /= static_cast<size_t>(n);
+                even = even && index % 2 == 0;
+                in[static_cast<size_t>(axis)] = link_->level(index);
+            }
+            if (!even) continue;
+            ++counted;
+            const uint8_t* node = &link_->table[at * 4 * width];
+            for (size_t ch = 0; ch < 4; ++ch)
+                here += width == 1 ? node[ch] / 255.0
+                                   : (node[2 * ch] << 8 | node[2 * ch + 1]) / 65535.0;
+            const Colour inks = inverse_->at(wanted_->at(in));
+            for (const double ink : inks) there += std::clamp(ink, 0.0, 1.0);
+        }
+        link_->report.meanInk = here / static_cast<double>(counted);
+        link_->report.tablesInk = there / static_cast<double>(counted);
+    }
+
     // The bounds that inks which stay alone put on the others; false when every ink may be there.
     bool keptAlone(const Colour& inks, Colour& high) const noexcept {
         if (o_.preserve == Preserve::none) return false;
@@ -349,34 +386,42 @@ private:
     // K from the source through the curve of pure black.
     Colour onPlane(Triple lab, const Colour& in, const Colour& high, bool alone) noexcept {
         const double colour = std::max({in[0], in[1], in[2]});
-        if (colour < kNearBlack) {
-            const double share = 1 - colour / kNearBlack;
+        if (colour < kFarthestFromBlack) {
             const Triple shift = blackShift(in[3]);
-            for (size_t i = 0; i < 3; ++i) lab[i] += share * share * shift[i];
+            const double size = std::sqrt(shift[0] * shift[0] + shift[1] * shift[1] +
+                                          shift[2] * shift[2]);
+            const double reach = std::min(kNearBlack + kNearBlackGrowth * size, kFarthestFromBlack);
+            const double share = 1 - smooth(colour / reach);
+            for (size_t i = 0; i < 3; ++i) lab[i] += share * shift[i];
         }
         const double black = curve_.at(in[3]);
         Colour start = expected(in);
         start[3] = black;
-        if (!alone && o_.saveInk == 0) {
+        const bool saves = o_.saveInk > 0 && !alone;
+        if (!alone && !saves) {
             if (const auto inside = solveInside(*forward_, lab, start);
                 inside && sumOf(*inside) <= limit_) {
                 ++link_->report.reached;
                 follow(*inside);
+                lastMove_ = 0;
                 return *inside;
             }
         }
         Wish wish;
         wish.lab = lab;
         wish.start = start;
+        if (trail_ > 0) wish.start[3] = std::clamp(black + lastMove_, 0.0, 1.0);
         wish.reference = in;
         wish.high = high;
         wish.black = std::min(black, high[3]);
         wish.total = limit_;
-        const Answer answer = solve(*forward_, wish);
+        Answer answer = solve(*forward_, wish);
+        follow(answer.inks);
+        lastMove_ = answer.inks[3] - black;
+        if (saves) answer = saving(wish, answer);
         if (answer.distance < 1) ++link_->report.reached;
         if (std::abs(answer.inks[3] - black) > 0.004) ++link_->report.movedBlack;
         if (sumOf(answer.inks) > limit_ - 1e-6) ++link_->report.limited;
-        follow(answer.inks);
         return answer.inks;
     }
 
@@ -384,12 +429,12 @@ private:
     Colour byTables(const Triple& lab, const Colour& high, bool alone) noexcept {
         Colour table = inverse_->at({lab[0], lab[1], lab[2], 0});
         for (double& ink : table) ink = std::clamp(ink, 0.0, 1.0);
-        link_->report.tablesInk += sumOf(table);
         if (!inverted_) {
             ++link_->report.reached;
             return table;
         }
-        if (!alone) {
+        const bool saves = o_.saveInk > 0 && !alone;
+        if (!alone && !saves) {
             if (const auto inside = solveInside(*forward_, lab, table);
                 inside && sumOf(*inside) <= limit_) {
                 ++link_->report.reached;
@@ -404,7 +449,8 @@ private:
         wish.black = std::min(table[3], high[3]);
         wish.blackWeight = 400;
         wish.total = limit_;
-        const Answer answer = solve(*forward_, wish);
+        Answer answer = solve(*forward_, wish);
+        if (saves) answer = saving(wish, answer);
         if (answer.distance < 1) ++link_->report.reached;
         if (sumOf(answer.inks) > limit_ - 1e-6) ++link_->report.limited;
         if (alone) return answer.inks;
@@ -413,6 +459,28 @@ private:
         for (size_t i = 0; i < 4; ++i)
             out[i] = answer.inks[i] + weight * (table[i] - answer.inks[i]);
         return out;
+    }
+
+    // The same colour with more black: part of the way to the most with which the colours still
+    // reach it. Light colours keep what they have.
+    Answer saving(Wish wish, const Answer& answer) noexcept {
+        const double share =
+            o_.saveInk / 100 * (1 - smooth((wish.lab[0] - o_.saveInkAbove) / kSavingFade + 1));
+        if (!(share > 0)) return answer;
+        Wish most = wish;
+        most.start = answer.inks;
+        most.reference = answer.inks;
+        most.black = 1;
+        most.blackWeight = kSavingWeight;
+        const Colour full = solve(*forward_, most).inks;
+        if (!(full[3] > answer.inks[3])) return answer;
+        for (size_t i = 0; i < 4; ++i)
+            wish.start[i] = answer.inks[i] + share * (full[i] - answer.inks[i]);
+        wish.black = wish.start[3];
+        wish.reference = wish.start;
+        const Answer saved = solve(*forward_, wish);
+        link_->report.savedInk += sumOf(answer.inks) - sumOf(saved.inks);
+        return saved;
     }
 
     // Where the two solutions before this one lead to.
@@ -457,7 +525,6 @@ private:
                 levels[strongest] -= less;
                 sum -= less;
             }
-            link.report.meanInk += static_cast<double>(sum) / top;
         }
         uint8_t* to = &link.table[node * outputs * static_cast<size_t>(link.bits / 8)];
         for (size_t ch = 0; ch < outputs; ++ch) {
@@ -478,6 +545,7 @@ private:
     BlackCurve curve_;
     std::array<Triple, BlackCurve::kLast + 1> blackLab_{}, blackShift_{};
     Colour last_{}, before_{};
+    double lastMove_ = 0;  // of black from its plane
     int trail_ = 0;
 };
 

@@ -9,8 +9,10 @@ namespace {
 // A pull towards the reference keeps dark colours, where many mixes look alike, from wandering;
 // it costs less than 0.001 units where colours can be told apart.
 constexpr double kPull = 0.01;
-constexpr int kSteps = 24;
-constexpr double kNear = 0.01;  // units of L*a*b* that a solution may be off
+constexpr int kSteps = 16;
+constexpr double kGain = 1e-4;      // squared units that another step has to be worth
+constexpr double kLastGain = 4e-3;  // below it a step is taken on the slopes' word
+constexpr double kNear = 0.08;  // units of L*a*b* from which one step more is enough
 constexpr double kFlat = 2000;  // the least volume of a cell's slopes for plain steps
 
 struct Weights {  // rows of a matrix over dL, da, db: lightness, chroma, hue
@@ -19,7 +21,7 @@ struct Weights {  // rows of a matrix over dL, da, db: lightness, chroma, hue
 
 Weights weightsFor(const Triple& lab) noexcept {
     const double chroma = std::sqrt(lab[1] * lab[1] + lab[2] * lab[2]);
-    Weights w{1, 1 / (1 + 0.045 * chroma), 1 / (1 + 0.015 * chroma), 1, 0};
+    Weights w{1, 1 / (1 + 0.09 * chroma), 1 / (1 + 0.012 * chroma), 1, 0};
     if (chroma > 1e-9) {
         w.cosine = lab[1] / chroma;
         w.sine = lab[2] / chroma;
@@ -31,31 +33,33 @@ Triple weighted(const Weights& w, double l, double a, double b) noexcept {
     return {w.l * l, w.c * (w.cosine * a + w.sine * b), w.h * (w.cosine * b - w.sine * a)};
 }
 
-// Cholesky's decomposition of the first n rows in place; false when it is not positive.
+// h = L D L' of the first n rows in place, the diagonal holding 1 / D; false when a pivot is not
+// positive.
 bool decompose(double (&h)[4][4], int n) noexcept {
-    for (int i = 0; i < n; ++i)
-        for (int j = 0; j <= i; ++j) {
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j < i; ++j) {
             double sum = h[i][j];
             for (int k = 0; k < j; ++k) sum -= h[i][k] * h[j][k];
-            if (i == j) {
-                if (!(sum > 1e-12)) return false;
-                h[i][i] = std::sqrt(sum);
-            } else {
-                h[i][j] = sum / h[j][j];
-            }
+            h[i][j] = sum;  // L times D until the row is whole
         }
+        double pivot = h[i][i];
+        for (int j = 0; j < i; ++j) {
+            const double l = h[i][j] * h[j][j];
+            pivot -= h[i][j] * l;
+            h[i][j] = l;
+        }
+        if (!(pivot > 1e-12)) return false;
+        h[i][i] = 1 / pivot;
+    }
     return true;
 }
 
 void backSolve(const double (&h)[4][4], int n, double* x) noexcept {
-    for (int i = 0; i < n; ++i) {
+    for (int i = 1; i < n; ++i)
         for (int k = 0; k < i; ++k) x[i] -= h[i][k] * x[k];
-        x[i] /= h[i][i];
-    }
-    for (int i = n - 1; i >= 0; --i) {
+    for (int i = 0; i < n; ++i) x[i] *= h[i][i];
+    for (int i = n - 2; i >= 0; --i)
         for (int k = i + 1; k < n; ++k) x[i] -= h[k][i] * x[k];
-        x[i] /= h[i][i];
-    }
 }
 
 class Solver {
@@ -74,7 +78,11 @@ public:
         for (int round = 0; round < kSteps; ++round) {
             Colour next{};
             const double predicted = step(damping, next);
-            if (!(predicted > 1e-9)) break;
+            if (!(predicted > kGain)) break;
+            if (predicted < kLastGain && damping < 1e-3) {
+                finish(next);
+                break;
+            }
             const Slopes before = at_;
             const Triple residual = residual_;
             const double cost = cost_;
@@ -83,7 +91,7 @@ public:
             if (cost_ < cost) {
                 p_ = next;
                 damping = std::max(damping * 0.1, 1e-6);
-                if (cost - cost_ < 1e-8) break;
+                if (cost - cost_ < kGain) break;
                 continue;
             }
             at_ = before;
@@ -126,6 +134,16 @@ private:
             const double off = inks[static_cast<size_t>(i)] - aim(i);
             cost_ += pull(i) * off * off;
         }
+    }
+    // A small step whose result the slopes tell well enough.
+    void finish(const Colour& next) noexcept {
+        Triple moved{};
+        for (size_t row = 0; row < 3; ++row)
+            for (size_t ink = 0; ink < static_cast<size_t>(n_); ++ink)
+                moved[row] += at_.slopes[row][ink] * (next[ink] - p_[ink]);
+        const Triple change = weighted(weights_, moved[0], moved[1], moved[2]);
+        for (size_t row = 0; row < 3; ++row) residual_[row] += change[row];
+        p_ = next;
     }
     double pull(int ink) const noexcept { return ink == 3 ? wish_.blackWeight : kPull; }
     double aim(int ink) const noexcept {
@@ -250,9 +268,6 @@ std::optional<Colour> solveInside(const Evaluator& forward, const Triple& lab,
     Colour p = start;
     for (int round = 0; round < 6; ++round) {
         const Slopes at = forward.slopesAt(p);
-        const double r0 = lab[0] - at.value[0], r1 = lab[1] - at.value[1],
-                     r2 = lab[2] - at.value[2];
-        if (r0 * r0 + r1 * r1 + r2 * r2 < kNear * kNear) return p;
         const Colour &a = at.slopes[0], &b = at.slopes[1], &c = at.slopes[2];
         const double m0 = b[1] * c[2] - b[2] * c[1];
         const double m1 = b[2] * c[0] - b[0] * c[2];
@@ -260,11 +275,24 @@ std::optional<Colour> solveInside(const Evaluator& forward, const Triple& lab,
         const double determinant = a[0] * m0 + a[1] * m1 + a[2] * m2;
         if (!(determinant > kFlat || determinant < -kFlat)) return std::nullopt;
         const double f = 1 / determinant;
-        p[0] += f * (m0 * r0 + (a[2] * c[1] - a[1] * c[2]) * r1 + (a[1] * b[2] - a[2] * b[1]) * r2);
-        p[1] += f * (m1 * r0 + (a[0] * c[2] - a[2] * c[0]) * r1 + (a[2] * b[0] - a[0] * b[2]) * r2);
-        p[2] += f * (m2 * r0 + (a[1] * c[0] - a[0] * c[1]) * r1 + (a[0] * b[1] - a[1] * b[0]) * r2);
-        for (size_t i = 0; i < 3; ++i)
-            if (!(p[i] >= 0 && p[i] <= 1)) return std::nullopt;
+        const double inverse[3][3] = {
+            {f * m0, f * (a[2] * c[1] - a[1] * c[2]), f * (a[1] * b[2] - a[2] * b[1])},
+            {f * m1, f * (a[0] * c[2] - a[2] * c[0]), f * (a[2] * b[0] - a[0] * b[2])},
+            {f * m2, f * (a[1] * c[0] - a[0] * c[1]), f * (a[0] * b[1] - a[1] * b[0])}};
+        // Two steps with the same slopes: the second one mends what they overlooked.
+        Triple off = {lab[0] - at.value[0], lab[1] - at.value[1], lab[2] - at.value[2]};
+        for (int half = 0;; ++half) {
+            const double square = off[0] * off[0] + off[1] * off[1] + off[2] * off[2];
+            for (size_t i = 0; i < 3; ++i) {
+                p[i] += inverse[i][0] * off[0] + inverse[i][1] * off[1] + inverse[i][2] * off[2];
+                if (!(p[i] >= 0 && p[i] <= 1)) return std::nullopt;
+            }
+            // Slopes are good to a fifth or so over such a step.
+            if (square < kNear * kNear) return p;
+            if (half == 1) break;
+            const Colour now = forward.at(p);
+            off = {lab[0] - now[0], lab[1] - now[1], lab[2] - now[2]};
+        }
     }
     return std::nullopt;
 }

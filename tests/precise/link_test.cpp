@@ -161,6 +161,35 @@ TEST(PreciseLink, EveryNodeKeepsTheInkLimit) {
         }
 }
 
+TEST(PreciseLink, SavesInkByBlackWithoutChangingTheLookAndSparesHighlights) {
+    LinkOptions options = small();
+    const auto plain = made(options);
+    double before = 0;
+    for (const double saving : {50.0, 100.0}) {
+        options.saveInk = saving;
+        const auto link = made(options);
+        EXPECT_GT(link->report.savedInk, before + 0.01);
+        EXPECT_LT(link->report.meanInk, plain->report.meanInk - 0.01);
+        before = link->report.savedInk;
+        for (const Colour in : {Colour{0.5, 0.5, 0.5, 0.25}, Colour{0.625, 0.375, 0.5, 0}}) {
+            EXPECT_LT(distance(looks(pressB(), link->at(in)), looks(pressA(), in)), 0.2);
+            EXPECT_GT(link->at(in)[3], plain->at(in)[3] + 0.02);
+        }
+        const Colour light = {0.125, 0.125, 0.25, 0};
+        EXPECT_EQ(link->at(light), plain->at(light));
+    }
+}
+
+TEST(PreciseLink, ClipsTintsThatSpecksComeFrom) {
+    LinkOptions options = small();
+    options.clip = 1;
+    const auto link = made(options);
+    for (size_t at = 0; at < link->table.size(); at += 2) {
+        const int level = link->table[at] << 8 | link->table[at + 1];
+        EXPECT_TRUE(level == 0 || level == 65535 || (level >= 655 && level <= 64225)) << level;
+    }
+}
+
 TEST(PreciseLink, TheSameProfileTwiceIsAnIdentityWithinALevel) {
     LinkOptions options = small();
     options.bits = 8;
