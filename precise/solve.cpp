@@ -12,7 +12,7 @@ constexpr double kPull = 0.01;
 constexpr int kSteps = 16;
 constexpr double kGain = 1e-4;      // squared units that another step has to be worth
 constexpr double kLastGain = 4e-3;  // below it a step is taken on the slopes' word
-constexpr double kNear = 0.08;  // units of L*a*b* from which one step more is enough
+constexpr double kNear = 0.04;  // units of L*a*b* from which one step more is enough
 constexpr double kFlat = 2000;  // the least volume of a cell's slopes for plain steps
 
 struct Weights {  // rows of a matrix over dL, da, db: lightness, chroma, hue
@@ -190,7 +190,7 @@ private:
             int index[4], count = 0;
             for (int i = 0; i < n_; ++i)
                 if (free[i]) index[count++] = i;
-            if (count == 0) return 0;
+            if (count == 0) break;  // every ink goes to a bound
             double rest[4];
             for (int i = 0; i < count; ++i) {
                 rest[i] = -gradient[index[i]];
