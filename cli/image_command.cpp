@@ -136,6 +136,7 @@ void convertImage(const Options& options) {
         forgetTiffError();
         prepareOutput(out.get(), page, conversion->output, bits, profile);
         copyTags(in.get(), out.get());
+        requireWholeReading(file.path);
 
         std::vector<TiffPtr> more;
         RowReader reader(file.path, page, channelHandles(file.path, page, in.get(), number, more));
@@ -156,6 +157,7 @@ void convertImage(const Options& options) {
         if (!TIFFWriteDirectory(out.get())) failToWrite(options.output, made);
         page = readPage(file, in.get());
     }
+    requireWholeReading(file.path);
     forgetTiffError();
     if (!TIFFFlush(out.get())) failToWrite(options.output, made);
     out.reset();

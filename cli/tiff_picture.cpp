@@ -1,10 +1,12 @@
 #include "cli/tiff_picture.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 
 #include "cli/errors.h"
+#include "cli/system.h"
 
 namespace ko::cli {
 namespace {
@@ -22,6 +24,39 @@ void noteError(const char* module, const char* format, va_list arguments) {
     std::vsnprintf(gTiffError + length, sizeof gTiffError - static_cast<size_t>(length), format, arguments);
 }
 void ignoreWarning(const char*, const char*, va_list) {}
+
+// The picture that is read goes through a stream of ours. The TIFF library takes a tag that could
+// not be read for one that is not there, and a picture without the lengths of its strips would be
+// another picture; so the first failed read is kept and ends the work.
+uint32_t gReadFailure = 0;
+
+std::FILE* streamOf(thandle_t handle) { return static_cast<std::FILE*>(handle); }
+
+tmsize_t readGiven(thandle_t handle, void* buffer, tmsize_t size) {
+    std::FILE* const stream = streamOf(handle);
+    errno = 0;
+    const size_t got = std::fread(buffer, 1, static_cast<size_t>(size), stream);
+    if (got < static_cast<size_t>(size) && std::ferror(stream)) {
+        if (gReadFailure == 0) gReadFailure = static_cast<uint32_t>(errno ? errno : EIO);
+        return -1;
+    }
+    return static_cast<tmsize_t>(got);
+}
+tmsize_t writeNever(thandle_t, void*, tmsize_t) { return -1; }
+toff_t seekGiven(thandle_t handle, toff_t offset, int from) {
+    std::FILE* const stream = streamOf(handle);
+    if (offset > static_cast<toff_t>(INT64_MAX)) return static_cast<toff_t>(-1);
+    if (std::fseek(stream, static_cast<long>(offset), from) != 0) return static_cast<toff_t>(-1);
+    return static_cast<toff_t>(std::ftell(stream));
+}
+toff_t sizeGiven(thandle_t handle) {
+    std::FILE* const stream = streamOf(handle);
+    const long here = std::ftell(stream);
+    if (here < 0 || std::fseek(stream, 0, SEEK_END) != 0) return 0;
+    const long size = std::ftell(stream);
+    return std::fseek(stream, here, SEEK_SET) == 0 && size > 0 ? static_cast<toff_t>(size) : 0;
+}
+int closeGiven(thandle_t handle) { return std::fclose(streamOf(handle)); }
 
 NewFile& fileOf(thandle_t handle) { return *static_cast<NewFile*>(handle); }
 
@@ -73,11 +108,21 @@ void failWith(const std::string& path, const std::string& what) {
     failOn(path, gTiffError[0] == 0 ? what : what + " (" + printable(gTiffError) + ")");
 }
 
+void requireWholeReading(const std::string& path) {
+    if (gReadFailure != 0) failOn(path, "cannot be read: " + system::errorText(gReadFailure));
+}
+
 TiffPtr openTiff(const std::string& path) {
     forgetTiffError();
+    gReadFailure = 0;
     TIFFSetErrorHandler(noteError);
     TIFFSetWarningHandler(ignoreWarning);
-    TiffPtr tiff(TIFFOpen(path.c_str(), "rm"));  // not mapped: a picture does not fill the memory
+    std::FILE* const stream = std::fopen(path.c_str(), "rbe");
+    if (!stream) failOn(path, "cannot be read: " + system::errorText(static_cast<uint32_t>(errno)));
+    TiffPtr tiff(TIFFClientOpen(path.c_str(), "rm", stream, readGiven, writeNever, seekGiven, closeGiven,
+                                sizeGiven, nullptr, nullptr));
+    if (!tiff) std::fclose(stream);  // it is the TIFF library's only once that has opened it
+    requireWholeReading(path);
     if (!tiff) failWith(path, "is not a TIFF picture");
     return tiff;
 }
@@ -89,6 +134,7 @@ TiffPtr newTiff(NewFile& file, bool large) {
 
 Page readPage(const InputFile& file, TIFF* tiff) {
     const std::string& path = file.path;
+    requireWholeReading(path);
     Page page;
     uint16_t photometric = 0xffff, layout = PLANARCONFIG_CONTIG, format = SAMPLEFORMAT_UINT, inks = INKSET_CMYK;
     TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &page.width);
@@ -116,6 +162,7 @@ Page readPage(const InputFile& file, TIFF* tiff) {
     else failOn(path, "is neither an RGB nor a CMYK picture (photometric interpretation " +
                           std::to_string(photometric) + ", " + std::to_string(page.samples) + " samples)");
     if (page.samples > 32) failOn(path, "has " + std::to_string(page.samples) + " samples a pixel");
+    requireWholeReading(path);
     requirePixels(file, page);
     return page;
 }
@@ -130,6 +177,7 @@ std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIF
             failWith(path, "cannot be read");
         handles.push_back(more.back().get());
     }
+    requireWholeReading(path);
     return handles;
 }
 
@@ -157,6 +205,7 @@ void RowReader::read(uint32_t row, uint8_t* pixels) {
     for (size_t at = 0; at < (page_.planar ? channels_ : 1); ++at)
         if (TIFFReadScanline(handles_[at], &buffer_[at * plane], row, static_cast<uint16_t>(at)) < 0)
             failWith(path_, "cannot be read at row " + std::to_string(row + 1));
+    requireWholeReading(path_);
     for (size_t channel = 0; channel < channels_; ++channel) {
         const size_t step = page_.planar ? 1 : page_.samples;
         const uint8_t* const from = &buffer_[page_.planar ? channel * plane : channel * (page_.bits / 8)];
@@ -186,6 +235,7 @@ void RowReader::readTiled(uint32_t row, uint8_t* pixels) {
                 if (TIFFReadTile(handles_[0], &buffer_[(plane * across + tile) * tileBytes_], tile * tileWidth_,
                                  row, 0, static_cast<uint16_t>(plane)) < 0)
                     failWith(path_, "cannot be read at row " + std::to_string(row + 1));
+    requireWholeReading(path_);
     const size_t sample = page_.bits / 8u;
     const size_t step = page_.planar ? 1 : page_.samples;
     const size_t line = size_t{row % tileHeight_} * tileWidth_ * step * sample;

@@ -25,6 +25,9 @@ bool hasTiffError();
 [[noreturn]] void failWith(const std::string& path, const std::string& what);  // with that error
 
 TiffPtr openTiff(const std::string& path);  // to be read; fails with a clear line
+// Fails when a read of the picture opened last has failed, also one of a tag that the TIFF library
+// then took for absent.
+void requireWholeReading(const std::string& path);
 // A picture that is written through the door, which outlives it. Null: see hasTiffError.
 TiffPtr newTiff(NewFile& file, bool large);
 
