@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "frame/arithmetic_mode.h"
 #include "frame/boundary.h"
 #include "frame/text.h"
 
@@ -43,6 +44,7 @@ extern "C" int32_t jKoCalibReleaseCurve(CalibCurveSet* set) {
 }
 
 extern "C" int32_t jKoCalibInitCurve(CalibCurveSet* set) {
+    const ko::ArithmeticMode arithmetic;
     if (!set) return 0;
     ko::calib::initCurve(*set);
     return 1;
@@ -67,14 +69,17 @@ extern "C" int32_t jKoCalibGetCurveInfo(const CalibCurveSet* set, int32_t* chann
 }
 
 extern "C" float jKoCalibGetToneValue(const CalibCurveSet* set, int32_t channel, float x) {
+    const ko::ArithmeticMode arithmetic;
     return set ? ko::calib::toneValue(*set, channel, x) : 0.0f;
 }
 
 extern "C" int32_t jKoCalibSetToneValue(CalibCurveSet* set, int32_t channel, float x, float y) {
+    const ko::ArithmeticMode arithmetic;
     return set && ko::calib::setToneValue(*set, channel, x, y);
 }
 
 extern "C" int32_t jKoCalibDeleteToneValue(CalibCurveSet* set, int32_t channel, float x) {
+    const ko::ArithmeticMode arithmetic;
     return set && ko::calib::deleteToneValue(*set, channel, x);
 }
 

@@ -1,5 +1,6 @@
 // The exported functions of the small tables, and the rows of the profile.
 #include "cmyk/cmyk.h"
+#include "frame/arithmetic_mode.h"
 #include "frame/boundary.h"
 
 static_assert(sizeof(CmykLut) == 334084 && sizeof(RgbLut) == 19652);
@@ -63,15 +64,18 @@ extern "C" int32_t jKoRgbRGBtoRGB16(const RgbLut* table, int32_t* rgb) {
 
 extern "C" void jKoCmykLutCMYKtoCMYK16Row(const CmykLut* table, const uint8_t* input,
                                           int32_t pixels, uint16_t* output) {
+    const ko::ArithmeticMode arithmetic;
     ko::cmyk::lutCmykToCmyk16Row(*table, input, pixels, output);
 }
 
 extern "C" void jKoRgbRGBtoRGB16Row(const RgbLut* table, const uint8_t* input, int32_t pixels,
                                     uint16_t* output) {
+    const ko::ArithmeticMode arithmetic;
     ko::cmyk::rgbToRgb16Row(*table, input, pixels, output);
 }
 
 extern "C" void jKoCmykCMYKtoCMYK16Row(const CmykProfile* profile, const uint8_t* input,
                                        int32_t pixels, uint16_t* output) {
+    const ko::ArithmeticMode arithmetic;
     ko::cmyk::cmykToCmyk16Row(*profile, input, pixels, output);
 }

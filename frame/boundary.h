@@ -1,8 +1,11 @@
-// The exported functions' last line: no exception crosses the C boundary.
+// The exported functions' last line: no exception crosses the C boundary, and what the host has
+// set for its thread does not cross it either.
 #pragma once
 
 #include <utility>
 
+#include "frame/arithmetic_mode.h"
+#include "frame/exception_room.h"
 #include "frame/platform.h"
 
 namespace ko {
@@ -10,6 +13,12 @@ namespace ko {
 // Runs work and returns its result; failure, with its reason, when memory runs out inside.
 template <class Result, class Work>
 Result atBoundary(Result failure, Work&& work) noexcept {
+    const ExceptionRoom room;
+    if (!room.entered()) {
+        platform::setLastError(platform::Cause::shortMemory);
+        return failure;
+    }
+    const ArithmeticMode arithmetic;
     try {
         return std::forward<Work>(work)();
     } catch (...) {

@@ -104,6 +104,11 @@ void adoptSeparators(std::string& path);  // a relative path as the other platfo
 bool isAbsolute(std::string_view path) noexcept;  // leads to one place whatever is current
 bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept;
 
+// One pointer of each thread's own; null until it is set. Reading it does not touch the thread's
+// last error. Setting it fails where the system has no room for it.
+void* threadPointer() noexcept;
+[[nodiscard]] bool setThreadPointer(void* pointer) noexcept;
+
 // This library (or the program that it is built into).
 void* moduleHandle() noexcept;
 bool modulePath(char (&path)[kPathSize]) noexcept;  // false when it does not fit

@@ -224,6 +224,18 @@ bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept try {
     return false;
 }
 
+namespace {
+// In memory that every thread has from its start. Otherwise it would be allocated when a thread
+// first asks for it, and the process would end where memory is short.
+[[gnu::tls_model("initial-exec")]] constinit thread_local void* pointerOfThisThread = nullptr;
+}  // namespace
+
+void* threadPointer() noexcept { return pointerOfThisThread; }
+bool setThreadPointer(void* pointer) noexcept {
+    pointerOfThisThread = pointer;
+    return true;
+}
+
 void* moduleHandle() noexcept {
     Dl_info info;
     return ::dladdr(reinterpret_cast<void*>(&moduleHandle), &info) ? info.dli_fbase : nullptr;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;  // set by the linker: the module that this is built into
 
@@ -167,6 +168,29 @@ bool fullPath(const char* path, char (&absolute)[kPathSize]) noexcept {
 }
 
 void adoptSeparators(std::string&) {}  // Windows takes both
+
+namespace {
+// The compiler's own thread-local variables are allocated when a thread first needs one, and end
+// the process where memory is short.
+constinit DWORD threadSlot = TLS_OUT_OF_INDEXES;  // reads as null until there is one
+class ThreadSlot {
+public:
+    ThreadSlot() noexcept { threadSlot = ::TlsAlloc(); }
+    ~ThreadSlot() {
+        if (threadSlot != TLS_OUT_OF_INDEXES)
+            ::TlsFree(std::exchange(threadSlot, TLS_OUT_OF_INDEXES));
+    }
+};
+const ThreadSlot threadSlotOfThisModule;
+}  // namespace
+
+void* threadPointer() noexcept {
+    const DWORD error = ::GetLastError();
+    void* const pointer = ::TlsGetValue(threadSlot);
+    ::SetLastError(error);
+    return pointer;
+}
+bool setThreadPointer(void* pointer) noexcept { return ::TlsSetValue(threadSlot, pointer) != 0; }
 
 void* moduleHandle() noexcept { return thisModule(); }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/exception_room.h"
 #include "frame/settings.h"
 #include "frame/text.h"
 
@@ -67,6 +68,7 @@ const ProcessState& processState() noexcept { return state; }
 
 void attach(const AttachSettings& settings) noexcept {
     if (attached) return;
+    const ExceptionRoom room;  // for what is thrown where memory is short
     attached = true;
     state.moduleHandle = platform::moduleHandle();
     const bool located = settings.modulePath

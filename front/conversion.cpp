@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "frame/arithmetic.h"
+#include "frame/arithmetic_mode.h"
 #include "front/current_links.h"
 #include "front/front.h"
 #include "grid/bytes.h"
@@ -47,6 +48,7 @@ void throughLink(const LinkProfile& link, const uint8_t* input, int32_t pixels,
 Cmyk rgbToCmyk(int32_t r, int32_t g, int32_t b) noexcept {
     int32_t values[4] = {level(r), level(g), level(b), 0};
     if (const LinkProfile* current = rgbToCmykLink()) {
+        const ArithmeticMode arithmetic;  // the tables need none: they are integers alone
         link::convert(*current, values);
         for (int32_t& value : values) value /= 16;
     } else {
@@ -58,6 +60,7 @@ Cmyk rgbToCmyk(int32_t r, int32_t g, int32_t b) noexcept {
 Rgb cmykToRgb(int32_t c, int32_t m, int32_t y, int32_t k) noexcept {
     int32_t values[4] = {level(c), level(m), level(y), level(k)};
     if (const LinkProfile* current = cmykToRgbLink()) {
+        const ArithmeticMode arithmetic;  // the tables need none: they are integers alone
         link::convert(*current, values);
         for (int32_t& value : values) value /= 16;
     } else {

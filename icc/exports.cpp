@@ -1,6 +1,7 @@
 // The exported functions of profiles, their files and colour arithmetic.
 #include <cstddef>
 
+#include "frame/arithmetic_mode.h"
 #include "frame/boundary.h"
 #include "icc/icc.h"
 
@@ -50,21 +51,36 @@ extern "C" uint32_t jIccSaveLinkProfile(IccProfile* profile, const char* path) {
 }
 
 extern "C" void jIccXYZtoLab(double* colour, const double* white) {
+    const ko::ArithmeticMode arithmetic;
     ko::icc::xyzToLab(colour, white);
 }
 
 extern "C" void jIccLabtoXYZ(double* colour, const double* white) {
+    const ko::ArithmeticMode arithmetic;
     ko::icc::labToXyz(colour, white);
 }
 
-extern "C" void jIccLabEncode(double* colour, int32_t bits) { ko::icc::labEncode(colour, bits); }
+extern "C" void jIccLabEncode(double* colour, int32_t bits) {
+    const ko::ArithmeticMode arithmetic;
+    ko::icc::labEncode(colour, bits);
+}
 
-extern "C" void jIccLabDecode(double* colour, int32_t bits) { ko::icc::labDecode(colour, bits); }
+extern "C" void jIccLabDecode(double* colour, int32_t bits) {
+    const ko::ArithmeticMode arithmetic;
+    ko::icc::labDecode(colour, bits);
+}
 
-extern "C" void jIccXYZEncode(double* colour, int32_t bits) { ko::icc::xyzEncode(colour, bits); }
+extern "C" void jIccXYZEncode(double* colour, int32_t bits) {
+    const ko::ArithmeticMode arithmetic;
+    ko::icc::xyzEncode(colour, bits);
+}
 
-extern "C" void jIccXYZDecode(double* colour, int32_t bits) { ko::icc::xyzDecode(colour, bits); }
+extern "C" void jIccXYZDecode(double* colour, int32_t bits) {
+    const ko::ArithmeticMode arithmetic;
+    ko::icc::xyzDecode(colour, bits);
+}
 
 extern "C" void jIccTrcColor(const IccCurve* curve, int32_t* value) {
+    const ko::ArithmeticMode arithmetic;
     ko::icc::trcColor(curve, value);
 }

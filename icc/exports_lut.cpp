@@ -1,8 +1,16 @@
 // The exported functions of LUT evaluation.
+#include "frame/arithmetic_mode.h"
 #include "frame/boundary.h"
 #include "icc/lut.h"
 
 static_assert(sizeof(IccLut) == (sizeof(void*) == 8 ? 90 : 74));
+
+namespace {
+
+// A host may have changed the record since its set-up: a grid without cells cannot be divided.
+bool isReady(const IccLut* lut) noexcept { return lut && lut->gridPoints >= 2; }
+
+}  // namespace
 
 extern "C" int32_t jIccLutSetup(IccLut* lut) {
     return ko::atBoundary<int32_t>(0, [&] { return ko::icc::lutSetup(lut); });
@@ -11,9 +19,11 @@ extern "C" int32_t jIccLutSetup(IccLut* lut) {
 extern "C" int32_t jIccLutClose(IccLut* lut) { return ko::icc::lutClose(lut); }
 
 extern "C" int32_t jIccLutColor(const IccLut* lut, int32_t* values) {
-    return lut && values ? ko::icc::lutColor(*lut, values) : 0;
+    const ko::ArithmeticMode arithmetic;
+    return isReady(lut) && values ? ko::icc::lutColor(*lut, values) : 0;
 }
 
 extern "C" int32_t jIccLutColor16(const IccLut* lut, int32_t* values) {
-    return lut && values ? ko::icc::lutColor16(*lut, values) : 0;
+    const ko::ArithmeticMode arithmetic;
+    return isReady(lut) && values ? ko::icc::lutColor16(*lut, values) : 0;
 }

@@ -1,3 +1,4 @@
+#include "frame/arithmetic_mode.h"
 #include "frame/boundary.h"
 #include "link/link.h"
 
@@ -24,15 +25,18 @@ extern "C" int32_t jKoLinkReleaseProfile(LinkProfile* link) {
 }
 
 extern "C" void jKoLinkCOLtoCMYK16(const LinkProfile* link, int32_t* values) {
+    const ko::ArithmeticMode arithmetic;
     ko::link::convert(*link, values);
 }
 
 extern "C" void jKoLinkCOLtoCMYK16_3(const LinkProfile* link, int32_t* values) {
+    const ko::ArithmeticMode arithmetic;
     ko::link::convert3(*link, values);
 }
 
 extern "C" void jKoLinkCOLtoCMYK16Row(const LinkProfile* link, const uint8_t* input,
                                       int32_t pixels, uint16_t* output) {
+    const ko::ArithmeticMode arithmetic;
     ko::link::convertRow(*link, input, pixels, output);
 }
 

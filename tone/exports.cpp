@@ -1,6 +1,7 @@
 // Exported functions of the tone curves.
 #include "tone/tone.h"
 
+#include "frame/arithmetic_mode.h"
 #include "frame/boundary.h"
 
 static_assert(sizeof(TonePoint) == 8);
@@ -32,14 +33,17 @@ extern "C" int32_t jKoToneInitToneCurve(ToneCurve* curve) {
 }
 
 extern "C" int32_t jKoToneGetSplineTone(const TonePoint* points, int32_t count, int32_t x) {
+    const ko::ArithmeticMode arithmetic;
     return ko::tone::splineTone(pointsOf(points, count), x);
 }
 
 extern "C" int32_t jKoToneGetLinerTone(const TonePoint* points, int32_t count, int32_t x) {
+    const ko::ArithmeticMode arithmetic;
     return ko::tone::linearTone(pointsOf(points, count), x);
 }
 
 extern "C" int32_t jKoToneEncodeToneCurve(ToneCurve* curve, int32_t mode, int32_t maxValue) {
+    const ko::ArithmeticMode arithmetic;
     using ko::tone::Interpolation;
     if (curve)
         ko::tone::encode(*curve, mode == 1 ? Interpolation::spline : Interpolation::linear, maxValue);

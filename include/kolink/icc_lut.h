@@ -27,16 +27,16 @@ KOLINK_API int32_t jIccLutClose(IccLut *lut);
  *   values  int32[max(in, out)]; 0..255 for 8-bit tables, 0..65535 for 16-bit ones; values
  *           outside are taken as the nearest that the tables hold; inputs beyond the number of
  *           outputs stay as they are
- * Returns the number of output channels; 0 when lut is not ready. Allocates nothing; several
- * threads may use one lut. */
+ * Returns the number of output channels; 0 when lut is not ready, or has less than 2 grid points
+ * by now. Allocates nothing; several threads may use one lut. */
 KOLINK_API int32_t jIccLutColor(const IccLut *lut, int32_t *values);
 
 /* Converts one colour on the 16-bit scale, in place, linear interpolation everywhere.
  *   values  int32[max(in, out)]; 0..65535 in and out; a value less than one curve step below 0
  *           (256 in 8-bit tables, 4 in 16-bit ones) goes on along the first step of its curve,
  *           others outside are taken as the nearest of these
- * Returns the number of output channels; 0 when lut is not ready. Allocates nothing; several
- * threads may use one lut. */
+ * Returns the number of output channels; 0 when lut is not ready, or has less than 2 grid points
+ * by now. Allocates nothing; several threads may use one lut. */
 KOLINK_API int32_t jIccLutColor16(const IccLut *lut, int32_t *values);
 
 KOLINK_END

@@ -96,6 +96,15 @@ TEST(State, ProductFolderIsNeverUnderTheCurrentFolder) {
     EXPECT_EQ(attached.productFolder(), joinPath(attached.app("bin"), "colour"));
 }
 
+TEST(State, PathsWithoutADriveAndARootAreNotAbsolute) {
+    for (const char* path : {"", "a", "./a", "a/b", "C:a", "C:"})
+        EXPECT_FALSE(platform::isAbsolute(path)) << path;
+    EXPECT_EQ(platform::isAbsolute("/a"), !test::onWindows());
+    EXPECT_EQ(platform::isAbsolute("\\a"), false);
+    EXPECT_EQ(platform::isAbsolute("C:\\a"), test::onWindows());
+    EXPECT_EQ(platform::isAbsolute("//server/share"), true);
+}
+
 TEST(State, DotAloneIsTheModulesFolder) {
     const Attached attached(iniWith("."));
     EXPECT_EQ(attached.productFolder(), attached.app("bin"));

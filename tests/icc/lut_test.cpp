@@ -588,3 +588,18 @@ TEST(IccLutColor16, SurvivesEveryInput) {
         }
     }
 }
+
+// A host may write into a record that it has made ready.
+TEST(IccLutColor, LeavesAColourAloneWhenTheGridHasLostItsCells) {
+    for (const int32_t inputs : {3, 4}) {
+        MadeLut lut({.inputs = inputs, .outputs = 3});
+        ASSERT_EQ(jIccLutSetup(lut.get()), 1);
+        for (const int32_t points : {1, 0, -1, INT32_MIN}) {
+            lut.get()->gridPoints = points;
+            int32_t values[4] = {10, 20, 30, 40};
+            EXPECT_EQ(jIccLutColor(lut.get(), values), 0) << points;
+            EXPECT_EQ(jIccLutColor16(lut.get(), values), 0) << points;
+            EXPECT_EQ(values[1], 20);
+        }
+    }
+}

@@ -1,6 +1,11 @@
 // One deterministic script of calls, the same on every platform, whose results are files in the
-// current folder. They are compared byte for byte between the platforms.
-//   library_script LOCALE        with printer.icc and source.icc in the current folder
+// current folder. They are compared byte for byte between the platforms, and between what hosts
+// may have set for their threads.
+//   library_script SETTINGS LOCALE   with printer.icc and source.icc in the current folder
+//     SETTINGS  usual, down, up or zero: how floating-point numbers are rounded; flush: denormal
+//               ones are 0; traps: every floating-point exception is one; stack: the thread has
+//               a stack of 64 KiB (Linux)
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <clocale>
@@ -13,7 +18,13 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
+
+#include <xmmintrin.h>
+#if defined(__linux__)
+#  include <pthread.h>
+#endif
 
 #include "kolink.h"
 
@@ -24,6 +35,54 @@ void require(bool condition, const std::string& what) {
     std::fprintf(stderr, "library_script: %s\n", what.c_str());
     std::exit(1);
 }
+
+struct Settings {
+    const char* name;
+    uint32_t sse;
+    uint16_t x87;
+};
+constexpr Settings kSettings[] = {{"usual", 0x1f80, 0x037f}, {"down", 0x3f80, 0x077f},
+                                  {"up", 0x5f80, 0x0b7f},    {"zero", 0x7f80, 0x0f7f},
+                                  {"flush", 0x9fc0, 0x007f}, {"traps", 0x0000, 0x0340}};
+Settings settingsOfHost = kSettings[0];
+constexpr std::string_view kSmallStack = "stack";
+
+// Its own flags aside, which computing sets.
+#if defined(__i386__)
+void setX87(uint16_t control) { asm volatile("fnclex\n\tfldcw %0" : : "m"(control)); }
+uint16_t x87() {
+    uint16_t control;
+    asm volatile("fnstcw %0" : "=m"(control));
+    return control & 0x0f3f;
+}
+#else
+uint16_t x87Control = 0;
+void setX87(uint16_t control) { x87Control = control; }
+uint16_t x87() { return x87Control & 0x0f3f; }
+#endif
+
+// Around one call of the library, so that the script itself computes as usual.
+class HostSettings {
+public:
+    HostSettings() {
+        _mm_setcsr(settingsOfHost.sse);
+        setX87(settingsOfHost.x87);
+    }
+    ~HostSettings() {
+        const bool kept =
+            (_mm_getcsr() & ~0x3fu) == settingsOfHost.sse && x87() == (settingsOfHost.x87 & 0x0f3f);
+        _mm_setcsr(kSettings[0].sse);
+        setX87(kSettings[0].x87);
+        require(kept, "a call has changed what its host had set");
+    }
+};
+
+template <class Result, class... Parameters>
+Result hosted(Result (*function)(Parameters...), std::type_identity_t<Parameters>... arguments) {
+    const HostSettings around;
+    return function(arguments...);
+}
+#include "hosted.inc"  // which makes a call of each function one through hosted
 
 // The distributions of the standard library differ between its makers; the generator does not.
 class Random {
@@ -609,16 +668,17 @@ void convertThroughTable(Results& out, Table* table, const char* path, uint32_t 
         node = (high << 16 | static_cast<uint32_t>(random.between(0, 0xffff))) & used;
     }
     const uint64_t before = hashOf(table, sizeof *table);
-    require(save(table, path) == 1 && load(table, path) == 1, "a table was not saved and loaded");
+    require(hosted(save, table, path) == 1 && hosted(load, table, path) == 1,
+            "a table was not saved and loaded");
     require(hashOf(table, sizeof *table) == before, "a table came back changed");
     std::vector<uint8_t> input(Channels * 20000);
     for (uint8_t& level : input) level = static_cast<uint8_t>(random.between(0, 255));
     std::vector<uint16_t> row(input.size());
-    convertRow(table, input.data(), 20000, row.data());
+    hosted(convertRow, table, input.data(), 20000, row.data());
     for (size_t at = 0; at < input.size(); at += Channels) {
         int32_t values[4] = {};
         for (size_t k = 0; k < Channels; ++k) values[k] = input[at + k];
-        out.number(convert(table, values));
+        out.number(hosted(convert, table, values));
         for (size_t k = 0; k < Channels; ++k)
             require(values[k] == row[at + k], "a row differs from its colours");
         for (size_t k = 0; k < Channels; ++k) out.number(values[k]);
@@ -639,14 +699,7 @@ void convertThroughTables() {
     jKoRgbReleaseRgbLut(rgb);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    require(argc == 2, "usage: library_script LOCALE");
-    require(std::setlocale(LC_ALL, argv[1]), std::string("there is no locale ") + argv[1]);
-    const bool comma = std::localeconv()->decimal_point == std::string_view(",");
-    require(comma == (std::string_view(argv[1]) != "C"),
-            "the decimal sign is not the expected one");
+void runAll() {
     evaluateLuts();
     convertColours();
     drawCurves();
@@ -657,5 +710,41 @@ int main(int argc, char** argv) {
     convertForHosts();
     saveDevice();
     convertThroughTables();
+}
+
+void onASmallStack([[maybe_unused]] void (*run)()) {
+#if defined(__linux__)
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    require(pthread_attr_setstacksize(&attributes, 64 * 1024) == 0, "no such stack");
+    pthread_t thread;
+    const auto begin = [](void* all) -> void* {
+        reinterpret_cast<void (*)()>(all)();
+        return nullptr;
+    };
+    require(pthread_create(&thread, &attributes, begin, reinterpret_cast<void*>(run)) == 0,
+            "no thread");
+    pthread_join(thread, nullptr);
+#else
+    require(false, "stacks are not made small here");
+#endif
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    require(argc == 3, "usage: library_script SETTINGS LOCALE");
+    const std::string_view name = argv[1] == kSmallStack ? "usual" : argv[1];
+    const auto found = std::find_if(std::begin(kSettings), std::end(kSettings),
+                                    [&](const Settings& one) { return one.name == name; });
+    require(found != std::end(kSettings), std::string("there are no settings ") + argv[1]);
+    settingsOfHost = *found;
+    const char* const locale = argv[2];
+    require(std::setlocale(LC_ALL, locale), std::string("there is no locale ") + locale);
+    const bool comma = std::localeconv()->decimal_point == std::string_view(",");
+    require(comma == (std::string_view(locale) != "C"),
+            "the decimal sign is not the expected one");
+    if (argv[1] == kSmallStack) onASmallStack(runAll);
+    else runAll();
     std::puts("done");
 }
