@@ -18,6 +18,13 @@ uint32_t lastError() noexcept;
 void setLastError(uint32_t error) noexcept;
 enum class Cause { shortMemory, damaged, tooLarge, wrongArgument, nameTooLong, interrupted };
 void setLastError(Cause cause) noexcept;
+inline bool lastErrorIs(Cause cause) noexcept {
+    const uint32_t error = lastError();
+    setLastError(cause);
+    const bool same = lastError() == error;
+    setLastError(error);
+    return same;
+}
 inline bool failFor(Cause cause) noexcept {  // a false with its reason
     setLastError(cause);
     return false;

@@ -19,13 +19,16 @@ system::ProfileHandle OpenSystemProfile(const char* path) {
     return profile;
 }
 
-// The colours of a profile by its header; empty for other spaces, which a grid cannot hold. An
-// unreadable header counts as CMYK: opening the profile then fails on its own.
+// The destination's colours by its header. One that cannot be opened or is none, and any other
+// space, counts as CMYK: whether a transform can be made of it is for the system to say. Empty
+// when reading failed on the way, which says nothing about the colours.
 std::optional<system::Colours> coloursOf(const char* path) {
     const icc::ProfilePtr profile = icc::loadHeader(path);
-    if (!profile || profile->header.colourSpace == fourcc("CMYK")) return system::Colours::cmyk;
-    if (profile->header.colourSpace == fourcc("RGB ")) return system::Colours::rgb;
-    return std::nullopt;
+    if (!profile && !platform::lastErrorIs(platform::Cause::damaged) &&
+        readWhole(path, kProfileFiles, 1).result != ReadResult::notOpened)
+        return std::nullopt;
+    return profile && profile->header.colourSpace == fourcc("RGB ") ? system::Colours::rgb
+                                                                    : system::Colours::cmyk;
 }
 
 bool terminated(std::span<const char> path) noexcept {
@@ -56,7 +59,7 @@ Link combine(const CmsLinkSettings& settings, system::Colours inputs) {
     if (!terminated(settings.sourcePath) || !terminated(settings.destinationPath)) return nullptr;
     if (settings.intent < 0 || settings.intent > 3) return nullptr;
     const std::optional<system::Colours> outputs = coloursOf(settings.destinationPath);
-    if (!outputs || coloursOf(settings.sourcePath) != inputs) return nullptr;
+    if (!outputs) return nullptr;
     const system::ProfileHandle source = OpenSystemProfile(settings.sourcePath);
     if (!source) return nullptr;
     const system::ProfileHandle destination = OpenSystemProfile(settings.destinationPath);

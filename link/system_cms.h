@@ -14,9 +14,10 @@ void closeProfile(Profile* profile) noexcept;
 
 enum class Colours { rgb, cmyk };
 
-// Source to destination in the best quality there is. Null: the two do not make a transform.
+// Source to destination in the best quality there is. Null: the two do not make a transform, or
+// memory is short.
 struct Transform;
-Transform* createTransform(const Profile& source, const Profile& destination, uint32_t intent);
+Transform* createTransform(Profile& source, Profile& destination, uint32_t intent);
 // One colour, 16 bits a channel; what a failing call leaves in the output is undefined but
 // initialised.
 void translate(Transform& transform, const uint16_t (&input)[4], Colours inputs,

@@ -55,7 +55,7 @@ void closeProfile(Profile* profile) noexcept {
     delete profile;
 }
 
-Transform* createTransform(const Profile& source, const Profile& destination, uint32_t intent) {
+Transform* createTransform(Profile& source, Profile& destination, uint32_t intent) {
     HPROFILE profiles[2] = {source.handle, destination.handle};
     DWORD intents[1] = {intent};  // the system's numbers are the settings' own
     static_assert(INTENT_PERCEPTUAL == 0 && INTENT_RELATIVE_COLORIMETRIC == 1 &&

@@ -70,10 +70,12 @@ KOLINK_API LinkProfile *jKoLinkCombineCmykProfile(const CmsLinkSettings *setting
 KOLINK_API LinkProfile *jKoLinkCombineRgbProfile(const CmsLinkSettings *settings);
 
 /* Through the system's colour management (mscms on Windows, lcms2 elsewhere), RGB or CMYK to RGB
- * or CMYK, as the destination's header says. White mode and preservation are not read.
+ * or CMYK. White mode and preservation are not read.
  *   intent  0 perceptual, 1 relative colorimetric, 2 saturation, 3 absolute colorimetric; others
  *           are refused
- * Refused as well: a source of the other colour space, a destination that is neither. */
+ * The link's outputs are R, G, B when the destination's header says so, and C, M, Y, K for every
+ * other and for one that cannot be read. What else can be opened and made a transform of is the
+ * system's to say: a source of other colours is fed with the channels of the builder. */
 KOLINK_API LinkProfile *jKoLinkCombineIcmRgbProfile(const CmsLinkSettings *settings);
 KOLINK_API LinkProfile *jKoLinkCombineIcmCmykProfile(const CmsLinkSettings *settings);
 
