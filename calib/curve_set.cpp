@@ -77,7 +77,7 @@ float toneValue(const CalibCurveSet& set, int32_t channel, float x) noexcept {
 
 bool setToneValue(CalibCurveSet& set, int32_t channel, float x, float y) noexcept {
     CalibChannel* found = findChannel(set, channel);
-    if (!found || !std::isfinite(x) || !std::isfinite(y)) return false;
+    if (!found || !std::isfinite(x) || std::isnan(y)) return false;
     if (x < 0.0f || x > static_cast<float>(set.range)) return false;
     y = clampedTone(y, static_cast<float>(set.limit));
 

@@ -20,14 +20,15 @@ constexpr size_t kLineSize = 256;
 constexpr std::string_view kValueSeparators = "= ";
 constexpr std::string_view kListSeparators = "= ,";
 
-CalibTone toneIn(Scanner text) noexcept {
+CalibTone toneIn(Scanner text, std::string_view separators) noexcept {
     const auto number = [&] {  // the nearest that single precision holds
         constexpr double kMax = std::numeric_limits<float>::max();
         return static_cast<float>(std::clamp(text.real(), -kMax, kMax));
     };
     CalibTone tone;
     tone.x = number();
-    text.advanceTo(",");
+    text.advanceTo(separators);
+    text.skip(separators);
     text.skip(", ");
     tone.y = number();
     return tone;
@@ -108,7 +109,8 @@ void readChannelLine(const char* line, CalibCurveSet& set) noexcept {
     if (channel.toneCount >= KOLINK_CALIB_MAX_TONES) return;  // colours no more than tones
     const Scanner numbers = valueFrom(line, 8, kListSeparators);
     if (hasKey(line, "LRGB ")) channel.lrgb = colourIn(numbers);
-    if (hasKey(line, "TONE ")) channel.tones[channel.toneCount++] = toneIn(numbers);
+    if (hasKey(line, "TONE "))
+        channel.tones[channel.toneCount++] = toneIn(numbers, kListSeparators);
 }
 
 void readPlainLine(const char* line, CalibCurveSet& set) noexcept {
@@ -178,7 +180,8 @@ void readChannel(KeyedReader& keys, CalibChannel& channel) {
     keys.text(kNameKey, channel.name);
     if (const char* colour = keys.find(kColourKey)) channel.lrgb = colourIn(Scanner(colour));
     for (int index = 0; index < KOLINK_CALIB_MAX_TONES; ++index)
-        if (const char* text = keys.find(toneKey(index))) insertTone(channel, toneIn(Scanner(text)));
+        if (const char* text = keys.find(toneKey(index)))
+            insertTone(channel, toneIn(Scanner(text), ","));
 }
 
 Block<CalibCurveSet> loadKeyedCurve(std::string_view text, const char* path) {

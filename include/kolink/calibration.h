@@ -84,7 +84,7 @@ KOLINK_API float jKoCalibGetToneValue(const CalibCurveSet *set, int32_t channel,
 /* Stores a tone: a tone of exactly that x gets the new y, else it is inserted before the first
  * tone of a greater x. y is clamped to 0..limit.
  * Returns 1; 0, changing nothing, for x outside 0..range, a full channel (256 tones), a null set,
- * a channel that is not there, and NaN or infinite numbers. */
+ * a channel that is not there, and NaN. */
 KOLINK_API int32_t jKoCalibSetToneValue(CalibCurveSet *set, int32_t channel, float x, float y);
 
 /* Removes the tone of exactly that x. The first and the last tone always stay.

@@ -340,6 +340,11 @@ TEST_F(PlainCalibFile, HoldsEverything) {
     EXPECT_EQ(set->path, folder_.path("set.clb"));
 }
 
+TEST_F(PlainCalibFile, BlanksSeparateTheNumbersOfATone) {
+    const CalibSet set = load("CHANNEL = 1\nTONE 0  = 5 1.5\nTONE 0  = 6   2\nTONE 0  = 7 , 3\n");
+    EXPECT_EQ(tonesOf(set, 0), (Tones{{5, 1.5f}, {6, 2}, {7, 3}}));
+}
+
 TEST_F(PlainCalibFile, TonesKeepTheOrderOfTheFile) {
     const CalibSet set = load("CHANNEL = 1\nTONE 0  = 200,1\nTONE 0  = 0,2\nTONE 0  = 200,3\n");
     EXPECT_EQ(tonesOf(set, 0), (Tones{{200, 1}, {0, 2}, {200, 3}}));

@@ -253,11 +253,18 @@ TEST(CalibTones, XOutsideTheRangeIsRefused) {
     EXPECT_EQ(tonesOf(set, 0).size(), 2u);
 }
 
-TEST(CalibTones, NanAndInfiniteNumbersAreRefused) {
+TEST(CalibTones, AnInfiniteYIsLimitedAsAnyOther) {
     const CalibSet set = newSet(1);
+    EXPECT_EQ(jKoCalibSetToneValue(set.get(), 0, 10, kInfinity), 1);
+    EXPECT_EQ(jKoCalibSetToneValue(set.get(), 0, 20, -kInfinity), 1);
+    EXPECT_EQ(tonesOf(set, 0), (Tones{{0, 0}, {10, 255}, {20, 0}, {255, 255}}));
+}
+
+TEST(CalibTones, NanAndAnInfiniteXAreRefused) {
+    const CalibSet set = newSet(1);
+    EXPECT_EQ(jKoCalibSetToneValue(set.get(), 0, 1, kNan), 0);
     for (const float bad : {kNan, kInfinity, -kInfinity}) {
         EXPECT_EQ(jKoCalibSetToneValue(set.get(), 0, bad, 1), 0);
-        EXPECT_EQ(jKoCalibSetToneValue(set.get(), 0, 1, bad), 0);
         EXPECT_EQ(jKoCalibDeleteToneValue(set.get(), 0, bad), 0);
         EXPECT_EQ(jKoCalibGetToneValue(set.get(), 0, bad), 0.0f);
     }
