@@ -35,8 +35,10 @@
 
 #include "kolink/version.h"
 
-#if defined(_WIN32)
-#  define KOLINK_API
+#if defined(_WIN32) && (defined(__GNUC__) || defined(__clang__))
+#  define KOLINK_API __cdecl /* also where the host makes another convention the usual one */
+#elif defined(_WIN32)
+#  define KOLINK_API /* other compilers take the convention before the name alone: it is theirs */
 #elif defined(__GNUC__)
 #  define KOLINK_API __attribute__((visibility("default")))
 #else

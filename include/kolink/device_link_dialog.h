@@ -33,8 +33,7 @@ KOLINK_API int32_t jCmsDeviceLinkDlg(HWND owner, CmsLinkSettings *settings);
  * that does not come with this one may lack it, GetProcAddress finds it.
  * The dialog keeps what it needs with its window: windows that are not this dialog, null and
  * messages before WM_INITDIALOG are answered with FALSE. */
-KOLINK_API INT_PTR CALLBACK jCmsDeviceLinkDlgProc(HWND dialog, UINT message, WPARAM wParam,
-                                                  LPARAM lParam);
+INT_PTR CALLBACK jCmsDeviceLinkDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 KOLINK_END
 
