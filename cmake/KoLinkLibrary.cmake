@@ -29,6 +29,7 @@ endif()
 add_library(kolink SHARED ${dialog_sources} frame/memory.cpp frame/entry_${KO_PLATFORM}.cpp)
 target_link_libraries(kolink PRIVATE ko_exports)
 ko_carry_tables(kolink)
+ko_adapt_runtime(kolink)
 add_library(KoLink::KoLink ALIAS kolink)
 set_target_properties(kolink PROPERTIES EXPORT_NAME KoLink)
 target_link_libraries(kolink PRIVATE ko_frame ko_grid ko_icc ko_tone ko_calib ko_cmyk ko_link
@@ -46,7 +47,8 @@ if(WIN32)
         string(REGEX REPLACE "${procedure}" "\\0 = \\0@16" names "${names}")
         file(CONFIGURE OUTPUT imports.def CONTENT "LIBRARY KoLink.dll\nEXPORTS\n    ${imports}\n")
         add_custom_command(TARGET kolink POST_BUILD VERBATIM
-            COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${CMAKE_CURRENT_BINARY_DIR}/imports.def
+            COMMAND ${CMAKE_DLLTOOL} --deterministic-libraries --kill-at
+                    --input-def ${CMAKE_CURRENT_BINARY_DIR}/imports.def
                     --output-lib $<TARGET_LINKER_FILE:kolink>)
     endif()
     file(CONFIGURE OUTPUT KoLink.def CONTENT "LIBRARY KoLink.dll\nEXPORTS\n    ${names}\n")

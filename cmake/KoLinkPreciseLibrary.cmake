@@ -6,6 +6,7 @@ set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEP
 
 add_library(kolink_precise SHARED precise/exports.cpp frame/memory.cpp)
 ko_carry_tables(kolink_precise)
+ko_adapt_runtime(kolink_precise)
 add_library(KoLink::KoLinkPrecise ALIAS kolink_precise)
 set_target_properties(kolink_precise PROPERTIES EXPORT_NAME KoLinkPrecise)
 target_link_libraries(kolink_precise PRIVATE ko_precise ko_warnings)
