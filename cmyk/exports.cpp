@@ -27,11 +27,13 @@ extern "C" int32_t jKoCmykLoadProfile(CmykProfile* profile, const char* path) {
 }
 
 extern "C" int32_t jKoCmykLoadLutable(CmykProfile* profile, const char* path) {
-    return profile ? ko::cmyk::loadLutable(*profile, path) : 0;
+    if (!profile) return 0;
+    return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::loadLutable(*profile, path); });
 }
 
 extern "C" int32_t jKoCmykLoadLutableAmatch(CmykProfile* profile, const char* path) {
-    return profile ? ko::cmyk::loadLutableAmatch(*profile, path) : 0;
+    if (!profile) return 0;
+    return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::loadLutableAmatch(*profile, path); });
 }
 
 extern "C" int32_t jKoCmykSaveProfile(CmykProfile* profile, const char* path) {

@@ -26,7 +26,7 @@ struct NamedMutex {
 namespace {
 
 // As on Windows, a thread that holds the mutex gets it again at once. There is one mutex.
-thread_local int depthOfThisThread = 0;
+[[gnu::tls_model("initial-exec")]] constinit thread_local int depthOfThisThread = 0;
 
 // Every descriptor of a mutex, so that a child that was forked while its parent held one can close
 // it: a lock ends when all processes that share the opening have closed it.

@@ -4,6 +4,7 @@
 
 #include <malloc.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -36,7 +37,8 @@ void replaceImports() {
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
     const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    const auto* module = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+    const auto* module =
+        reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
     for (; module->Name != 0; ++module) {
         auto* name = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + module->OriginalFirstThunk);
         auto* entry = reinterpret_cast<IMAGE_THUNK_DATA*>(base + module->FirstThunk);
@@ -84,6 +86,8 @@ long long allocatedBytes() {
     return bytes;
 }
 
+const int kLoads = 50;  // Wine needs a while for each
+const bool kLoadingIsShort = false;
 void* loadLibrary(const char* path) { return ::LoadLibraryA(path); }
 void* findFunction(void* library, const char* name) {
     return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(library), name));
