@@ -5,6 +5,7 @@
 #include <new>
 #include <optional>
 
+#include "frame/arithmetic_mode.h"
 #include "frame/boundary.h"
 #include "frame/file.h"
 #include "kolink/precise.h"
@@ -59,21 +60,22 @@ void report(KoPreciseError* error, const Problem& problem, int32_t part) noexcep
 // Runs work(problem, part), reports what it says, and nothing but memory can fail outside it.
 template <class Result, class Work>
 Result guarded(KoPreciseError* error, Result failure, Work&& work) noexcept {
-    try {
+    bool ended = false;
+    const Result result = ko::atBoundary<Result>(failure, [&] {
         Problem problem;
         int32_t part = 0;
-        Result result = work(problem, part);
+        const Result made = work(problem, part);
         report(error, problem, part);
-        return result;
-    } catch (...) {
-        if (error) {
-            error->code = KO_PRECISE_MEMORY;
-            error->part = 0;
-            std::memset(error->text, 0, sizeof error->text);
-            std::memcpy(error->text, "memory is short", 15);
-        }
-        return failure;
+        ended = true;
+        return made;
+    });
+    if (!ended && error) {
+        error->code = KO_PRECISE_MEMORY;
+        error->part = 0;
+        std::memset(error->text, 0, sizeof error->text);
+        std::memcpy(error->text, "memory is short", 15);
     }
+    return result;
 }
 
 std::vector<uint8_t> bytesOf(const char* path, Problem& problem) {
@@ -164,6 +166,7 @@ std::vector<uint8_t> fileOf(const KoPreciseLink* link, const KoPreciseFileOption
 template <class Level>
 void linkRow(const KoPreciseLink* link, const Level* in, Level* out, size_t count) noexcept {
     if (!link || !in || !out) return;
+    const ko::ArithmeticMode arithmetic;
     const Link& l = *link->link;
     constexpr double top = static_cast<Level>(~Level{0});
     for (; count > 0; --count, in += l.inputs, out += l.outputs) {
@@ -273,6 +276,7 @@ extern "C" int32_t koPreciseTransformOutputs(const KoPreciseTransform* transform
 extern "C" void koPreciseTransformFloats(const KoPreciseTransform* transform, const float* in,
                                          float* out, size_t count) {
     if (!transform || !in || !out) return;
+    const ko::ArithmeticMode arithmetic;
     const int inputs = transform->evaluator.inputs(), outputs = transform->evaluator.outputs();
     for (; count > 0; --count, in += inputs, out += outputs) {
         Colour colour{};
@@ -380,6 +384,7 @@ extern "C" int32_t koPreciseDescribeLink(const KoPreciseLink* link, KoPreciseLin
 extern "C" void koPreciseLinkFloats(const KoPreciseLink* link, const float* in, float* out,
                                     size_t count) {
     if (!link || !in || !out) return;
+    const ko::ArithmeticMode arithmetic;
     const Link& l = *link->link;
     for (; count > 0; --count, in += l.inputs, out += l.outputs) {
         Colour colour{};
