@@ -133,10 +133,7 @@ struct Pair {
     }
 };
 
-constexpr Inks kRamps[] = {{1, 0, 0, 0},        {0, 1, 0, 0},       {0, 0, 1, 0},
-                           {0, 0, 0, 1},        {1, 1, 0, 0},       {1, 0, 1, 0},
-                           {0, 1, 1, 0},        {.75, .68, .68, 0}, {.6, .5, .5, .4},
-                           {.3, .9, .6, .1}};
+constexpr Inks kRamps[] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}, {1, 1, 0, 0}, {1, 0, 1, 0}, {0, 1, 1, 0}, {.75, .68, .68, 0}, {.6, .5, .5, .4}, {.3, .9, .6, .1}};
 
 double at(std::vector<double>& values, double share) {
     std::sort(values.begin(), values.end());
@@ -258,8 +255,9 @@ int main(int count, char** arguments) {
         const char *source = arguments[argument], *destination = arguments[argument + 1];
         const Pair pair(source, destination);
         std::printf("\n%s to %s, %zu colours\n\n", source, destination, pair.colours.size());
-        std::printf("| 33 points | colour, mean / 95 %% | below 1, %% | ink, %% | ramps, mean / 95 %% | "
-                    "L* rises, worst | black | s |\n|---|---|--:|--:|---|---|--:|--:|\n");
+        std::printf(
+            "| 33 points | colour, mean / 95 %% | below 1, %% | ink, %% | ramps, mean / 95 %% | "
+            "L* rises, worst | black | s |\n|---|---|--:|--:|---|---|--:|--:|\n");
         ours(pair, folder, source, destination, "precise, plane, 8 bits", 8, KO_PRECISE_BLACK_PLANE, 0);
         ours(pair, folder, source, destination, "precise, plane, 16 bits", 16, KO_PRECISE_BLACK_PLANE, 0);
         ours(pair, folder, source, destination, "precise, match, 8 bits", 8, KO_PRECISE_BLACK_MATCH, 0);
