@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <new>
 
+#include "cli/errors.h"
 #include "cli/system.h"
 #include "cli/text.h"
 
@@ -17,14 +18,16 @@ namespace {
 
 class Converter {
 public:
+    // Without its table a text would silently become another one. Short memory shows here as well,
+    // and the system does not always call it that.
     Converter(const char* to, const char* from) : handle_(::iconv_open(to, from)) {
-        if (!*this && errno == ENOMEM) throw std::bad_alloc();
+        if (handle_ != reinterpret_cast<iconv_t>(-1)) return;
+        if (errno == ENOMEM) throw std::bad_alloc();
+        throw Failure("the system's table for Shift-JIS text cannot be loaded: " +
+                      std::string(std::strerror(errno)));
     }
-    ~Converter() {
-        if (*this) ::iconv_close(handle_);
-    }
+    ~Converter() { ::iconv_close(handle_); }
     Converter(const Converter&) = delete;
-    explicit operator bool() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
     // Converts the beginning of text that can be converted and takes it off.
     std::string convert(std::string_view& text) {
@@ -69,7 +72,6 @@ bool isTerminal(std::FILE* stream) { return ::isatty(::fileno(stream)) != 0; }
 
 std::optional<std::string> toShiftJis(const std::string& utf8) {
     Converter converter("CP932", "UTF-8");
-    if (!converter) return std::nullopt;
     std::string_view rest = utf8;
     std::string out = converter.convert(rest);
     if (!rest.empty()) return std::nullopt;
@@ -78,7 +80,6 @@ std::optional<std::string> toShiftJis(const std::string& utf8) {
 
 std::string fromShiftJis(std::string_view bytes) {
     Converter converter("UTF-8", "CP932");
-    if (!converter) return wellFormed(bytes);
     std::string out;
     while (!bytes.empty()) {
         out += converter.convert(bytes);
