@@ -10,7 +10,8 @@ KOLINK_BEGIN
 /* Builds the two current links, RGB to CMYK and CMYK to RGB, from two ICC profiles through the
  * system's colour management, in place of those that were current.
  *   intent  KOLINK_INTENT_..., all four
- * Returns 1 when both were built; otherwise 0, and no link is current. The current links belong
+ * Returns 1 when both were built; otherwise 0, and no link is current; the reason is there when a
+ * file or memory was it. The current links belong
  * to the process and carry no lock: set up and end while no conversion runs. */
 KOLINK_API int32_t jColorSetupProfile(const char *rgbProfilePath, const char *cmykProfilePath,
                                       int32_t intent);
@@ -50,7 +51,8 @@ KOLINK_API int32_t Value100to255(int32_t v);
  *                with blanks): files whose ICC header names another space are left out, files
  *                without a readable header are listed all the same
  * Folders are not listed, nor are paths over 259 bytes. Where more files match than there are
- * slots, the first ones are listed. Returns the number of paths. */
+ * slots, the first ones are listed. Returns the number of paths; 0, with the reason, when memory was
+ * short or the folder could not be read to its end. */
 KOLINK_API int32_t jColorLoadIccFileList(char *list, int32_t maxCount, const char *colourSpace);
 
 KOLINK_END

@@ -14,8 +14,8 @@ KOLINK_BEGIN
  * without entries the identity.
  * A second set-up of a record frees the table of the first. What else a record holds in
  * workTable is never read or freed, so a record built by hand need not clear it.
- * Returns 1; 0 when lut is null, its shape is not supported, or memory is short: the work table
- * is then null, and the colour functions leave their values as they are. */
+ * Returns 1; 0 when lut is null, its shape is not supported, or memory is short (then with the
+ * reason): the work table is then null, and the colour functions leave their values as they are. */
 KOLINK_API int32_t jIccLutSetup(IccLut *lut);
 
 /* Frees the work table, which jIccLutSetup made. Returns 1; 0 when it is null. */

@@ -27,8 +27,8 @@ KOLINK_BEGIN
  * fixed, and a grid of zeros.
  *   inputChannels  3 or 4
  *   gridPoints     2 to 256
- * Returns null for other arguments, for a grid over 256 MiB, and when memory is short. The caller
- * releases it with jKoLinkReleaseProfile. */
+ * Returns null for other arguments, for a grid over 256 MiB, and, with the reason, when memory is
+ * short. The caller releases it with jKoLinkReleaseProfile. */
 KOLINK_API LinkProfile *jKoLinkCreateProfile(int32_t inputChannels, int32_t gridPoints);
 
 /* Frees grid and record. Returns 0 for null, else 1. */
@@ -54,7 +54,8 @@ KOLINK_API void jKoLinkCOLtoCMYK16Row(const LinkProfile *link, const uint8_t *in
 
 /* The builders make a 17-point link from the source and destination profile of the settings; all
  * other paths are not read. They return null when a file does not load, a profile does not fit,
- * the intent is not supported, or memory is short. The caller releases the link. */
+ * the intent is not supported, or memory is short; the reason is there when a file or memory was
+ * it. The caller releases the link. */
 
 /* With the library's own evaluator, CMYK or RGB to CMYK: A2Bn of the source, B2An of the
  * destination; an RGB source without A2Bn may have rTRC, gTRC, bTRC and rXYZ, gXYZ, bXYZ.

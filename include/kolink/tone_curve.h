@@ -28,8 +28,8 @@ typedef struct ToneCurve {
 
 KOLINK_BEGIN
 
-/* Makes a curve of 0 to 1024 channels, initialised. Returns null for other counts and when
- * memory is short. The caller releases it with jKoToneReleaseToneCurve. */
+/* Makes a curve of 0 to 1024 channels, initialised. Returns null for other counts and, with the
+ * reason, when memory is short. The caller releases it with jKoToneReleaseToneCurve. */
 KOLINK_API ToneCurve *jKoToneCreateToneCurve(int32_t channelCount);
 
 /* Frees table and record. Returns 0 for null, else 1. */
