@@ -73,7 +73,7 @@ if plain; then
     check "convert in short memory" short_memory convert --link link.icc 1,2,3,4
     check "link in short memory" short_memory "${pair[@]}" -o result.out
     rm -f result.out
-    few_files() { (ulimit -n 4; exec "$tool" calib new few.clb) 2> "$err"; [ $? = 1 ] && grep -q 'few.clb: cannot be written: Too many open files' "$err" && [ ! -e few.clb ] || { cat "$err"; return 1; }; }
+    few_files() { (exec 3>&-; ulimit -n 4; exec "$tool" calib new few.clb) 2> "$err"; [ $? = 1 ] && grep -q 'few.clb: cannot be written: Too many open files' "$err" && [ ! -e few.clb ] || { cat "$err"; return 1; }; }
     check "too many open files are called that" few_files
 fi
 

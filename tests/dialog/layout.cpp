@@ -242,4 +242,9 @@ std::string language() {
     }
 }
 
+std::wstring resetQuestion() {
+    if (language() == "ja") return L"初期化します。いいですか？";
+    return language() == "zh" ? L"要进行初期化吗？" : L"Initialize. Sure?";
+}
+
 }  // namespace ko::test

@@ -140,7 +140,7 @@ TEST(ProfileDialog, NewAsksFirstAndThenForgetsTheFile) {
         dialog.press(IDC_NEW);
         const DialogWindow question = dialog.asked();
         EXPECT_EQ(question.caption(), L"ﾌﾟﾛﾌｧｲﾙ");
-        EXPECT_EQ(question.text(kMessageText), L"初期化します。いいですか？");
+        EXPECT_EQ(question.text(kMessageText), resetQuestion());
         question.press(IDNO);
         dialog.waitForQuiet();
         EXPECT_EQ(dialog.text(IDC_TITLE), L"press");

@@ -5,6 +5,7 @@
 
 #include "resources/dialog_ids.h"
 #include "tests/dialog/driver.h"
+#include "tests/dialog/layout.h"
 
 using namespace ko::test;
 
@@ -178,7 +179,7 @@ TEST_P(ToneDialogs, NewAsksFirstAndThenForgetsTheFile) {
         dialog.press(IDC_NEW);
         const DialogWindow question = dialog.asked();
         EXPECT_EQ(question.caption(), L"ﾌﾟﾛﾌｧｲﾙ");
-        EXPECT_EQ(question.text(kMessageText), L"初期化します。いいですか？");
+        EXPECT_EQ(question.text(kMessageText), resetQuestion());
         question.press(IDNO);
         dialog.waitForQuiet();
         EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");

@@ -79,12 +79,16 @@ cmsCIELab labOf(const Colour& colour) { return {colour[0], colour[1], colour[2]}
 int main(int count, char** arguments) {
     int first = 1;
     if (count > 1 && std::string(arguments[1]) == "-v") verbose = true, first = 2;
-    const cmsHPROFILE lab = cmsCreateLab2Profile(nullptr);
+    struct Closing {
+        void operator()(void* profile) const { cmsCloseProfile(profile); }
+    };
+    const std::unique_ptr<void, Closing> labSpace(cmsCreateLab2Profile(nullptr));
+    const cmsHPROFILE lab = labSpace.get();
     struct Opened {
         const char* path;
         bool paired;
         std::unique_ptr<Profile> ours;
-        cmsHPROFILE theirs;
+        std::unique_ptr<void, Closing> theirs;
     };
     std::vector<Opened> all;
     bool paired = true;
@@ -96,14 +100,14 @@ int main(int count, char** arguments) {
         Problem problem;
         const auto bytes = bytesOf(arguments[at]);
         auto ours = Profile::parse(bytes, problem);
-        const cmsHPROFILE theirs = cmsOpenProfileFromFile(arguments[at], "r");
+        std::unique_ptr<void, Closing> theirs(cmsOpenProfileFromFile(arguments[at], "r"));
         if (!ours || !theirs) {
             std::printf("%s: ours %s, theirs %s\n", arguments[at], ours ? "opens" : problem.text.c_str(),
                         theirs ? "opens" : "refused");
             failed |= !ours && theirs;
             continue;
         }
-        all.push_back({arguments[at], paired, std::move(ours), theirs});
+        all.push_back({arguments[at], paired, std::move(ours), std::move(theirs)});
     }
     std::mt19937 random(1);
     for (const Opened& one : all) {
@@ -114,7 +118,7 @@ int main(int count, char** arguments) {
             const std::string name = std::string(one.path) + " intent " + std::to_string(intent);
             const auto to = makeToLab(*one.ours, static_cast<Intent>(intent), problem);
             const cmsHTRANSFORM theirs = cmsCreateTransform(
-                one.theirs, formatOf(space), lab, TYPE_Lab_DBL, static_cast<cmsUInt32Number>(intent), kExact);
+                one.theirs.get(), formatOf(space), lab, TYPE_Lab_DBL, static_cast<cmsUInt32Number>(intent), kExact);
             if (!to != !theirs) {
                 std::printf("not ok - %s to Lab: ours %s, theirs %s\n", name.c_str(),
                             to ? "converts" : problem.text.c_str(), theirs ? "converts" : "refused");
@@ -152,7 +156,7 @@ int main(int count, char** arguments) {
                 const auto ours = makeTransform(*source.ours, *destination.ours,
                                                 static_cast<Intent>(intent), bpc, problem);
                 const cmsHTRANSFORM theirs = cmsCreateTransform(
-                    source.theirs, formatOf(from), destination.theirs, formatOf(into),
+                    source.theirs.get(), formatOf(from), destination.theirs.get(), formatOf(into),
                     static_cast<cmsUInt32Number>(intent),
                     kExact | (bpc ? cmsFLAGS_BLACKPOINTCOMPENSATION : 0));
                 const std::string name = std::string(source.path) + " > " + destination.path +
@@ -163,7 +167,7 @@ int main(int count, char** arguments) {
                 }
                 if (ours && theirs) {
                     const cmsHTRANSFORM look = cmsCreateTransform(
-                        destination.theirs, formatOf(into), lab, TYPE_Lab_DBL, 1, kExact);
+                        destination.theirs.get(), formatOf(into), lab, TYPE_Lab_DBL, 1, kExact);
                     Measure measure;
                     for (int n = 0; look && n < 300; ++n) {
                         Colour in = randomColour(random, from);
