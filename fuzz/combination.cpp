@@ -32,15 +32,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const Cmyk& node : nodes)
         base->grid[((node[0] * 33 + node[1]) * 33 + node[2]) * 33 + node[3]] = shape.word();
 
-    IccPair pair;
     const auto source = lutFrom(shape, 4, 3);
     const auto destination = lutFrom(shape, 3, 4);
     if (!source || !destination) return 0;
-    pair.connection = static_cast<Connection>(shape.between(0, 2));
+    const auto bridge = static_cast<ko::icc::Bridge>(shape.between(0, 2));
     if (ko::icc::lutSetup(source.get()) != 1) return 0;
     if (ko::icc::lutSetup(destination.get()) == 1) {
-        pair.source = source.get();
-        pair.destination = destination.get();
+        const IccPair pair(*source, *destination, bridge);
         const NodeChain chain(settings, *base, hasBlack ? black : nullptr);
         for (const Cmyk& node : nodes) {
             const auto convert = [&](Cmyk& cmyk) { convertThroughIcc(pair, cmyk); };

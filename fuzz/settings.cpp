@@ -14,6 +14,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     const size_t half = size / 2;
     const ko::LanguageTable table(text.substr(0, half), text.substr(half));
-    (void)table.convert("text");
+    (void)table.translated("text");
     return 0;
 }

@@ -70,7 +70,8 @@ double Curve::parametricAt(double x) const noexcept {
 // The piece whose values hold y is taken; where the pieces do not meet, the upper one begins at
 // its own first value.
 double Curve::parametricInverse(double y) const noexcept {
-    const auto [g, a, b, c, d, e, f] = p_;
+    // Named one by one: not every compiler lets a lambda capture the names of a binding.
+    const double g = p_[0], a = p_[1], b = p_[2], c = p_[3], d = p_[4], e = p_[5], f = p_[6];
     const double offset = form_ == 2 ? c : form_ == 4 ? e : 0;
     const auto upper = [&] {
         const double root = g > kTiny || g < -kTiny ? powerOrZero(y - offset, 1 / g) : 0;
