@@ -8,7 +8,9 @@
 #include "calib/calib.h"
 #include "calib/keys.h"
 #include "calib/number_format.h"
+#include "frame/ascii.h"
 #include "frame/file.h"
+#include "frame/lines.h"
 #include "frame/scan.h"
 #include "frame/settings.h"
 #include "frame/text.h"
@@ -73,7 +75,7 @@ Block<CalibCurveSet> emptySet(const Sizes& sizes, const char* path) {
 
 // The plain form: lines of a key and a value.
 bool hasKey(const char* line, std::string_view key) noexcept {
-    return jStrCmpNI(line, key.data(), key.size()) == 0;
+    return startsIgnoringCase(line, key);
 }
 
 Scanner valueFrom(const char* line, size_t start, std::string_view separators) noexcept {
@@ -87,7 +89,7 @@ Scanner valueFrom(const char* line, size_t start, std::string_view separators) n
 template <class Read>
 void readLines(std::string_view text, Read&& read) {
     LineReader lines(text);
-    for (char line[kLineSize]; jFilesGets(lines, line);) {
+    for (char line[kLineSize]; lines.next(line);) {
         if (char* semicolon = std::strchr(line, ';')) *semicolon = '\0';
         if (line[0] != '\0') read(line);
     }

@@ -11,16 +11,21 @@
 namespace ko::calib {
 namespace {
 
-void writeSet(const RegsHandle& file, const CalibCurveSet& set) {
-    jRegsOpenDirectory(file, kSetDirectory);
-    jRegsSetKey(file, "TITLE", textIn(set.title));
-    jRegsSetKey(file, "DESC", textIn(set.desc));
-    jRegsSetKey(file, "CHANNEL", std::to_string(channelsOf(set).size()));
-    jRegsSetKey(file, "RANGE", std::to_string(set.range));
-    jRegsSetKey(file, "LIMIT", std::to_string(set.limit));
-    jRegsSetKey(file, "CTYPE", std::to_string(set.ctype));
-    jRegsSetKey(file, "FORMAT_X", textIn(set.formatX));
-    jRegsSetKey(file, "FORMAT_Y", textIn(set.formatY));
+// The keys are names that every file holds, and a set is far below a file's limits.
+void put(SettingsFile& file, std::string_view key, std::string_view value) {
+    (void)file.set(key, value);
+}
+
+void writeSet(SettingsFile& file, const CalibCurveSet& set) {
+    file.select(kSetDirectory);
+    put(file, "TITLE", textIn(set.title));
+    put(file, "DESC", textIn(set.desc));
+    put(file, "CHANNEL", std::to_string(channelsOf(set).size()));
+    put(file, "RANGE", std::to_string(set.range));
+    put(file, "LIMIT", std::to_string(set.limit));
+    put(file, "CTYPE", std::to_string(set.ctype));
+    put(file, "FORMAT_X", textIn(set.formatX));
+    put(file, "FORMAT_Y", textIn(set.formatY));
 }
 
 std::string colourText(uint32_t lrgb) {
@@ -28,13 +33,13 @@ std::string colourText(uint32_t lrgb) {
     return part(0) + ',' + part(8) + ',' + part(16);
 }
 
-void writeChannel(const RegsHandle& file, const CalibChannel& channel, const NumberFormat& formatX,
+void writeChannel(SettingsFile& file, const CalibChannel& channel, const NumberFormat& formatX,
                   const NumberFormat& formatY) {
-    jRegsSetKey(file, kNameKey, textIn(channel.name));
-    jRegsSetKey(file, kColourKey, colourText(channel.lrgb));
+    put(file, kNameKey, textIn(channel.name));
+    put(file, kColourKey, colourText(channel.lrgb));
     int index = 0;
     for (const CalibTone& tone : tonesOf(channel))
-        jRegsSetKey(file, toneKey(index++), formatX.print(tone.x) + ',' + formatY.print(tone.y));
+        put(file, toneKey(index++), formatX.print(tone.x) + ',' + formatY.print(tone.y));
 }
 
 }  // namespace
@@ -44,17 +49,17 @@ bool saveCurve(CalibCurveSet& set, const char* path) {
     if (textIn(set.path).size() == std::size(set.path))  // it lacks its terminator
         return platform::failFor(platform::Cause::wrongArgument);
     // What a file at that path holds is not kept: the settings are written afresh.
-    const RegsHandle file = jRegsOpen(set.path, RegsOpen::afresh);
+    auto file = SettingsFile::startAfresh(set.path);
     if (!file) return false;
-    writeSet(file, set);
+    writeSet(*file, set);
     const NumberFormat formatX = usableFormat(textIn(set.formatX));
     const NumberFormat formatY = usableFormat(textIn(set.formatY));
     int index = 0;
     for (const CalibChannel& channel : channelsOf(set)) {
-        jRegsOpenDirectory(file, channelDirectory(index++));
-        writeChannel(file, channel, formatX, formatY);
+        file->select(channelDirectory(index++));
+        writeChannel(*file, channel, formatX, formatY);
     }
-    return jRegsFlash(file);
+    return file->save();
 }
 
 }  // namespace ko::calib

@@ -10,6 +10,9 @@
 #include "cli/errors.h"
 #include "cli/system.h"
 #include "cmyk/load.h"
+#include "frame/ascii.h"
+#include "frame/lines.h"
+#include "frame/path.h"
 #include "frame/text.h"
 
 namespace ko::cli {
@@ -89,9 +92,7 @@ uint64_t wholeTableBytes(FileType type) {
 bool hasLineBeginning(const InputFile& file, std::string_view beginning) {
     LineReader lines(file.text());
     for (std::string_view line; lines.next(line);)
-        if (line.size() >= beginning.size() &&
-            jStrCmpNI(line.data(), beginning.data(), beginning.size()) == 0)
-            return true;
+        if (startsIgnoringCase(line, beginning)) return true;
     return false;
 }
 

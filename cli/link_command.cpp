@@ -18,6 +18,7 @@
 #include "cmyk/cmyk.h"
 #include "cmyk/description.h"
 #include "cmyk/save.h"
+#include "frame/path.h"
 #include "frame/text.h"
 
 namespace ko::cli {

@@ -9,6 +9,7 @@
 #include "cli/table_file.h"
 #include "cmyk/cmyk.h"
 #include "cmyk/table_text.h"
+#include "frame/lines.h"
 #include "frame/text.h"
 
 namespace ko::cli {

@@ -9,6 +9,7 @@
 #include "cmyk/combine_icc.h"
 #include "cmyk/plugin.h"
 #include "frame/bytes.h"
+#include "frame/path.h"
 #include "frame/platform.h"
 #include "frame/state.h"
 #include "frame/text.h"

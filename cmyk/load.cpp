@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "frame/file.h"
+#include "frame/path.h"
 #include "frame/text.h"
 
 namespace ko::cmyk {

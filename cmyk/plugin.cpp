@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "frame/path.h"
 #include "frame/platform.h"
-#include "frame/text.h"
 
 namespace ko::cmyk {
 

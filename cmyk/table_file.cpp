@@ -9,8 +9,8 @@
 
 #include "cmyk/cmyk.h"
 #include "cmyk/table_text.h"
+#include "frame/ascii.h"
 #include "frame/file.h"
-#include "frame/text.h"
 
 namespace ko::cmyk {
 namespace {
@@ -53,9 +53,7 @@ std::string_view tableLine(std::string_view line) noexcept {
 }
 
 bool isTableStart(std::string_view line) noexcept {
-    return std::ranges::equal(tableLine(line), kBeginData, [](char a, char b) {
-        return (a >= 'A' && a <= 'Z' ? static_cast<char>(a + 32) : a) == b;
-    });
+    return sameIgnoringCase(tableLine(line), kBeginData);
 }
 
 TableFile tableFileOf(LineReader& lines) noexcept {

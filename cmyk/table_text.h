@@ -7,8 +7,8 @@
 #include <optional>
 #include <string_view>
 
+#include "frame/lines.h"
 #include "frame/scan.h"
-#include "frame/text.h"
 
 namespace ko::cmyk {
 

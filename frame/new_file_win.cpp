@@ -13,6 +13,8 @@
 #include <string_view>
 #include <utility>
 
+#include "frame/path.h"
+
 #include "frame/platform.h"
 
 namespace ko::platform {

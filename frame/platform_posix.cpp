@@ -16,6 +16,7 @@
 #include <ctime>
 #include <memory>
 
+#include "frame/ascii.h"
 #include "frame/posix_file.h"
 #include "resources/texts.h"
 
@@ -99,10 +100,6 @@ uint64_t skipHole(FileHandle file, uint64_t position, uint64_t size) noexcept {
 
 namespace {
 
-char lowerCase(char character) noexcept {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
-}
-
 // After a mismatch only the last star may take one character more, so the work is bounded by the
 // product of the lengths.
 bool matches(std::string_view pattern, std::string_view name) noexcept {
@@ -113,7 +110,7 @@ bool matches(std::string_view pattern, std::string_view name) noexcept {
             star = at++;
             resume = i;
         } else if (at < pattern.size() &&
-                   (pattern[at] == '?' || lowerCase(pattern[at]) == lowerCase(name[i]))) {
+                   (pattern[at] == '?' || lowerAscii(pattern[at]) == lowerAscii(name[i]))) {
             ++at;
             ++i;
         } else if (star != std::string_view::npos) {
@@ -170,8 +167,8 @@ DateTime toDateTime(time_t moment) noexcept {
 }  // namespace
 
 bool samePath(const char* a, const char* b) noexcept {
-    for (; *a && lowerCase(*a) == lowerCase(*b); ++a) ++b;
-    return lowerCase(*a) == lowerCase(*b);
+    for (; *a && lowerAscii(*a) == lowerAscii(*b); ++a) ++b;
+    return lowerAscii(*a) == lowerAscii(*b);
 }
 
 DateTime localTime() noexcept { return toDateTime(::time(nullptr)); }

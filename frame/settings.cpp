@@ -3,31 +3,17 @@
 #include <algorithm>
 #include <new>
 
+#include "frame/ascii.h"
+#include "frame/encoding.h"
 #include "frame/file.h"
-#include "frame/text.h"
+#include "frame/path.h"
 
 namespace ko {
 namespace {
 
-constexpr uint8_t lower(char character) noexcept {
-    const auto byte = static_cast<uint8_t>(character);
-    return byte >= 'A' && byte <= 'Z' ? static_cast<uint8_t>(byte + 32) : byte;
-}
-
 constexpr bool isBlank(char character) noexcept { return character == ' ' || character == '\t'; }
 
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-
-std::string_view trimmed(std::string_view text) noexcept {
-    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
-    return text;
-}
-
-bool sameName(std::string_view a, std::string_view b) noexcept {
-    const NameLess less;
-    return !less(a, b) && !less(b, a);
-}
 
 // A backslash that is a character, not the second half of one in Shift-JIS.
 size_t findBackslash(std::string_view text) noexcept {
@@ -70,7 +56,7 @@ std::string_view takeName(std::string_view& path) noexcept {
 // nothing is skipped.
 void close(std::vector<SettingsTree::Directory*>& open, std::string_view name) {
     for (size_t at = open.size() - 1; at > 0; --at)
-        if (sameName(open[at]->name, name)) return open.resize(at);
+        if (sameIgnoringCase(open[at]->name, name)) return open.resize(at);
 }
 
 void write(const SettingsTree::Directory& directory, size_t depth, std::string& text) {
@@ -86,8 +72,7 @@ void write(const SettingsTree::Directory& directory, size_t depth, std::string& 
 }  // namespace
 
 bool NameLess::operator()(std::string_view a, std::string_view b) const noexcept {
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [](char x, char y) { return lower(x) < lower(y); });
+    return compareIgnoringCase(a, b) < 0;
 }
 
 const SettingsTree::Key* SettingsTree::Directory::findKey(std::string_view key) const noexcept {
@@ -236,28 +221,5 @@ bool SettingsFile::save() const noexcept try {
     platform::setLastError(platform::Cause::shortMemory);
     return false;
 }
-
-RegsHandle jRegsOpen(const char* path, RegsOpen how) {
-    auto file =
-        how == RegsOpen::existing ? SettingsFile::open(path) : SettingsFile::startAfresh(path);
-    return file ? std::make_unique<SettingsFile>(std::move(*file)) : nullptr;
-}
-
-void jRegsOpenDirectory(const RegsHandle& file, std::string_view directory) {
-    if (file) file->select(directory);
-}
-
-bool jRegsGetKey(const RegsHandle& file, std::string_view key, std::span<char> buffer) noexcept {
-    const std::string* value = file ? file->value(key) : nullptr;
-    if (!value) return false;
-    copyText(buffer, *value);
-    return true;
-}
-
-bool jRegsSetKey(const RegsHandle& file, std::string_view key, std::string_view text) {
-    return file && file->set(key, text);
-}
-
-bool jRegsFlash(const RegsHandle& file) noexcept { return file && file->save(); }
 
 }  // namespace ko

@@ -4,9 +4,7 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -90,24 +88,5 @@ private:
     std::string directory_;
     SettingsTree tree_;
 };
-
-// The names that the file formats' descriptions use. The handle closes what it opened.
-using RegsHandle = std::unique_ptr<SettingsFile>;
-
-// existing: the file must be there to be read. afresh: the settings start without a key and
-// replace the file, if there is one, at jRegsFlash.
-enum class RegsOpen { existing, afresh };
-[[nodiscard]] RegsHandle jRegsOpen(const char* path, RegsOpen how = RegsOpen::existing);
-
-// Selects the directory of the calls that follow, by a path such as "\CALIB\CURVE_00"; it comes
-// into being with its first key.
-void jRegsOpenDirectory(const RegsHandle& file, std::string_view directory);
-// Copies a value, cut at a whole character if need be; false, the buffer untouched, without such
-// a key.
-[[nodiscard]] bool jRegsGetKey(const RegsHandle& file, std::string_view key,
-                               std::span<char> buffer) noexcept;
-bool jRegsSetKey(const RegsHandle& file, std::string_view key, std::string_view text);
-[[nodiscard]] bool jRegsFlash(const RegsHandle& file) noexcept;
-inline void jRegsClose(RegsHandle& file) noexcept { file.reset(); }
 
 }  // namespace ko

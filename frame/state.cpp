@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "frame/ascii.h"
 #include "frame/exception_room.h"
+#include "frame/path.h"
 #include "frame/settings.h"
 #include "frame/text.h"
 
@@ -11,13 +13,6 @@ namespace {
 
 constinit ProcessState state;  // of plain members, so that no destructor runs before detach
 constinit bool attached = false;
-
-std::string_view withoutBlanks(std::string_view text) noexcept {
-    constexpr std::string_view kBlanks = " \t";
-    const size_t first = text.find_first_not_of(kBlanks);
-    if (first == text.npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
 
 std::string_view viewOf(std::span<const char> bytes) noexcept {
     return {bytes.data(), bytes.size()};
@@ -28,12 +23,12 @@ std::string_view viewOf(std::span<const char> bytes) noexcept {
 // names no folder, and the default stays.
 void readProductFolder() {
     const std::string ini = joinPath(joinPath(state.moduleFolder, "ini"), "KoLink.ini");
-    RegsHandle file = jRegsOpen(ini.c_str());
+    auto file = SettingsFile::open(ini.c_str());
     if (!file) return;
-    jRegsOpenDirectory(file, "\\INI");
-    char buffer[2 * platform::kPathSize] = {};
-    if (!jRegsGetKey(file, "KO_FOLDER", buffer)) return;
-    std::string value(withoutBlanks(buffer));
+    file->select("\\INI");
+    const std::string* const folder = file->value("KO_FOLDER");
+    if (!folder) return;
+    std::string value(trimmed(*folder));
     const bool relative = value.starts_with('@') || !platform::isAbsolute(value);
     if (value.starts_with('@')) value.erase(0, 1);
     if (value.empty()) return;
@@ -75,7 +70,7 @@ void attach(const AttachSettings& settings) noexcept {
                              ? copyPath(state.modulePath, settings.modulePath->c_str())
                              : platform::modulePath(state.modulePath);
     if (located) {
-        jFilesSplitPath(state.modulePath, state.moduleFolder, {});
+        copyText(state.moduleFolder, folderOf(textIn(state.modulePath)));
         (void)copyPath(state.productFolder, state.moduleFolder);
         attempt(readProductFolder);
     }

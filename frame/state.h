@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
+#include "frame/encoding.h"
 #include "frame/language.h"
 #include "frame/platform.h"
-#include "frame/text.h"
 
 namespace ko {
 

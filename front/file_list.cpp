@@ -3,6 +3,8 @@
 #include <cstring>
 #include <new>
 
+#include "frame/ascii.h"
+#include "frame/path.h"
 #include "frame/text.h"
 #include "front/front.h"
 #include "icc/icc.h"
@@ -10,17 +12,10 @@
 namespace ko::front {
 namespace {
 
-char lower(char character) noexcept {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
-}
-
 // By name without regard to ASCII case, so that a list is the same on every platform and file
 // system; names that differ in case alone by their bytes.
 bool isBefore(const std::string& a, const std::string& b) noexcept {
-    const auto order = std::lexicographical_compare_three_way(
-        a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-            return static_cast<uint8_t>(lower(x)) <=> static_cast<uint8_t>(lower(y));
-        });
+    const int order = compareIgnoringCase(a, b);
     return order != 0 ? order < 0 : a < b;
 }
 

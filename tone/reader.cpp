@@ -7,7 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "frame/ascii.h"
 #include "frame/file.h"
+#include "frame/lines.h"
 #include "frame/scan.h"
 #include "frame/text.h"
 #include "tone/fields.h"
@@ -28,7 +30,7 @@ Scanner valueAfter(const char* line, size_t keySize, std::string_view separators
 }
 
 bool hasKey(const char* line, std::string_view key) noexcept {
-    return jStrCmpNI(line, key.data(), key.size()) == 0;
+    return startsIgnoringCase(line, key);
 }
 
 void cutAtSemicolon(char* line) noexcept {
@@ -93,7 +95,7 @@ template <class ReadLine>
 void read(ToneCurve& curve, std::string_view text, int32_t maxValue, ReadLine&& readLine) {
     initToneCurve(curve);
     LineReader lines(text);
-    for (char line[kLineSize]; jFilesGets(lines, line);) readLine(line);
+    for (char line[kLineSize]; lines.next(line);) readLine(line);
     encode(curve, Interpolation::spline, maxValue);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "frame/file.h"
+#include "frame/lines.h"
 #include "frame/text.h"
 #include "tone/fields.h"
 #include "tone/tone.h"
@@ -30,7 +31,7 @@ void putCurve(LineWriter& lines, const ToneCurve& curve, const CurveKey& key) {
         line += flags[x] != 0 ? formatted("%4d", values[x]) : formatted("%+4d", values[x]);
         line += field + 1 < kGridFields ? ',' : ';';
     }
-    jFilesPuts(lines, line);
+    lines.put(line);
 }
 
 void putCurves(LineWriter& lines, const ToneCurve& curve, size_t curves) {
@@ -51,13 +52,13 @@ bool saveBkcCurve(ToneCurve& curve, const char* path) {
     if (!hasChannels(curve, 1)) return false;
     const std::string rule(48, '-');
     LineWriter lines;
-    jFilesPuts(lines, rule);
-    jFilesPuts(lines, "  TONE CURVE file ver2.0");
-    jFilesPuts(lines, rule);
-    jFilesPuts(lines, std::string("TITLE  = ").append(textIn(curve.title)));
+    lines.put(rule);
+    lines.put("  TONE CURVE file ver2.0");
+    lines.put(rule);
+    lines.put(std::string("TITLE  = ").append(textIn(curve.title)));
     for (size_t x = 0; x < kLevels; ++x)
         if (flagsOf(curve, 0)[x] != 0)
-            jFilesPuts(lines, formatted("TONE   = %3d,%3d", static_cast<int>(x), valuesOf(curve, 0)[x]));
+            lines.put(formatted("TONE   = %3d,%3d", static_cast<int>(x), valuesOf(curve, 0)[x]));
     return save(curve, path, lines);
 }
 
@@ -72,15 +73,15 @@ bool saveDcc(DccSettings& settings, const char* path) {
     if (!hasChannels(settings, 6)) return false;
     ToneCurve& curves = *settings.curves;
     LineWriter lines;
-    jFilesPuts(lines, std::string("DEV    = ").append(textIn(curves.title)) + ';');
+    lines.put(std::string("DEV    = ").append(textIn(curves.title)) + ';');
     if (settings.DPIX == settings.DPIY) {
-        jFilesPuts(lines, formatted("DPI    = %d;", settings.DPIX));
+        lines.put(formatted("DPI    = %d;", settings.DPIX));
     } else {
-        jFilesPuts(lines, formatted("DPIX   = %d;", settings.DPIX));
-        jFilesPuts(lines, formatted("DPIY   = %d;", settings.DPIY));
+        lines.put(formatted("DPIX   = %d;", settings.DPIX));
+        lines.put(formatted("DPIY   = %d;", settings.DPIY));
     }
-    jFilesPuts(lines, formatted("WINK   = %d;", settings.WINK));
-    jFilesPuts(lines, formatted("LCLM   = %d;", settings.LCLM));
+    lines.put(formatted("WINK   = %d;", settings.WINK));
+    lines.put(formatted("LCLM   = %d;", settings.LCLM));
     putCurves(lines, curves, kDccCurves);
     return save(curves, path, lines);
 }

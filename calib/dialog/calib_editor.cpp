@@ -9,7 +9,9 @@
 
 #include "calib/number_format.h"
 #include "frame/arithmetic.h"
+#include "frame/path.h"
 #include "frame/scan.h"
+#include "frame/text.h"
 #include "resources/texts.h"
 
 namespace ko::calib {
@@ -69,7 +71,7 @@ std::string_view CalibEditor::fileName() const noexcept {
 
 std::string CalibEditor::dateText(bool yearLast) const {
     platform::DateTime time;
-    if (!hasFile_ || !jFilesGetFileTime(set_.path, time)) return {};
+    if (!hasFile_ || !platform::fileTime(set_.path, time)) return {};
     char text[32];
     if (yearLast)
         std::snprintf(text, sizeof text, "%02d/%02d/%04d", time.month, time.day, time.year);
@@ -314,7 +316,7 @@ bool CalibEditor::add() {
 
 void CalibEditor::leaveTitle(std::string_view title, Encoding encoding) {
     copyText(set_.title, title, encoding);
-    jStrCorrect(set_.title, encoding);
+    correctTyped(set_.title, encoding);
 }
 
 void CalibEditor::initialise() {

@@ -8,6 +8,7 @@
 #include "frame/dialog/ask_win.h"
 #include "frame/dialog/surface_win.h"
 #include "frame/dialog/text_win.h"
+#include "frame/text.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
 

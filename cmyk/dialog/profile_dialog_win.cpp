@@ -9,6 +9,8 @@
 #include "frame/dialog/drawing_win.h"
 #include "frame/dialog/surface_win.h"
 #include "frame/dialog/text_win.h"
+#include "frame/path.h"
+#include "frame/text.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
 

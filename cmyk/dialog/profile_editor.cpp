@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "cmyk/description.h"
+#include "frame/path.h"
+#include "frame/text.h"
 #include "resources/texts.h"
 
 namespace ko::cmyk {
@@ -33,12 +35,12 @@ void ProfileEditor::leaveName(std::string_view name) {
     std::string line(name);  // a pasted line end would split it in the file
     std::replace_if(line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     copyText(profile_.name, line);
-    jStrCorrect(profile_.name);
+    correctTyped(profile_.name);
 }
 
 void ProfileEditor::leaveComment(std::string_view comment) {
     if (comment != this->comment()) copyText(profile_.comment, comment);
-    jStrCorrect(profile_.comment);
+    correctTyped(profile_.comment);
     copyText(profile_.comment, asPlainText(textIn(profile_.comment)));
 }
 

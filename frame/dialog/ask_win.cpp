@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "frame/dialog/text_win.h"
+#include "frame/path.h"
 
 namespace ko::dialog {
 namespace {

@@ -7,7 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "frame/text.h"
+#include "frame/encoding.h"
+
 
 namespace ko::dialog {
 

@@ -12,7 +12,6 @@
 #include "frame/dialog/dialog_win.h"
 #include "frame/dialog/drawing_win.h"
 #include "frame/dialog/text_win.h"
-#include "frame/text.h"
 #include "front/dialog/colour_pick_win.h"
 #include "front/dialog/device_link.h"
 #include "front/front.h"

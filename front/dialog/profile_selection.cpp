@@ -4,6 +4,7 @@
 #include <string>
 
 #include "frame/boundary.h"
+#include "frame/path.h"
 #include "frame/platform.h"
 #include "frame/text.h"
 #include "front/front.h"

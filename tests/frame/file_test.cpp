@@ -6,7 +6,8 @@
 #include <cstring>
 #include <fstream>
 
-#include "frame/text.h"
+#include "frame/lines.h"
+#include "frame/path.h"
 #include "tests/frame/code_page.h"
 #include "tests/support/files.h"
 
@@ -21,7 +22,7 @@ std::vector<std::string> linesOf(const std::string& text, size_t size) {
     LineReader reader(text);
     std::vector<char> buffer(size);
     std::vector<std::string> lines;
-    while (jFilesGets(reader, buffer)) lines.emplace_back(buffer.data());
+    while (reader.next(buffer)) lines.emplace_back(buffer.data());
     return lines;
 }
 
@@ -59,8 +60,8 @@ TEST(Lines, AreCutAtAWholeCharacter) {
 
 TEST(Lines, AreWrittenWithCrLf) {
     LineWriter writer;
-    jFilesPuts(writer, "a");
-    jFilesPuts(writer, "");
+    writer.put("a");
+    writer.put("");
     EXPECT_EQ(writer.text(), "a\r\n\r\n");
 }
 
@@ -270,7 +271,7 @@ TEST(FileTime, IsTheLocalTimeOfTheLastChange) {
     const TempFolder folder;
     writeFile(folder.path("a"), "x");
     platform::DateTime time{}, now = platform::localTime();
-    ASSERT_TRUE(jFilesGetFileTime(folder.path("a").c_str(), time));
+    ASSERT_TRUE(platform::fileTime(folder.path("a").c_str(), time));
     // Within two days: whatever the hour is, a wrong field or zone would be further away.
     const auto days = [](const platform::DateTime& t) { return t.year * 372 + t.month * 31 + t.day; };
     EXPECT_LE(std::abs(days(now) - days(time)), 5);
@@ -281,8 +282,7 @@ TEST(FileTime, IsTheLocalTimeOfTheLastChange) {
 TEST(FileTime, OfNothingIsRefused) {
     const TempFolder folder;
     platform::DateTime time{1, 2, 3, 4, 5, 6};
-    EXPECT_FALSE(jFilesGetFileTime(folder.path("missing").c_str(), time));
-    EXPECT_FALSE(jFilesGetFileTime(nullptr, time));
+    EXPECT_FALSE(platform::fileTime(folder.path("missing").c_str(), time));
     EXPECT_EQ(time.year, 1);
 }
 

@@ -11,8 +11,8 @@
 #include <thread>
 
 #include "frame/file.h"
+#include "frame/path.h"
 #include "frame/state.h"
-#include "frame/text.h"
 #include "tests/frame/code_page.h"
 #include "tests/support/files.h"
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "frame/path.h"
 #include "frame/text.h"
 #include "kolink/link_settings.h"
 #include "tests/frame/code_page.h"

@@ -219,105 +219,90 @@ TEST(SettingsWriter, RefusesWhatLiesTooDeep) {
 
 TEST(SettingsFile, ThatIsMissingIsNotOpened) {
     const TempFolder folder;
-    EXPECT_EQ(jRegsOpen(folder.path("missing").c_str()), nullptr);
-    EXPECT_EQ(jRegsOpen(folder.folder().string().c_str()), nullptr);
-    EXPECT_EQ(jRegsOpen(nullptr), nullptr);
+    EXPECT_FALSE(SettingsFile::open(folder.path("missing").c_str()));
+    EXPECT_FALSE(SettingsFile::open(folder.folder().string().c_str()));
+    EXPECT_FALSE(SettingsFile::open(nullptr));
 }
 
 TEST(SettingsFile, ThatIsEmptyHasNoKeys) {
     const TempFolder folder;
     writeFile(folder.path("a"), "");
-    const RegsHandle file = jRegsOpen(folder.path("a").c_str());
-    ASSERT_NE(file, nullptr);
-    char buffer[8] = "old";
-    EXPECT_FALSE(jRegsGetKey(file, "K", buffer));
-    EXPECT_STREQ(buffer, "old");
+    auto file = SettingsFile::open(folder.path("a").c_str());
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->value("K"), nullptr);
 }
 
 TEST(SettingsFile, ThatIsHugeIsNotOpened) {
     const TempFolder folder;
     writeFile(folder.path("a"), std::string(SettingsTree::kMaxFileSize + 1, ' '));
-    EXPECT_EQ(jRegsOpen(folder.path("a").c_str()), nullptr);
+    EXPECT_FALSE(SettingsFile::open(folder.path("a").c_str()));
 }
 
-TEST(SettingsFile, GivesValuesCutAtAWholeCharacter) {
+TEST(SettingsFile, GivesTheValueOfTheSelectedDirectory) {
     const TempFolder folder;
-    writeFile(folder.path("a"), "<A>\nK = ab\x95\x5c\n</A>\n");
-    const RegsHandle file = jRegsOpen(folder.path("a").c_str());
-    jRegsOpenDirectory(file, "\\A");
-    char large[8], small[4];
-    EXPECT_TRUE(jRegsGetKey(file, "K", large));
-    EXPECT_STREQ(large, "ab\x95\x5c");
-    EXPECT_TRUE(jRegsGetKey(file, "K", small));
-    EXPECT_STREQ(small, "ab");
+    writeFile(folder.path("a"), "K = 1\n<A>\nK = ab\x95\x5c\n</A>\n");
+    auto file = SettingsFile::open(folder.path("a").c_str());
+    ASSERT_TRUE(file);
+    file->select("\\A");
+    ASSERT_NE(file->value("k"), nullptr);
+    EXPECT_EQ(*file->value("k"), "ab\x95\x5c");
 }
 
 TEST(SettingsFile, StartedAfreshReplacesTheOldOneWhenItIsSaved) {
     const TempFolder folder;
     writeFile(folder.path("a"), "<A>\nOLD = 1\n</A>\n");
-    RegsHandle file = jRegsOpen(folder.path("a").c_str(), RegsOpen::afresh);
-    ASSERT_NE(file, nullptr);
-    jRegsOpenDirectory(file, "\\A");
-    char buffer[8];
-    EXPECT_FALSE(jRegsGetKey(file, "OLD", buffer));
-    EXPECT_TRUE(jRegsSetKey(file, "NEW", "2"));
+    auto file = SettingsFile::startAfresh(folder.path("a").c_str());
+    ASSERT_TRUE(file);
+    file->select("\\A");
+    EXPECT_EQ(file->value("OLD"), nullptr);
+    EXPECT_TRUE(file->set("NEW", "2"));
     EXPECT_EQ(test::readText(folder.path("a")), "<A>\nOLD = 1\n</A>\n");
-    EXPECT_TRUE(jRegsFlash(file));
-    jRegsClose(file);
+    EXPECT_TRUE(file->save());
+    file.reset();
     EXPECT_EQ(test::readText(folder.path("a")), "<A>\r\n    NEW = 2\r\n</A>\r\n");
 }
 
 TEST(SettingsFile, KeepsItsOtherKeysWhenOneIsSet) {
     const TempFolder folder;
     writeFile(folder.path("a"), "<A>\nK = 1\nL = 2\n</A>\n");
-    const RegsHandle file = jRegsOpen(folder.path("a").c_str());
-    jRegsOpenDirectory(file, "\\A");
-    EXPECT_TRUE(jRegsSetKey(file, "k", "3"));
-    EXPECT_TRUE(jRegsFlash(file));
+    auto file = SettingsFile::open(folder.path("a").c_str());
+    file->select("\\A");
+    EXPECT_TRUE(file->set("k", "3"));
+    EXPECT_TRUE(file->save());
     EXPECT_EQ(test::readText(folder.path("a")), "<A>\r\n    K = 3\r\n    L = 2\r\n</A>\r\n");
 }
 
 TEST(SettingsFile, ChangesNothingOnDiskUntilItIsSaved) {
     const TempFolder folder;
     writeFile(folder.path("a"), "<A>\nK = 1\n</A>\n");
-    RegsHandle file = jRegsOpen(folder.path("a").c_str());
-    jRegsOpenDirectory(file, "\\A");
-    EXPECT_TRUE(jRegsSetKey(file, "K", "2"));
-    jRegsClose(file);
+    auto file = SettingsFile::open(folder.path("a").c_str());
+    file->select("\\A");
+    EXPECT_TRUE(file->set("K", "2"));
+    file.reset();
     EXPECT_EQ(test::readText(folder.path("a")), "<A>\nK = 1\n</A>\n");
 }
 
 TEST(SettingsFile, ThatCannotBeWrittenLeavesTheOldOne) {
     const TempFolder folder;
-    EXPECT_EQ(jRegsOpen("", RegsOpen::afresh), nullptr);
-    EXPECT_EQ(jRegsOpen(nullptr, RegsOpen::afresh), nullptr);
-    const RegsHandle nowhere = jRegsOpen(folder.path("missing/a").c_str(), RegsOpen::afresh);
-    EXPECT_TRUE(jRegsSetKey(nowhere, "K", "1"));
-    EXPECT_FALSE(jRegsFlash(nowhere));
+    EXPECT_FALSE(SettingsFile::startAfresh(""));
+    EXPECT_FALSE(SettingsFile::startAfresh(nullptr));
+    auto nowhere = SettingsFile::startAfresh(folder.path("missing/a").c_str());
+    EXPECT_TRUE(nowhere->set("K", "1"));
+    EXPECT_FALSE(nowhere->save());
     fs::create_directory(folder.folder() / "b");
-    const RegsHandle taken = jRegsOpen(folder.path("b").c_str(), RegsOpen::afresh);
-    EXPECT_TRUE(jRegsSetKey(taken, "K", "1"));
-    EXPECT_FALSE(jRegsFlash(taken));
+    auto taken = SettingsFile::startAfresh(folder.path("b").c_str());
+    EXPECT_TRUE(taken->set("K", "1"));
+    EXPECT_FALSE(taken->save());
     EXPECT_TRUE(fs::is_directory(folder.folder() / "b"));
 }
 
 TEST(SettingsFile, ThatCouldNotBeReadBackIsNotWritten) {
     const TempFolder folder;
     writeFile(folder.path("a"), "K = 1\n");
-    const RegsHandle file = jRegsOpen(folder.path("a").c_str(), RegsOpen::afresh);
-    EXPECT_TRUE(jRegsSetKey(file, "K", std::string(SettingsTree::kMaxFileSize, 'x')));
-    EXPECT_FALSE(jRegsFlash(file));
+    auto file = SettingsFile::startAfresh(folder.path("a").c_str());
+    EXPECT_TRUE(file->set("K", std::string(SettingsTree::kMaxFileSize, 'x')));
+    EXPECT_FALSE(file->save());
     EXPECT_EQ(test::readText(folder.path("a")), "K = 1\n");
-}
-
-TEST(SettingsFile, NoHandleHasNoKeys) {
-    RegsHandle none;
-    char buffer[8];
-    jRegsOpenDirectory(none, "\\A");
-    EXPECT_FALSE(jRegsGetKey(none, "K", buffer));
-    EXPECT_FALSE(jRegsSetKey(none, "K", "v"));
-    EXPECT_FALSE(jRegsFlash(none));
-    jRegsClose(none);
 }
 
 const test::Bytes& goodFile() {
@@ -354,12 +339,11 @@ TEST(SettingsReader, ReadsDamagedFilesFromDisk) {
     const TempFolder folder;
     for (uint32_t seed = 0; seed < 200; ++seed) {
         writeFile(folder.path("a"), test::mutated(goodFile(), seed));
-        const RegsHandle file = jRegsOpen(folder.path("a").c_str());
-        ASSERT_NE(file, nullptr);
-        jRegsOpenDirectory(file, "\\CALIB\\CURVE_01");
-        char value[6] = {};
-        (void)jRegsGetKey(file, "NAME", value);
-        EXPECT_EQ(value[5], '\0');
+        auto file = SettingsFile::open(folder.path("a").c_str());
+        ASSERT_TRUE(file);
+        file->select("\\CALIB\\CURVE_01");
+        const std::string* const value = file->value("NAME");
+        EXPECT_TRUE(!value || value->find_first_of(std::string_view("\r\n\0", 3)) == value->npos);
     }
 }
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "frame/file.h"
-#include "frame/text.h"
+#include "frame/path.h"
 #include "tests/frame/code_page.h"
 #include "tests/support/files.h"
 

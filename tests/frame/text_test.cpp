@@ -1,10 +1,11 @@
-#include "frame/text.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <cstring>
 
+#include "frame/ascii.h"
+#include "frame/path.h"
+#include "frame/text.h"
 #include "tests/frame/code_page.h"
 #include "tests/support/files.h"
 
@@ -52,44 +53,59 @@ TEST(Text, FieldWithoutTerminatorIsReadToItsEnd) {
     EXPECT_EQ(textIn(field), "abc");
 }
 
-TEST(Text, ComparesOnlyTheCharactersAskedFor) {
-    EXPECT_EQ(jStrCmpNI("CHANNEL 4", "channel 1", 8), 0);
-    EXPECT_NE(jStrCmpNI("CHANNEL 4", "channel 1", 9), 0);
+TEST(Ascii, CaseOfLettersIsIgnoredAndOfNothingElse) {
+    EXPECT_TRUE(sameIgnoringCase("Title", "tITLE"));
+    EXPECT_FALSE(sameIgnoringCase("a[", "a{"));
+    EXPECT_FALSE(sameIgnoringCase("\x83\x41", "\x83\x42"));
 }
 
-TEST(Text, ComparesUpToTheEndOfTheShorter) {
-    EXPECT_LT(jStrCmpNI("abc", "abcd", 8), 0);
-    EXPECT_GT(jStrCmpNI("abcd", "abc", 8), 0);
-    EXPECT_EQ(jStrCmpNI("abc", "ABC", 100), 0);
+TEST(Ascii, ComparesBytesAndTheShorterFirst) {
+    EXPECT_LT(compareIgnoringCase("abc", "abcd"), 0);
+    EXPECT_GT(compareIgnoringCase("abcd", "ABC"), 0);
+    EXPECT_LT(compareIgnoringCase("z", "\x83"), 0);
+    EXPECT_EQ(compareIgnoringCase("abc", "ABC"), 0);
+}
+
+TEST(Ascii, BeginningsAreComparedAsFarAsTheyGo) {
+    EXPECT_TRUE(startsIgnoringCase("CHANNEL 4", "channel "));
+    EXPECT_FALSE(startsIgnoringCase("CHANNEL 4", "channel 1"));
+    EXPECT_FALSE(startsIgnoringCase("CHAN", "channel"));
+}
+
+TEST(Ascii, TrimmingTakesBlanksAtBothEnds) {
+    EXPECT_EQ(trimmed(" \ta b\t "), "a b");
+    EXPECT_EQ(trimmed(" \r\n"), "\r\n");
+    EXPECT_EQ(trimmed("\r\n a\r\n", kBlanksAndLineEnds), "a");
+    EXPECT_EQ(trimmed("  "), "");
 }
 
 TEST(Text, CorrectionTrimsBlanks) {
     char text[260] = "  C:\\some folder\\a.icc \t";
-    jStrCorrect(text);
+    correctTyped(text);
     EXPECT_STREQ(text, "C:\\some folder\\a.icc");
 }
 
 TEST(Text, CorrectionDropsHalfACharacterAtTheEnd) {
     char text[5] = {'a', 'b', 'c', '\x95', '\0'};
-    jStrCorrect(text);
+    correctTyped(text);
     EXPECT_STREQ(text, "abc");
 }
 
 TEST(Text, CorrectionTerminatesAFullField) {
     char text[4] = {'a', 'b', 'c', 'd'};
-    jStrCorrect(text);
+    correctTyped(text);
     EXPECT_STREQ(text, "abc");
 }
 
 TEST(Text, CorrectionLeavesLineEndsInside) {
     char text[32] = "one\r\ntwo\r\n";
-    jStrCorrect(text);
+    correctTyped(text);
     EXPECT_STREQ(text, "one\r\ntwo");
 }
 
 TEST(Text, CorrectionOfBlanksAloneIsEmpty) {
     char text[8] = "   ";
-    jStrCorrect(text);
+    correctTyped(text);
     EXPECT_STREQ(text, "");
 }
 
@@ -113,10 +129,10 @@ TEST(Text, IsCutAtAWholeCharacterOfItsEncoding) {
 
 TEST(Text, CorrectionKeepsAChineseCharacterAtTheEnd) {
     char field[8] = " \xb5\xe3 ";
-    jStrCorrect(field, Encoding::gb2312);
+    correctTyped(field, Encoding::gb2312);
     EXPECT_EQ(textIn(field), "\xb5\xe3");
     std::memcpy(field, "\xb5\xe3\xb5\0", 4);
-    jStrCorrect(field, Encoding::gb2312);
+    correctTyped(field, Encoding::gb2312);
     EXPECT_EQ(textIn(field), "\xb5\xe3");
 }
 
@@ -184,21 +200,6 @@ TEST(Path, ExtensionIsComparedWithoutCase) {
     EXPECT_FALSE(hasExtension("a.icc2", ".icc"));
     EXPECT_FALSE(hasExtension("icc", ".icc"));
     EXPECT_FALSE(hasExtension(nullptr, ".icc"));
-}
-
-TEST(Path, SplitOutputsAreOptionalAndNeverCut) {
-    char folder[10], name[4] = "zzz";
-    jFilesSplitPath(native("/app/bin/abcd.icc"), folder, {});
-    EXPECT_EQ(std::string(folder), native("/app/bin"));
-    jFilesSplitPath(native("/app/bin/abcd.icc"), {}, name);
-    EXPECT_STREQ(name, "");
-}
-
-TEST(Path, MayBeSplitIntoItself) {
-    char path[16];
-    ASSERT_TRUE(copyPath(path, native("/app/a.icc").c_str()));
-    jFilesSplitPath(path, path, {});
-    EXPECT_EQ(std::string(path), native("/app"));
 }
 
 TEST(Path, ThatIsTooLongForAFieldIsRefused) {

@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "cmyk/cmyk.h"
-#include "frame/text.h"
 #include "front/front.h"
 #include "resources/texts.h"
 #include "tests/support/files.h"

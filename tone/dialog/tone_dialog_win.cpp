@@ -6,6 +6,8 @@
 #include "frame/dialog/ask_win.h"
 #include "frame/dialog/dialog_win.h"
 #include "frame/dialog/text_win.h"
+#include "frame/path.h"
+#include "frame/text.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
 #include "tone/dialog/curve_controls.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/path.h"
 #include "frame/scan.h"
 #include "frame/text.h"
 #include "resources/texts.h"
@@ -106,7 +107,7 @@ void ToneEditor::evaluate(uint32_t) { encode(curve_, Interpolation::spline, 255)
 
 void ToneEditor::leaveTitle(std::string_view title) {
     copyText(curve_.title, title);
-    jStrCorrect(curve_.title);
+    correctTyped(curve_.title);
 }
 
 void ToneEditor::leaveSetting(DccField field, std::string_view number) {
