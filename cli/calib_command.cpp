@@ -18,7 +18,7 @@
 namespace ko::cli {
 
 CalibPtr loadCalib(const InputFile& file) {
-    CalibPtr set = reasoned([&] { return calib::readCurve(file.text(), file.libraryPath.c_str()); });
+    CalibPtr set = reasoned([&] { return calib::readCurve(file.text(), toLibraryPath(file.path).c_str()); });
     if (set) return set;
     throwIfNotItsFault(file.path);
     failOn(file.path, "is no calibration set: it names no channel count from 1 to 16");

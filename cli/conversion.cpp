@@ -225,8 +225,9 @@ std::unique_ptr<Conversion> ConversionOptions::makeColour(std::optional<ColourSp
 
     CmsLinkSettings settings;
     jCmsInitCms(&settings);
-    copyToField(settings.sourcePath, source.file().libraryPath);
-    copyToField(settings.destinationPath, destination.file().libraryPath);
+    const LibraryName sourceName(*source_), destinationName(*destination_);
+    copyToField(settings.sourcePath, sourceName.path());
+    copyToField(settings.destinationPath, destinationName.path());
     settings.intent = intent;
     settings.whiteMode = white_.value_or("clean") == "clean" ? 1 : 0;
     const std::string preserve = preserve_.value_or("none");

@@ -30,9 +30,9 @@ constexpr TypeName kTypes[] = {
     {".dcc", FileType::dcc, kCurveFiles},            {".clb", FileType::calibration, kCalibrationFiles},
 };
 
-const TypeName* typeByExtension(const std::string& libraryPath) {
+const TypeName* typeByExtension(const std::string& path) {
     for (const TypeName& known : kTypes)
-        if (hasExtension(libraryPath.c_str(), known.extension)) return &known;
+        if (endsWith(path, known.extension)) return &known;
     return nullptr;
 }
 
@@ -49,10 +49,13 @@ InputFile read(const std::string& path, uint64_t wanted) {
     if (fs::is_directory(status)) failOn(path, "is a folder, not a file");
     if (fs::exists(status) && !fs::is_regular_file(status)) failOn(path, "is not a regular file");
 
-    InputFile input{path, toLibraryPath(path), 0, FileType::foreign, {}};
-    const TypeName* const known = typeByExtension(input.libraryPath);
+    InputFile input{path, 0, FileType::foreign, {}};
+    const TypeName* const known = typeByExtension(path);
+    const auto name = system::libraryPath(path);
+    std::optional<LibraryName> other;
+    if (!name) other.emplace(path);
     const FileKind& kind = known ? known->kind : kProfileFiles;
-    FileReading reading = reasoned([&] { return readWhole(input.libraryPath.c_str(), kind, wanted); });
+    FileReading reading = reasoned([&] { return readWhole((name ? *name : other->path()).c_str(), kind, wanted); });
     if (!reading) failWithReason(path, "cannot be read");
     input.size = reading.file.fileSize();
     if (input.size == 0) failOn(path, "is empty");
@@ -69,7 +72,7 @@ InputFile openInput(const std::string& path) { return read(path, UINT64_MAX); }
 InputFile lookAt(const std::string& path) { return read(path, sizeof(IccHeader)); }
 
 InputFile inMemory(const std::string& path, std::span<const uint8_t> bytes) {
-    return {path, {}, bytes.size(), isIcc(bytes) ? FileType::icc : FileType::foreign, bytes};
+    return {path, bytes.size(), isIcc(bytes) ? FileType::icc : FileType::foreign, bytes};
 }
 
 std::string toLibraryPath(const std::string& path) {
@@ -78,6 +81,25 @@ std::string toLibraryPath(const std::string& path) {
     if (bytes->size() >= KOLINK_PATH_SIZE)
         failOn(path, "the path is longer than " + std::to_string(KOLINK_PATH_SIZE - 1) + " bytes");
     return *bytes;
+}
+
+LibraryName::LibraryName(const std::string& path) {
+    const auto bytes = system::libraryPath(path);
+    if (bytes && bytes->size() < KOLINK_PATH_SIZE) {
+        path_ = *bytes;
+        return;
+    }
+    other_ = std::make_unique<system::OtherName>(path);
+    if (other_->path().empty()) (void)toLibraryPath(path);
+    if (other_->path().empty() || other_->path().size() >= KOLINK_PATH_SIZE)
+        failOn(path, "has no name that the library can take");
+}
+
+bool endsWith(std::string_view path, std::string_view ending) {
+    if (path.size() < ending.size()) return false;
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return std::equal(ending.begin(), ending.end(), path.end() - static_cast<std::ptrdiff_t>(ending.size()),
+                      [&](char a, char b) { return lower(a) == lower(b); });
 }
 
 void copyToField(char (&field)[KOLINK_PATH_SIZE], const std::string& libraryPath) {
@@ -130,12 +152,11 @@ void checkOutput(const std::string& path, std::span<const std::string> inputs) {
 }
 
 void writeFile(const std::string& path, std::string_view bytes) {
-    const auto place = system::libraryPath(path);
-    if (!place) failOn(path, "the name has characters that the system's code page lacks");
+    const system::Writing place(path);
     writeThrough(path, [&] {
         // Nobody else reads what the tool writes while holding the guard.
         constexpr FileKind kAnyFile = {UINT64_MAX, false, true};
-        return replaceWhole(place->c_str(), kAnyFile, bytes) == SaveResult::written;
+        return replaceWhole(place.path().c_str(), kAnyFile, bytes) == SaveResult::written && place.finish();
     });
 }
 

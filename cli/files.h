@@ -22,7 +22,6 @@ enum class FileType { icc, cmykTable, amatchTable, blackCurve, cmykToneCurve, dc
 // An input file that exists, is a file, can be opened and is not empty.
 struct InputFile {
     std::string path;         // as the user gave it
-    std::string libraryPath;  // as the library takes it
     uint64_t size = 0;
     FileType type = FileType::foreign;
     std::span<const uint8_t> bytes;            // all of it, of one moment; see lookAt
@@ -47,6 +46,18 @@ bool hasLineBeginning(const InputFile& file, std::string_view beginning);
 
 // The path for the library; fails when it is too long or the system's code page cannot hold it.
 std::string toLibraryPath(const std::string& path);
+// The same for a file that is there, which has another, shorter name where its own does not do.
+class LibraryName {
+public:
+    explicit LibraryName(const std::string& path);
+    const std::string& path() const { return other_ ? other_->path() : path_; }
+
+private:
+    std::string path_;
+    std::unique_ptr<system::OtherName> other_;
+};
+// Whether a path ends like this, case ignored.
+bool endsWith(std::string_view path, std::string_view ending);
 void copyToField(char (&field)[KOLINK_PATH_SIZE], const std::string& libraryPath);
 
 // Bytes of a whole .lut or .amt file.

@@ -10,6 +10,7 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/icc_input.h"
+#include "cli/precise.h"
 #include "cli/report.h"
 #include "cli/system.h"
 #include "cli/table_file.h"
@@ -26,7 +27,7 @@ constexpr char kExamples[] =
 
 // A hostile file may claim millions of tags and texts of megabytes.
 constexpr int32_t kMostTags = 200;
-constexpr size_t kMostCharacters = 2000;
+constexpr size_t kMostCharacters = 2000, kMostLines = 100;
 
 constexpr const char* kInks[] = {"C", "M", "Y", "K"};
 
@@ -202,6 +203,16 @@ void addTag(Json& report, const IccInput& icc, const IccTagEntry& entry, bool is
     }
 }
 
+// What a link of this tool says of how it was made: the lines "key: value".
+void addProvenance(Json& report, const IccInput& icc) {
+    const std::string text = provenanceOf(icc);
+    for (size_t at = 0, lines = 0; at < text.size() && lines < kMostLines; ++lines) {
+        const size_t end = std::min(text.find('\n', at), text.size()), colon = text.find(": ", at);
+        if (colon < end) report["provenance"][text.substr(at, colon - at)] = text.substr(colon + 2, end - colon - 2);
+        at = end + 1;
+    }
+}
+
 Json iccReport(const InputFile& file) {
     const IccInput icc(file);
     Json report;
@@ -216,6 +227,7 @@ Json iccReport(const InputFile& file) {
         addTag(report, icc, entry, icc.find(entry.signature) == &entry);
     }
     if (count > kMostTags) report["tagsNotListed"] = count - kMostTags;
+    addProvenance(report, icc);
     const auto& texts = report["texts"];
     const auto description = texts.is_object() ? texts.find("desc") : texts.end();
     if (texts.is_null()) report.erase("texts");

@@ -10,10 +10,13 @@
 #include <optional>
 
 #include "cli/arguments.h"
+#include "cli/classic_link.h"
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/icc_input.h"
+#include "cli/link_choices.h"
+#include "cli/precise.h"
 #include "cli/system.h"
 #include "cmyk/cmyk.h"
 #include "cmyk/description.h"
@@ -44,267 +47,72 @@ constexpr char kExamples[] =
     "With SOURCE_DATE_EPOCH set, the same input gives the same bytes.\n";
 
 struct Options {
-    std::optional<std::string> base, source, destination, name, comment, intent, white, paper, fade;
-    std::string black = "keep", preserve = "none", output;
+    LinkChoices choices;
+    std::optional<std::string> name, comment;
+    std::string output;
     bool verbose = false;
 };
 
-int indexOf(std::string_view word, std::initializer_list<std::string_view> words) {
-    return static_cast<int>(std::find(words.begin(), words.end(), word) - words.begin());
+void say(const std::string& line) { std::fputs(("kolink: " + line + "\n").c_str(), stderr); }
+
+// As much of the text as Shift-JIS has and as fits; what is left out goes to dropped.
+std::string whatFits(const std::string& text, size_t most, std::string& dropped) {
+    std::string bytes;
+    for (size_t at = 0; at < text.size();) {
+        size_t end = at + 1;
+        while (end < text.size() && (static_cast<uint8_t>(text[end]) & 0xc0) == 0x80) ++end;
+        const std::string character = text.substr(at, end - at);
+        const auto converted = system::toShiftJis(character);
+        if (converted && bytes.size() + converted->size() <= most) bytes += *converted;
+        else dropped += character;
+        at = end;
+    }
+    return bytes;
 }
 
-// A number in percent; a sign % may follow.
-double percent(std::string_view text, double limit, const std::string& option) {
-    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '%')) text.remove_suffix(1);
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || !(value >= 0) || value > limit)
-        throw UsageFailure(option + ": '" + std::string(text) + "' is not a percentage from 0 to " +
-                           number(limit));
-    return value;
-}
-
-int32_t levelOf(double percentage) { return static_cast<int32_t>(std::floor(percentage * 2.55 + 0.5)); }
-
-std::array<int32_t, 4> paperLevels(const std::string& text) {
-    std::array<int32_t, 4> levels{};
-    size_t at = 0;
-    for (size_t ink = 0; ink < 4; ++ink) {
-        const size_t comma = text.find(',', at);
-        if ((comma == std::string::npos) != (ink == 3))
-            throw UsageFailure("--paper: '" + text + "' is not four percentages C,M,Y,K");
-        levels[ink] = levelOf(percent(std::string_view(text).substr(at, comma - at), 100, "--paper"));
-        at = comma + 1;
-    }
-    return levels;
-}
-
-void requireCmyk(const IccInput& profile, const char* role) {
-    const uint32_t space = profile.header().colourSpace;
-    if (space == fourcc("CMYK")) return;
-    failOn(profile.file().path,
-           "is a profile for " + signatureText(space) + " where CMYK is needed (" + role + ")");
-}
-
-void requireConnectionSpace(const IccInput& profile, const char* role) {
-    const uint32_t space = profile.header().connectionSpace;
-    if (space == fourcc("Lab ") || space == fourcc("XYZ ")) return;
-    const bool isLink = profile.header().deviceClass == fourcc("link");
-    failOn(profile.file().path, std::string(isLink ? "is a device link" : "connects to " + signatureText(space)) +
-                                    "; the " + role + " must be a profile that connects to Lab or XYZ");
-}
-
-// The table of the intent, of the right shape.
-void requireTable(const IccInput& profile, bool toConnectionSpace, int intent) {
-    static constexpr uint32_t kTags[2][3] = {
-        {fourcc("B2A0"), fourcc("B2A1"), fourcc("B2A2")},
-        {fourcc("A2B0"), fourcc("A2B1"), fourcc("A2B2")},
-    };
-    static constexpr const char* kIntents[] = {"perceptual", "relative", "saturation"};
-    const auto& tags = kTags[toConnectionSpace];
-    const std::string wanted = signatureText(tags[intent]);
-    if (!profile.find(tags[intent])) {
-        std::string others;
-        for (int other = 0; other < 3; ++other)
-            if (profile.find(tags[other])) {
-                others += others.empty() ? "; it has " : ", ";
-                others += signatureText(tags[other]);
-                others += std::string(" (--intent ") + kIntents[other] + ")";
-            }
-        if (others.empty() && !toConnectionSpace)
-            others = "; the profile cannot be printed with, only be a source";
-        failOn(profile.file().path, "tag " + wanted + " is missing" + others);
-    }
-    const IccLut* lut = profile.lut(tags[intent]);
-    const int32_t in = toConnectionSpace ? 4 : 3;
-    const int32_t out = toConnectionSpace ? 3 : 4;
-    if (lut->inputChannels != in || lut->outputChannels != out)
-        failOn(profile.file().path, "tag " + wanted + " converts " + std::to_string(lut->inputChannels) + " to " +
-                                        std::to_string(lut->outputChannels) + " channels where " +
-                                        std::to_string(in) + " to " + std::to_string(out) + " are needed");
-}
-
-void checkBase(const InputFile& file) {
-    if (file.type == FileType::cmykTable || file.type == FileType::amatchTable) {
-        const uint64_t wanted = wholeTableBytes(file.type);
-        if (file.size < wanted)
-            failOn(file.path, "is cut short: " + grouped(file.size) + " of " + grouped(wanted) + " bytes");
-        return;
-    }
-    const IccInput profile(file);
-    requireCmyk(profile, "base");
-    const IccLut* lut = profile.lut(fourcc("A2B0"));
-    if (lut->inputChannels != 4 || lut->outputChannels != 4)
-        failOn(file.path, "tag A2B0 converts " + std::to_string(lut->inputChannels) + " to " +
-                              std::to_string(lut->outputChannels) +
-                              " channels; the base must be a link from CMYK to CMYK");
-}
-
-// The request, with the files it names; everything that can be said against it is said here.
-class Request {
-public:
-    explicit Request(const Options& options) : options_(options) {
-        settings_.limit = 200;
-        chooseConversion();
-        chooseBlack();
-        choosePaper();
-        if (options_.base) {
-            const InputFile& file = add(*options_.base, settings_.basePath);
-            checkBase(file);
-        }
-        settings_.intent = indexOf(options_.intent.value_or("perceptual"), {"perceptual", "relative", "saturation"});
-        settings_.preservation = indexOf(options_.preserve, {"none", "primaries", "secondaries"});
-        checkConversion();
-    }
-
-    const std::vector<std::string>& inputs() const { return inputs_; }
-    const CmsLinkSettings& settings() const { return settings_; }
-
-    CmykProfilePtr combine() {
-        const auto black = options_.black == "keep" ? cmyk::Black::kept : cmyk::Black::asSettingsSay;
-        auto result = reasoned([&] {
-            return isIcc_ ? cmyk::combineIccProfile(settings_, black) : cmyk::combineProfile(settings_, black);
-        });
-        if (result) return result;
-        throwIfNotItsFault(options_.source ? *options_.source : options_.output);
-        if (isForeign_)
-            failOn(*options_.source,
-                   "the table cannot be read: it is no ICC profile, and the plug-in LutRead is "
-                   "missing from the product folder or refuses it");
-        throw Failure("the profiles cannot be combined: a file changed meanwhile, or memory is short");
-    }
-
-private:
-    InputFile& add(const std::string& path, char (&field)[KOLINK_PATH_SIZE]) {
-        files_.push_back(std::make_unique<InputFile>(openInput(path)));
-        inputs_.push_back(path);
-        copyToField(field, files_.back()->libraryPath);
-        return *files_.back();
-    }
-
-    void chooseConversion() {
-        if (options_.source.has_value() != options_.destination.has_value())
-            throw UsageFailure(options_.source ? "--source needs --destination as well"
-                                               : "--destination needs --source as well");
-        if (!options_.base && !options_.source && !options_.paper && options_.black == "keep")
-            throw UsageFailure("nothing to link: give --source and --destination, --base, --paper or --black");
-        if (!options_.source) {
-            if (options_.intent) throw UsageFailure("--intent needs --source and --destination");
-            return;
-        }
-        source_ = &add(*options_.source, settings_.sourcePath);
-        destination_ = &add(*options_.destination, settings_.destinationPath);
-        const auto namedIcc = [](const InputFile& file) {
-            const char* const path = file.libraryPath.c_str();
-            return hasExtension(path, ".icc") || hasExtension(path, ".icm");
-        };
-        isIcc_ = source_->type == FileType::icc || namedIcc(*source_) ||
-                 destination_->type == FileType::icc;
-        isForeign_ = !isIcc_;
-    }
-
-    void checkConversion() {
-        if (isForeign_) {
-            if (source_->type != FileType::foreign)
-                failOn(source_->path, "is neither an ICC profile nor a foreign table");
-            if (destination_->type != FileType::dcc)
-                failOn(destination_->path, "a foreign table as source needs a .dcc file as destination");
-            if (!hasLineBeginning(*destination_, "TONE "))
-                failOn(destination_->path, "holds no TONE line; it is not a DCC file");
-            if (options_.intent)
-                throw UsageFailure("--intent has no meaning with a foreign table as source");
-            return;
-        }
-        if (!isIcc_) return;
-        if (destination_->type == FileType::dcc)
-            failOn(destination_->path, "a .dcc file is the destination for a foreign table; an ICC "
-                                       "source needs an ICC profile");
-        const IccInput source(*source_);
-        requireCmyk(source, "source");
-        requireConnectionSpace(source, "source");
-        requireTable(source, true, settings_.intent);
-        const IccInput destination(*destination_);
-        requireCmyk(destination, "destination");
-        requireConnectionSpace(destination, "destination");
-        requireTable(destination, false, settings_.intent);
-    }
-
-    void chooseBlack() {
-        if (options_.black == "keep" || options_.black == "none") return;
-        const InputFile& file = add(options_.black, settings_.blackPath);
-        if (file.type != FileType::blackCurve)
-            failOn(file.path, "is not a black-correction file (.bkc)");
-        if (!hasLineBeginning(file, "TONE  "))
-            failOn(file.path, "holds no TONE line; it is not a black-correction file");
-    }
-
-    void choosePaper() {
-        const bool givenPaper = options_.paper.has_value();
-        const std::string white = options_.white.value_or(givenPaper ? "paper" : "clean");
-        if (white == "paper" && !givenPaper) throw UsageFailure("--white paper needs --paper C,M,Y,K");
-        if (white != "paper" && givenPaper)
-            throw UsageFailure("--paper contradicts --white " + white);
-        if (options_.fade && !givenPaper) throw UsageFailure("--fade needs --paper C,M,Y,K");
-        settings_.whiteMode = indexOf(white, {"profile", "clean", "paper"});
-        if (!givenPaper) return;
-        const auto paper = paperLevels(*options_.paper);
-        settings_.paperC = paper[0];
-        settings_.paperM = paper[1];
-        settings_.paperY = paper[2];
-        settings_.paperK = paper[3];
-        if (options_.fade) settings_.limit = levelOf(percent(*options_.fade, 400, "--fade"));
-    }
-
-    const Options& options_;
-    CmsLinkSettings settings_{};
-    std::vector<std::unique_ptr<InputFile>> files_;
-    std::vector<std::string> inputs_;
-    const InputFile* source_ = nullptr;
-    const InputFile* destination_ = nullptr;
-    bool isIcc_ = false;
-    bool isForeign_ = false;
+// Name and comment as the editing data has them, in Shift-JIS.
+struct Texts {
+    std::string name, comment;
 };
 
-template <size_t size>
-void setText(char (&field)[size], const std::string& text, const char* option) {
-    const auto bytes = system::toShiftJis(text);
-    if (!bytes)
-        throw UsageFailure(std::string(option) + ": '" + text + "' has characters that Shift-JIS lacks");
-    if (bytes->size() >= size)
-        throw UsageFailure(std::string(option) + " is longer than " + std::to_string(size - 1) +
-                           " bytes of Shift-JIS");
-    std::memset(field, 0, size);
-    std::memcpy(field, bytes->data(), bytes->size());
-}
-
-void checkTexts(const Options& options) {
-    char field[KOLINK_COMMENT_SIZE];
-    char name[KOLINK_NAME_SIZE];
+Texts textsOf(const Options& options) {
+    Texts texts;
+    if (options.comment) {
+        const auto bytes = system::toShiftJis(*options.comment);
+        if (!bytes)
+            throw UsageFailure("--comment: '" + *options.comment + "' has characters that Shift-JIS lacks");
+        if (bytes->size() >= KOLINK_COMMENT_SIZE)
+            throw UsageFailure("--comment is longer than " + std::to_string(KOLINK_COMMENT_SIZE - 1) +
+                               " bytes of Shift-JIS");
+        const std::string plain = cmyk::asPlainText(*options.comment);
+        const auto first = std::ranges::mismatch(plain, *options.comment).in2;
+        if (first != options.comment->end())
+            throw UsageFailure("--comment must have no line that begins with " +
+                               std::string(first, first + 5) + ", as lines of the editing data do");
+        texts.comment = *bytes;
+    }
     if (options.name) {
-        setText(name, *options.name, "--name");
         if (options.name->find_first_of("\r\n") != std::string::npos)
             throw UsageFailure("--name has to be one line");
+        std::string dropped;
+        texts.name = whatFits(*options.name, KOLINK_NAME_SIZE - 1, dropped);
+        if (!dropped.empty())
+            say("--name: the editing data, 63 bytes of Shift-JIS, has no room or no characters for '" +
+                printable(dropped) + "', which is left out there");
+        return texts;
     }
-    if (!options.comment) return;
-    setText(field, *options.comment, "--comment");
-    const std::string plain = cmyk::asPlainText(*options.comment);
-    const auto first = std::ranges::mismatch(plain, *options.comment).in2;
-    if (first != options.comment->end())
-        throw UsageFailure("--comment must have no line that begins with " +
-                           std::string(first, first + 5) + ", as lines of the editing data do");
+    // The file's name serves, as far as it can be written.
+    texts.name = system::toShiftJis(fromPath(toPath(options.output).stem())).value_or("");
+    if (texts.name.empty() || texts.name.size() >= KOLINK_NAME_SIZE ||
+        texts.name.find_first_of("\r\n") != std::string::npos)
+        texts.name = "KoLink";
+    return texts;
 }
 
-void nameResult(CmykProfile& profile, const Options& options) {
-    if (options.comment) setText(profile.comment, *options.comment, "--comment");
-    if (options.name) return setText(profile.name, *options.name, "--name");
-    // The file's name serves, as far as it can be written.
-    std::string bytes = system::toShiftJis(fromPath(toPath(options.output).stem())).value_or("");
-    if (bytes.empty() || bytes.size() >= sizeof profile.name ||
-        bytes.find_first_of("\r\n") != std::string::npos)
-        bytes = "KoLink";
-    std::memset(profile.name, 0, sizeof profile.name);
-    std::memcpy(profile.name, bytes.data(), bytes.size());
+template <size_t size>
+void setText(char (&field)[size], const std::string& bytes) {
+    std::memset(field, 0, size);
+    std::memcpy(field, bytes.data(), bytes.size());
 }
 
 // Seconds since 1970 that the header's date is made from instead of the clock.
@@ -369,69 +177,207 @@ void verify(InputFile written, const CmykProfile& made) {
     if (std::memcmp(read->curveFlags, made.curveFlags, sizeof made.curveFlags) != 0) wrong("control points");
 }
 
-void runLink(const Options& options) {
+// The same for a link of any form: its table is what was made, at every other node of each axis.
+// What can be edited is read by the library as well.
+void verifyPrecise(InputFile written, const KoPreciseLink* made, bool isEditable, const Texts& texts) {
+    const std::string output = written.path;
+    const auto wrong = [&](const std::string& what) {
+        failOn(output, "the link does not read back as it was made (" + what + "); nothing was written");
+    };
+    KoPreciseLinkInfo info;
+    koPreciseDescribeLink(made, &info);
+    const IccInput link(std::move(written));
+    const IccHeader& header = link.header();
+    if (header.magic != fourcc("acsp") || header.deviceClass != fourcc("link") ||
+        header.colourSpace != info.sourceSpace || header.connectionSpace != info.destinationSpace ||
+        header.renderingIntent != static_cast<uint32_t>(info.intent))
+        wrong("header");
+    if (header.profileSize != link.file().size) wrong("size field");
+    for (const auto tag : {fourcc("cprt"), fourcc("desc"), fourcc("pseq"), fourcc("kprv")})
+        if (!link.find(tag)) wrong("tag " + signatureText(tag));
+    CmykProfilePtr record;
+    if (isEditable) {
+        record = cmykProfile(link);
+        if (textIn(record->name) != texts.name || textIn(record->comment) != texts.comment)
+            wrong("name or comment");
+    }
+    const IccLut* const lut = link.lut(fourcc("A2B0"));
+    if (lut->inputChannels != info.inputs || lut->outputChannels != info.outputs ||
+        lut->gridPoints != info.gridPoints || lut->precision != info.bits / 8)
+        wrong("shape of A2B0");
+    const size_t outputs = static_cast<size_t>(info.outputs);
+    const bool isLibrarys = info.nodes == KO_PRECISE_NODES_LIBRARY && info.bits == 16;
+    const double top = info.bits == 8 ? 255 : 65535;
+    size_t nodes = 1;
+    for (int axis = 0; axis < info.inputs; ++axis) nodes *= static_cast<size_t>(info.gridPoints);
+    for (size_t node = 0; node < nodes; ++node) {
+        float in[4], out[4];
+        bool isLookedAt = true;
+        size_t rest = node;
+        for (int axis = info.inputs - 1; axis >= 0; --axis, rest /= static_cast<size_t>(info.gridPoints)) {
+            const int place = static_cast<int>(rest % static_cast<size_t>(info.gridPoints));
+            isLookedAt = isLookedAt && (place % 2 == 0 || info.inputs < 4);
+            in[axis] = isLibrarys ? static_cast<float>(cmyk::nodeValue(place)) / 255
+                                  : static_cast<float>(place) / static_cast<float>(info.gridPoints - 1);
+        }
+        if (!isLookedAt) continue;
+        koPreciseLinkFloats(made, in, out, 1);
+        uint32_t word = 0;
+        for (size_t ch = 0; ch < outputs; ++ch) {
+            const size_t at = node * outputs + ch;
+            const int level = info.bits == 8 ? static_cast<const uint8_t*>(lut->clut)[at]
+                                             : static_cast<const uint16_t*>(lut->clut)[at];
+            // Floats beside a node are a little off where the node stands at no level of theirs.
+            if (std::abs(out[ch] * top - level) > (info.bits == 8 ? 0.01 : 1.0)) wrong("grid");
+            word = word << 8 | static_cast<uint32_t>(level & 255);
+        }
+        if (record && record->grid[node] != word) wrong("grid, as the library reads it");
+    }
+}
+
+constexpr const char* kBlackWords[] = {"", "plane", "match", "keep", "none", "curve"};
+constexpr const char* kIntentWords[] = {"perceptual", "relative", "saturation", "absolute"};
+
+void report(const Options& options, const KoPreciseLinkInfo& info, double seconds) {
+    uint64_t nodes = 1;
+    for (int axis = 0; axis < info.inputs; ++axis) nodes *= static_cast<uint64_t>(info.gridPoints);
+    const bool toInk = info.destinationSpace == fourcc("CMYK");
+    std::string text = printable(options.output) + ": " + grouped(nodes) + " nodes (" +
+                       std::to_string(info.gridPoints) + " points a channel, " + std::to_string(info.bits) +
+                       " bits), " + kIntentWords[info.intent] + ", " +
+                       (info.inverted ? "solved for on the forward table" : "by the profiles' tables");
+    if (toInk) text += std::string(", black: ") + kBlackWords[info.black];
+    say(text + "; read back, checked and written in " + number(seconds) + " s");
+    if (!toInk) return;
+    const auto with = [](double value) { return number(value, 1) + " %"; };
+    text = printable(options.output) + ": mean ink " + with(info.meanInk) + ", by the tables " + with(info.tablesInk) +
+           ", limit " + with(info.inkLimit);
+    if (options.choices.saveInk) text += ", saved " + with(info.savedInk);
+    if (info.inverted)
+        text += "; of the nodes " + with(info.reached) + " meet their colour within 1 unit, black moved for " +
+                with(info.movedBlack) + ", the limit changed " + with(info.limited);
+    say(text);
+}
+
+// Whether colours come out as they went in, within a level of 255.
+bool changesNothing(const KoPreciseLink* link, const KoPreciseLinkInfo& info) {
+    if (info.inputs != info.outputs) return false;
+    for (int colour = 0; colour < 5 * 5 * 5 * 5; ++colour) {
+        float in[4], out[4];
+        for (int axis = 0, rest = colour; axis < 4; ++axis, rest /= 5) in[axis] = static_cast<float>(rest % 5) / 4;
+        koPreciseLinkFloats(link, in, out, 1);
+        for (int axis = 0; axis < info.inputs; ++axis)
+            if (std::abs(out[axis] - in[axis]) > 1.0f / 255) return false;
+    }
+    return true;
+}
+
+int64_t now() {
+    using namespace std::chrono;
+    return duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
+}
+
+void runPrecise(const Options& options, const Texts& texts, std::optional<int64_t> date) {
     const auto start = std::chrono::steady_clock::now();
-    const auto date = reproducibleDate();
-    checkTexts(options);
-    const std::string libraryPath = toLibraryPath(options.output);
-    for (const char* table : {".lut", ".amt"})
-        if (hasExtension(libraryPath.c_str(), table))
-            throw UsageFailure(std::string("--output: an ICC link is not a ") + table +
-                               " table; give it the extension .icc");
-    Request request(options);
+    const LinkChoices& choices = options.choices;
+    const PrecisePair pair(choices, openInput(*choices.source), openInput(*choices.destination));
+    checkOutput(options.output, pair.files());
+
+    const PreciseLink link = pair.make(choices.bits.value_or(8), 0);
+    KoPreciseLinkInfo info;
+    koPreciseDescribeLink(link.get(), &info);
+    KoPreciseFileOptions file{};
+    file.size = sizeof file;
+    file.editable = info.inputs == 4 && info.outputs == 4 && info.bits == 8 && info.gridPoints == cmyk::kGridPoints;
+    file.date = date.value_or(now());
+    const std::string name = options.name.value_or(""), provenance = pair.provenance() +
+        (options.comment && !file.editable ? "comment: " + printable(*options.comment) + '\n' : "");
+    if (!name.empty()) file.name = name.c_str();
+    file.editName = texts.name.c_str();
+    file.editComment = texts.comment.c_str();
+    file.provenance = provenance.c_str();
+    KoPreciseError error;
+    size_t size = 0;
+    const std::unique_ptr<uint8_t, decltype(&koPreciseReleaseBytes)> bytes(
+        koPreciseLinkBytes(link.get(), &file, &size, &error), &koPreciseReleaseBytes);
+    if (!bytes) failFor(error, nullptr, nullptr, nullptr);
+    verifyPrecise(inMemory(options.output, {bytes.get(), size}), link.get(), file.editable, texts);
+    writeFile(options.output, {reinterpret_cast<const char*>(bytes.get()), size});
+    if (pair.sameFile())
+        say(printable(options.output) + ": source and destination are the same profile" +
+            (changesNothing(link.get(), info) ? "; the link changes no colour" : ""));
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    if (options.verbose) report(options, info, taken.count());
+}
+
+void runClassic(const Options& options, const Texts& texts, std::optional<int64_t> date, const char* why) {
+    const auto start = std::chrono::steady_clock::now();
+    ClassicLink request(options.choices);
     checkOutput(options.output, request.inputs());
 
-    const CmykProfilePtr profile = request.combine();
-    nameResult(*profile, options);
+    const CmykProfilePtr profile = request.combine(options.output);
+    setText(profile->comment, texts.comment);
+    setText(profile->name, texts.name);
     const std::vector<uint8_t> bytes = encode(*profile, date);
     verify(inMemory(options.output, bytes), *profile);
     writeFile(options.output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 
     if (!options.verbose) return;
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    std::fputs((printable(options.output) + ": " + grouped(KOLINK_CMYK_NODES) + " nodes (" +
-                std::to_string(KOLINK_CMYK_GRID_POINTS) + " points an ink), read back, checked and written in " +
-                number(taken.count()) + " s\n").c_str(), stderr);
+    if (*why) say(printable(options.output) + ": made the classic way, since " + why);
+    say(printable(options.output) + ": " + grouped(KOLINK_CMYK_NODES) + " nodes (" +
+        std::to_string(KOLINK_CMYK_GRID_POINTS) + " points an ink), read back, checked and written in " +
+        number(taken.count()) + " s");
+}
+
+// Why there is nothing to be precise about; empty when there is.
+const char* whyClassic(const LinkChoices& choices) {
+    if (!choices.source) return "there is no pair of profiles";
+    const InputFile source = lookAt(*choices.source), destination = lookAt(*choices.destination);
+    if (destination.type == FileType::dcc) return "the destination is a .dcc file";
+    return isForeignPair(&source, &destination) ? "the source is a foreign table" : "";
+}
+
+void runLink(const Options& options) {
+    const auto date = reproducibleDate();
+    const LinkChoices& choices = options.choices;
+    if (choices.source.has_value() != choices.destination.has_value())
+        throw UsageFailure(choices.source ? "--source needs --destination as well"
+                                          : "--destination needs --source as well");
+    if (!choices.base && !choices.source && !choices.paper && choices.black.value_or("keep") == "keep")
+        throw UsageFailure("nothing to link: give --source and --destination, --base, --paper or --black");
+    choices.check();
+    for (const char* table : {".lut", ".amt"})
+        if (endsWith(options.output, table))
+            throw UsageFailure(std::string("--output: an ICC link is not a ") + table +
+                               " table; give it the extension .icc");
+    const char* const why = choices.isClassic() ? "" : whyClassic(choices);
+    if (*why)
+        if (const std::string option = choices.onlyPrecise(); !option.empty())
+            throw UsageFailure(option + " has no meaning here, since " + why);
+    const Texts texts = textsOf(options);
+    if (choices.isClassic() || *why) runClassic(options, texts, date, why);
+    else runPrecise(options, texts, date);
 }
 
 }  // namespace
 
 void addLinkCommand(Command& app) {
     const auto options = std::make_shared<Options>();
-    Command command = app.command("link", "Make an ICC device link from CMYK profiles");
+    LinkChoices& choices = options->choices;
+    Command command = app.command("link", "Make an ICC device link from profiles");
     command.examples(kExamples);
-    command.option("--source", options->source,
-                        "Profile of the colours that come in: an ICC CMYK profile, or a foreign table for the plug-in")
+    command.option("--source", choices.source,
+                        "Profile of the colours that come in: ICC, for CMYK, RGB or grey, or a foreign table for the plug-in")
         .called("FILE");
-    command.option("--destination", options->destination,
-                        "Profile of the printer: an ICC CMYK profile, or a .dcc file with a foreign source")
+    command.option("--destination", choices.destination,
+                        "Profile of the printer: ICC, for CMYK or RGB, or a .dcc file with a foreign source")
         .called("FILE");
-    command.option("--base", options->base,
-                        "Correction applied first: an ICC link from CMYK to CMYK, a .lut or an .amt table")
-        .called("FILE");
-    command.option("--black", options->black,
-                        "Pure black: a .bkc file, keep (stays pure K, level for level) or none (as converted) [keep]")
-        .called("FILE|keep|none");
-    command.option("--intent", options->intent, "Rendering intent: perceptual, relative or saturation [perceptual]")
-        .called("INTENT")
-        .oneOf({"perceptual", "relative", "saturation"}, false);
-    command.option("--preserve", options->preserve,
-                        "Keep pure C, M, Y clean (primaries), and two-ink mixes as well (secondaries) [none]")
-        .called("none|primaries|secondaries")
-        .oneOf({"none", "primaries", "secondaries"}, false);
-    command.option("--white", options->white,
-                        "White: as the profiles have it, clean (no ink) or paper (see --paper) [clean]")
-        .called("profile|clean|paper")
-        .oneOf({"profile", "clean", "paper"}, false);
-    command.option("--paper", options->paper, "Tint of the paper in percent, added to light colours; means --white paper")
-        .called("C,M,Y,K");
-    command.option("--fade", options->fade,
-                        "Total coverage (sum of the four inks) at which the paper tint has faded out, 0 to 400 [78.4]")
-        .called("PERCENT");
+    choices.addTo(command, true);
     command.option("-o,--output", options->output, "The link to write").called("FILE").required();
     command.option("--name", options->name, "Name of the link [the output file's name]").called("TEXT");
     command.option("--comment", options->comment, "Comment kept in the link").called("TEXT");
-    command.flag("-v,--verbose", options->verbose, "Say on standard error what was written");
+    command.flag("-v,--verbose", options->verbose, "Say on standard error how it was made and what was written");
     command.does([options] { runLink(*options); });
 }
 

@@ -25,6 +25,30 @@ std::optional<std::string> libraryPath(const std::string& path);
 // The way back.
 std::string fromLibraryPath(std::string_view bytes);
 
+// Another name of a file that is there, short and in the code page, for as long as this lives.
+class OtherName {
+public:
+    explicit OtherName(const std::string& path);
+    ~OtherName();
+    OtherName(const OtherName&) = delete;
+    const std::string& path() const { return path_; }  // empty: it cannot have one
+
+private:
+    std::string path_;
+};
+
+// The name under which a file is written: its own, or one beside it that the code page can express
+// and that finish moves to its own.
+class Writing {
+public:
+    explicit Writing(const std::string& path);
+    const std::string& path() const { return path_; }
+    bool finish() const;
+
+private:
+    std::string path_, wanted_;
+};
+
 bool isTerminal(std::FILE* stream);
 
 // Shift-JIS (code page 932), the library's text. Empty when a character has no place in it.

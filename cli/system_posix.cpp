@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <new>
@@ -67,6 +68,28 @@ void prepareStreams() {
 std::optional<std::string> libraryPath(const std::string& path) { return path; }
 
 std::string fromLibraryPath(std::string_view bytes) { return std::string(bytes); }
+
+// A symbolic link with the file's extension, in a folder of its own.
+OtherName::OtherName(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::path whole = fs::absolute(path, error);
+    char folder[] = "/tmp/kolink-XXXXXX";
+    if (error || !::mkdtemp(folder)) return;
+    std::string name = std::string(folder) + "/file" + whole.extension().string();
+    if (::symlink(whole.c_str(), name.c_str()) == 0) path_ = std::move(name);
+    else ::rmdir(folder);
+}
+
+OtherName::~OtherName() {
+    if (path_.empty()) return;
+    ::unlink(path_.c_str());
+    ::rmdir(path_.substr(0, path_.rfind('/')).c_str());
+}
+
+Writing::Writing(const std::string& path) : path_(path) {}
+
+bool Writing::finish() const { return true; }
 
 bool isTerminal(std::FILE* stream) { return ::isatty(::fileno(stream)) != 0; }
 

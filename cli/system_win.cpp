@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 #include "cli/system.h"
@@ -78,6 +79,39 @@ void prepareStreams() {
 std::optional<std::string> libraryPath(const std::string& path) { return toCodePage(CP_ACP, path); }
 
 std::string fromLibraryPath(std::string_view bytes) { return toUtf8(toWide(CP_ACP, bytes)); }
+
+// The file system's own short name; volumes may have none.
+OtherName::OtherName(const std::string& path) {
+    const std::wstring wide = toWide(CP_UTF8, path);
+    std::wstring name(GetShortPathNameW(wide.c_str(), nullptr, 0), L'\0');
+    if (name.empty()) return;
+    name.resize(GetShortPathNameW(wide.c_str(), name.data(), static_cast<DWORD>(name.size())));
+    path_ = libraryPath(toUtf8(name)).value_or("");
+}
+
+OtherName::~OtherName() {}
+
+Writing::Writing(const std::string& path) {
+    if (const auto own = libraryPath(path)) {
+        path_ = *own;
+        return;
+    }
+    wanted_ = path;
+    const std::filesystem::path folder = toPath(path).parent_path();
+    const std::string name = "~kolink-out-" + std::to_string(GetCurrentProcessId());
+    if (const auto beside = libraryPath(fromPath(folder / name))) path_ = *beside;
+    else if (const OtherName other(fromPath(folder)); !other.path().empty()) path_ = other.path() + '\\' + name;
+}
+
+bool Writing::finish() const {
+    if (wanted_.empty()) return true;
+    const std::wstring from = toWide(CP_ACP, path_), to = toWide(CP_UTF8, wanted_);
+    if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+    const DWORD error = GetLastError();
+    DeleteFileW(from.c_str());
+    SetLastError(error);
+    return false;
+}
 
 bool isTerminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }
 

@@ -87,7 +87,7 @@ std::string provenanceOf(const Link& link) {
     const LinkOptions& o = link.options;
     std::string text;
     const auto line = [&](const char* key, const std::string& value) {
-        text += std::string(key) + ": " + value + "\n";
+        text += std::string(key) + ": " + asciiOf(value) + "\n";
     };
     if (link.origins.size() == 2) {
         line("source", nameOf(link.origins[0]));
@@ -167,7 +167,7 @@ std::vector<uint8_t> linkFile(const Link& link, const LinkFileOptions& options, 
     }
     end();
     begin(fourcc("kprv"));
-    text(asciiOf("KoLink") + "\n" + provenanceOf(link) + options.provenance);
+    text("KoLink\n" + provenanceOf(link) + options.provenance);
     end();
 
     begin(fourcc("A2B0"));

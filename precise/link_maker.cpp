@@ -212,6 +212,11 @@ private:
             if (o_.inkLimit == kLimitOfProfile) limit_ = totalOfTables(destination_, o_.intent);
             else if (o_.inkLimit > 0) limit_ = o_.inkLimit / 100;
         }
+        // From a profile to itself colours stay as they are, unless a choice of inks is asked for.
+        same_ = o_.method == Method::inverted && colorimetric && !base_ && o_.saveInk == 0 &&
+                o_.inkLimit < 0 && (!toCmyk() || black_ == Black::plane) &&
+                std::ranges::equal(source_.bytes(), destination_.bytes());
+        if (same_) limit_ = 4;
         limit_ = std::max(limit_, 1.0);
         link.report.inkLimit = limit_;
         if (fromCmyk() && toCmyk()) prepareBlack();
@@ -336,6 +341,10 @@ private:
         if (toCmyk() && o_.white == White::clean && isWhite(in)) {
             ++link_->report.reached;
             return {};
+        }
+        if (same_) {
+            ++link_->report.reached;
+            return in;
         }
         if (fromCmyk() && toCmyk() && noColour && black_ != Black::none) {
             ++link_->report.reached;
@@ -539,7 +548,7 @@ private:
     const LinkOptions& o_;
     std::unique_ptr<Link> link_;
     std::optional<Evaluator> wanted_, inverse_, forward_, base_;
-    bool inverted_ = false;
+    bool inverted_ = false, same_ = false;
     Black black_ = Black::none;
     double limit_ = 4;
     BlackCurve curve_;

@@ -1,6 +1,5 @@
 # Cases of what goes wrong around the tool: signals, neighbours, short memory, lying and huge files;
 # sourced by run, whose helpers they use.
-process() { python3 "$top/tests/cli/process.py" "$@"; }
 readonly big=$meanwhile/big.tif
 
 # ---- Lines that end in CR alone -----------------------------------------------------------------

@@ -5,6 +5,7 @@
 //                                     of every other ink, in 1/257 of a level
 //   link_check white LINK             the greatest level of white
 //   link_check black LINK             how far K leaves its own level, with lcms2 and with our own
+//   link_check sequence LINK NAME...  whether lcms2 finds these profiles in its pseq
 //   link_check levels INKS            256 lines of four levels, for other programs
 //   link_check eightbit IN OUT        a profile's tables A2Bn and B2An, resampled to 8 bits
 //   link_check json FILE              whether it is JSON in UTF-8 without control characters
@@ -230,6 +231,21 @@ int black(const char* path) {
 
 int white(const char* path) { return zeros(path, ""); }
 
+int sequence(const char* path, int count, char** names) {
+    const cmsHPROFILE profile = cmsOpenProfileFromFile(path, "r");
+    if (!profile) die("lcms2 does not open the link");
+    const auto* const read = static_cast<const cmsSEQ*>(cmsReadTag(profile, cmsSigProfileSequenceDescTag));
+    bool same = read && read->n == static_cast<cmsUInt32Number>(count);
+    for (int at = 0; same && at < count; ++at) {
+        char text[200] = "";
+        cmsMLUgetASCII(read->seq[at].Model, "en", "US", text, sizeof text);
+        std::printf("%s\n", text);
+        same = std::string_view(text) == names[at];
+    }
+    cmsCloseProfile(profile);
+    return same ? 0 : 1;
+}
+
 int levels(std::string_view inks) {
     for (int level = 0; level < 256; ++level) {
         const Levels in = ramp(inks, level);
@@ -363,6 +379,7 @@ int main(int argc, char** argv) {
     if (what == "zeros" && argc == 4) return zeros(argv[2], argv[3]);
     if (what == "white" && argc == 3) return white(argv[2]);
     if (what == "black" && argc == 3) return black(argv[2]);
+    if (what == "sequence" && argc > 3) return sequence(argv[2], argc - 3, argv + 3);
     if (what == "levels" && argc == 3) return levels(argv[2]);
     if (what == "eightbit" && argc == 4) return eightbit(argv[2], argv[3]);
     if (what == "json" && argc == 3) return json(argv[2]);
