@@ -4,7 +4,6 @@
 
 #include "cli/errors.h"
 #include "cmyk/cmyk.h"
-#include "frame/text.h"
 
 namespace ko::cli {
 namespace {
@@ -83,8 +82,8 @@ void requireBlackCurve(const InputFile& file) {
 
 bool isForeignPair(const InputFile* source, const InputFile* destination) {
     const auto isIcc = [](const InputFile& file) {
-        return file.type == FileType::icc || hasExtension(file.path.c_str(), ".icc") ||
-               hasExtension(file.path.c_str(), ".icm");
+        return file.type == FileType::icc || endsWith(file.path, ".icc") ||
+               endsWith(file.path, ".icm");
     };
     return source && destination && !isIcc(*source) && destination->type != FileType::icc;
 }

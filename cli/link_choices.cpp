@@ -64,11 +64,13 @@ void LinkChoices::addTo(Command& command, bool withFile) {
     command.option("--fade", fade,
                         "Total coverage (sum of the four inks) at which the paper tint has faded out, 0 to 400 [78.4]")
         .called("PERCENT");
+    command.option("--grid", grid,
+                        withFile ? "Grid points an axis, 9 to 33, from RGB and grey to 65; only 33 can be edited [33]"
+                                 : "Grid points an axis of the link that is made for it, 9 to 33, from RGB and grey to 65 [33]")
+        .called("POINTS");
     if (!withFile) return;
     command.option("--bits", bits, "Bits of the table, 8 or 16; only 8 can be edited in the dialogs [8]").called("8|16")
         .oneOf({8, 16});
-    command.option("--grid", grid, "Grid points an axis, 9 to 33, from RGB and grey to 65; only 33 can be edited [33]")
-        .called("POINTS");
     command.option("--nodes", nodes,
                         "Where the nodes stand: even, as ICC readers meet them, or library, as jKoCmykCMYKtoCMYK16\n"
                         "meets them [even]")

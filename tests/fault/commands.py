@@ -27,7 +27,11 @@ LEGAL = {"read": ["part"], "write": ["part"], "lock": ["interrupted"]}
 
 # Name, arguments, files that it writes.
 COMMANDS = [
-    ("link", "link --source in/press.icc --destination in/press8.icc -o out/a.icc", ["a.icc"]),
+    ("link", "link --source in/press.icc --destination in/press8.icc --grid 9 --black in/curve.bkc -o out/a.icc",
+     ["a.icc"]),
+    ("link the classic way",
+     "link --source in/press.icc --destination in/press8.icc --method classic --intent perceptual -o out/a.icc",
+     ["a.icc"]),
     ("link with base and black",
      "link --base in/table.lut --black in/curve.bkc --paper 0,2,6,3 --name n --comment c -o out/a.icc",
      ["a.icc"]),
