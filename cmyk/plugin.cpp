@@ -8,6 +8,19 @@
 #include "frame/platform.h"
 
 namespace ko::cmyk {
+namespace {
+
+// Of a refusal the plug-in may have left a reason itself; otherwise it is the table.
+bool opens(int (*open)(char* path), char* table) {
+    const uint32_t before = platform::lastError();
+    platform::setLastError(0);
+    const bool opened = open(table) == 0;
+    if (opened) platform::setLastError(before);
+    else if (platform::lastError() == 0) platform::setLastError(platform::Cause::damaged);
+    return opened;
+}
+
+}  // namespace
 
 std::optional<Plugin> Plugin::open(std::string_view folder, std::string_view tablePath) {
     std::string path = joinPath(folder, "LutRead");
@@ -27,12 +40,13 @@ std::optional<Plugin> Plugin::open(std::string_view folder, std::string_view tab
     if (!openTable || !close || !convert || !find("GetLutInfo")) return std::nullopt;
     std::vector<char> table(tablePath.begin(), tablePath.end());
     table.push_back('\0');
-    if (openTable(table.data()) != 0) return std::nullopt;
+    if (!opens(openTable, table.data())) return std::nullopt;
     return Plugin(module.release(), std::move(table), convert, close);
 }
 
 Plugin::~Plugin() {
     if (!module_) return;
+    const platform::ErrorKeeper keeper;
     close_();
     platform::freeModule(module_);
 }

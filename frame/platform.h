@@ -125,7 +125,7 @@ std::span<const char> textResource(const char* name) noexcept;  // empty: there 
 // lower-case name, or empty when unknown.
 std::string userLanguage();
 
-// Plug-ins.
+// Plug-ins. What is not loaded or found leaves a reason.
 extern const char kPluginSuffix[];  // ".dll" or ".so"
 void* loadModule(const char* path) noexcept;
 void* findSymbol(void* module, const char* name) noexcept;

@@ -274,9 +274,29 @@ std::string userLanguage() {
     return {};
 }
 
-void* loadModule(const char* path) noexcept { return ::dlopen(path, RTLD_NOW | RTLD_LOCAL); }
-void* findSymbol(void* module, const char* name) noexcept { return ::dlsym(module, name); }
-void freeModule(void* module) noexcept { ::dlclose(module); }
+// The loader keeps its reasons to itself: what stands in the way of opening the file is asked for
+// again, and of one that can be opened it is said that it is no library to load.
+void* loadModule(const char* path) noexcept {
+    const uint32_t before = lastError();
+    void* const module = ::dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    if (module) {
+        setLastError(before);
+    } else if (const Descriptor file(openAt(AT_FDCWD, path, O_RDONLY | O_NONBLOCK)); file) {
+        errno = ELIBACC;
+    }
+    return module;
+}
+
+void* findSymbol(void* module, const char* name) noexcept {
+    void* const symbol = ::dlsym(module, name);
+    if (!symbol) errno = ELIBBAD;
+    return symbol;
+}
+
+void freeModule(void* module) noexcept {
+    const ErrorKeeper keeper;
+    ::dlclose(module);
+}
 
 // A library without windows has no pointer to change.
 WaitCursor::WaitCursor(Source) noexcept : previous_(nullptr) {}

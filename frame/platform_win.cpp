@@ -245,7 +245,10 @@ void* findSymbol(void* module, const char* name) noexcept {
     return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(module), name));
 }
 
-void freeModule(void* module) noexcept { ::FreeLibrary(static_cast<HMODULE>(module)); }
+void freeModule(void* module) noexcept {
+    const ErrorKeeper keeper;
+    ::FreeLibrary(static_cast<HMODULE>(module));
+}
 
 WaitCursor::WaitCursor(Source source) noexcept
     : previous_(::SetCursor(::LoadCursorA(source == Source::library ? thisModule() : nullptr,

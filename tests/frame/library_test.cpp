@@ -29,6 +29,10 @@ public:
     void putPlugin(const fs::path& folder) const {
         fs::copy_file(KO_TEST_PLUGIN, folder / (std::string("LutRead") + platform::kPluginSuffix));
     }
+    void putDamagedPlugin(const fs::path& folder) const {
+        test::writeFile((folder / (std::string("LutRead") + platform::kPluginSuffix)).string(),
+                        "no library");
+    }
     void setFolder(const std::string& value) const {
         std::ofstream(bin_ / "ini" / "KoLink.ini", std::ios::binary)
             << "<INI>\n    KO_FOLDER = " << value << "\n</INI>\n";
@@ -51,7 +55,9 @@ public:
         CmsLinkSettings settings;
         init(&settings);
         EXPECT_TRUE(copyPath(settings.sourcePath, marks.path("mark.nqp").c_str()));
+        platform::setLastError(0);
         EXPECT_EQ(combine(&settings), nullptr);
+        EXPECT_NE(platform::lastError(), 0u);  // there is a reason for each
         platform::freeModule(module);
         return test::exists(marks.path("mark.nqp"));
     }
@@ -88,6 +94,54 @@ TEST(Library, LooksBesideItselfWithoutSettings) {
     EXPECT_FALSE(product.findsPlugin());
     product.putPlugin(product.bin());
     EXPECT_TRUE(product.findsPlugin());
+}
+
+// A folder that is the current one while this lives.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const fs::path& folder) : before_(fs::current_path()) {
+        fs::current_path(folder);
+    }
+    ~CurrentFolder() {
+        std::error_code ignored;
+        fs::current_path(before_, ignored);
+    }
+    CurrentFolder(const CurrentFolder&) = delete;
+
+private:
+    fs::path before_;
+};
+
+TEST(Library, TakesAFolderWithoutADotFromBesideItselfAlone) {
+    const TempFolder folder, elsewhere;
+    const Product product(folder.folder());
+    product.setFolder("data");
+    fs::create_directory(elsewhere.folder() / "data");
+    product.putPlugin(elsewhere.folder() / "data");
+    product.putPlugin(elsewhere.folder());
+    const CurrentFolder current(elsewhere.folder());
+    EXPECT_FALSE(product.findsPlugin());
+    fs::create_directory(product.bin() / "data");
+    product.putPlugin(product.bin() / "data");
+    EXPECT_TRUE(product.findsPlugin());
+}
+
+TEST(Library, LoadsNothingForAPlugInThatIsNoLibrary) {
+    const TempFolder folder;
+    const Product product(folder.folder());
+    product.putDamagedPlugin(product.bin());
+    EXPECT_FALSE(product.findsPlugin());
+}
+
+// The path does not fit, so that there is no folder to look in: not the current one either.
+TEST(Library, UnderAPathThatIsTooLongHasNoPlugin) {
+    if (test::onWindows()) GTEST_SKIP() << "the system loads nothing from such a path";
+    const TempFolder folder, elsewhere;
+    const Product product(folder.folder() / std::string(200, 'x') / std::string(60, 'y'));
+    product.putPlugin(product.bin());
+    product.putPlugin(elsewhere.folder());
+    const CurrentFolder current(elsewhere.folder());
+    EXPECT_FALSE(product.findsPlugin());
 }
 
 TEST(Library, CarriesTheTablesInTheirEncodings) {
