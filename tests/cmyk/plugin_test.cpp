@@ -2,6 +2,10 @@
 // folder: without a settings file that is the library's own folder.
 #include <gmock/gmock.h>
 
+#if defined(_WIN32)
+#  include <windows.h>
+#endif
+
 #include "tests/cmyk/combine_support.h"
 #include "tests/support/library_folder.h"
 
@@ -88,7 +92,7 @@ TEST(PluginCombination, ConvertsEveryNodeOnceFromFourBytesInARow) {
     const Installed plugin;
     Foreign foreign;
     ASSERT_TRUE(combine(foreign.settings));
-    EXPECT_EQ(foreign.log(), "opened 1 converted 1185921 scattered 0 asked 0\n");
+    EXPECT_EQ(foreign.log(), "opened 1 converted 1185921 scattered 0 asked 0 pointer 0\n");
 }
 
 TEST(PluginCombination, DoesNotAskForNodesThatAreFinishedBefore) {
@@ -105,9 +109,22 @@ TEST(PluginCombination, LoadsThePlugInAnewForEveryCall) {
     Foreign foreign;
     ASSERT_TRUE(combine(foreign.settings));
     ASSERT_TRUE(combine(foreign.settings));
-    EXPECT_EQ(foreign.log(), "opened 1 converted 1185921 scattered 0 asked 0\n"
-                             "opened 1 converted 1185921 scattered 0 asked 0\n");
+    EXPECT_EQ(foreign.log(), "opened 1 converted 1185921 scattered 0 asked 0 pointer 0\n"
+                             "opened 1 converted 1185921 scattered 0 asked 0 pointer 0\n");
 }
+
+#if defined(_WIN32)
+TEST(PluginCombination, GivesThePointerBackWhenThePlugInIsClosed) {
+    const Installed plugin;
+    Foreign foreign;
+    const HCURSOR arrow = ::LoadCursorA(nullptr, MAKEINTRESOURCEA(32512));
+    ASSERT_NE(arrow, nullptr);
+    ::SetCursor(arrow);
+    ASSERT_TRUE(combine(foreign.settings));
+    EXPECT_THAT(foreign.log(), HasSubstr(" pointer 0\n"));
+    EXPECT_EQ(::GetCursor(), arrow);
+}
+#endif
 
 TEST(PluginCombination, MakesInksFromTheColourWithTheDccCurve) {
     const Installed plugin;

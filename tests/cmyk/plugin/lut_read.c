@@ -5,6 +5,7 @@
 #include <string.h>
 
 #if defined(_WIN32)
+#  include <windows.h>
 #  define ENTRY __declspec(dllexport)
 #else
 #  define ENTRY __attribute__((visibility("default")))
@@ -37,14 +38,23 @@ ENTRY int ConvertToRgb(uint8_t *c, uint8_t *m, uint8_t *y, uint8_t *k, uint8_t *
 #endif
 
 #ifndef WITHOUT_LutClose
+/* Whether the system shows one while the plug-in is closed. */
+static int pointer(void) {
+#if defined(_WIN32)
+    return GetCursor() != NULL;
+#else
+    return 0;
+#endif
+}
+
 ENTRY int LutClose(void) {
     char logPath[512];
     FILE *log;
     snprintf(logPath, sizeof logPath, "%s.log", table);
     log = fopen(logPath, "ab");
     if (!log) return -1;
-    fprintf(log, "opened %ld converted %ld scattered %ld asked %ld\n", opened, converted,
-            scattered, asked);
+    fprintf(log, "opened %ld converted %ld scattered %ld asked %ld pointer %d\n", opened, converted,
+            scattered, asked, pointer());
     return fclose(log);
 }
 #endif
