@@ -173,11 +173,23 @@ bool closeHandle(NewFile& file) noexcept {
     return ::CloseHandle(std::exchange(file.file, INVALID_HANDLE_VALUE)) != 0;
 }
 
+// Whether nobody keeps a file in its place.
+bool mayBeMoved(const wchar_t* path) noexcept {
+    const HANDLE file = ::CreateFileW(path, DELETE,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    ::CloseHandle(file);
+    return true;
+}
+
+// Asked first whether it may, the system is not made to begin what it cannot end: for a file that
+// is held it may leave one of its own in the folder.
 bool putInPlace(const NewFile& file) noexcept {
     const wchar_t *const from = file.beside.c_str(), *const to = file.target.c_str();
     if (file.replaces) {
         constexpr DWORD kFlags = REPLACEFILE_IGNORE_MERGE_ERRORS | REPLACEFILE_WRITE_THROUGH;
-        if (::ReplaceFileW(to, from, nullptr, kFlags, nullptr, nullptr)) return true;
+        if (mayBeMoved(to) && ::ReplaceFileW(to, from, nullptr, kFlags, nullptr, nullptr)) return true;
         const DWORD error = ::GetLastError();
         if (error != ERROR_FILE_NOT_FOUND && error != ERROR_NOT_SUPPORTED &&
             error != ERROR_INVALID_FUNCTION && error != ERROR_CALL_NOT_IMPLEMENTED)

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "frame/platform.h"
+#include "frame/file.h"
 #include "frame/state.h"
 #include "tests/support/files.h"
 
@@ -97,6 +97,23 @@ TEST(NamedMutex, ThatWasAbandonedIsTakenLikeAFreeOne) {
     EXPECT_TRUE(platform::lock(*next, nullptr));
     platform::unlockAndClose(next);
     platform::closeNamedMutex(kept);
+}
+
+// Where nobody shares it, the file itself is in the way, and counts as one that may not be replaced.
+TEST(FileReplacing, LeavesAFileThatAnotherProgramHolds) {
+    const test::TempFolder folder;
+    const std::string path = folder.path("a");
+    test::writeFile(path, "old");
+    const HANDLE held = ::CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    ::SetLastError(0);
+    EXPECT_EQ(replaceWhole(path.c_str(), kProfileFiles, "new"), SaveResult::notCreated);
+    EXPECT_EQ(::GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+    ::CloseHandle(held);
+    EXPECT_EQ(test::readText(path), "old");
+    for (const auto& entry : std::filesystem::directory_iterator(folder.folder()))
+        EXPECT_EQ(entry.path().filename(), L"a");
+    EXPECT_EQ(replaceWhole(path.c_str(), kProfileFiles, "new"), SaveResult::written);
 }
 
 TEST(FilesMatching, NamesThatTheCodePageCannotSayComeInTheirShortForm) {
