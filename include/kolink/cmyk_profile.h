@@ -90,10 +90,12 @@ KOLINK_API CmykProfile *jKoCmykCombineIccProfile(const CmsLinkSettings *settings
 
 /* Writes the profile as an ICC device link (A2B0 in 8 bits, 33 points; name, control points and
  * comment in the description; its copyright text is "The owner of the profile holds the
- * copyright.") and stores path in the record, also after a failure. A path of
- * more than 259 bytes is refused: nothing is written or stored.
- * Returns 1 when written, and when the file may not be created or replaced; else 0. A link that
- * would lack a tag, since memory is short, is not written. The reason of either is there. */
+ * copyright.") and stores path in the record, also after a failure.
+ * Returns 1 when written, also when the file may not be created or replaced and when there was no
+ * memory for the link at all; 0 when memory was short for a tag (nothing is written then), a write
+ * or flush failed, memory, handles or room on the disk were short for the file, profile is null, or
+ * path is null or longer than 259 bytes (the record's path is then left as it was). The reason is
+ * there in every case but the first: the 1 without a file too has one. */
 KOLINK_API int32_t jKoCmykSaveProfile(CmykProfile *profile, const char *path);
 
 KOLINK_END

@@ -39,12 +39,12 @@ KOLINK_API int32_t jKoDevsInitProfile(DeviceProfile *profile);
 
 /* Writes an ICC printer profile (version 2, CMYK, Lab, 8-bit tables: A2B0 serves A2B1 and A2B2
  * too, B2A1 serves B2A2; its copyright text is "No copyright, use freely"), and stores path in the
- * record, also after a failure. A description
- * without terminator ends with its field.
+ * record, also after a failure. A description without terminator ends with its field.
  * Returns 1 when written, also when the file may not be created or replaced and when there was no
- * memory for the profile; 0 when memory was short for a tag (nothing is written then), a write or
- * flush failed, profile is null, or path is null or longer than 259 bytes (the record's path is
- * then left as it was). The reason is there in every case but the first. */
+ * memory for the profile at all; 0 when memory was short for a tag (nothing is written then), a
+ * write or flush failed, memory, handles or room on the disk were short for the file, profile is
+ * null, or path is null or longer than 259 bytes (the record's path is then left as it was). The
+ * reason is there in every case but the first: the 1 without a file too has one. */
 KOLINK_API int32_t jKoDevsSaveProfile(DeviceProfile *profile, const char *path);
 
 KOLINK_END

@@ -71,6 +71,8 @@ void fillWith(uint8_t byte) noexcept;
 int reason() noexcept;
 void forgetReason() noexcept;
 bool isReasonOf(Kind kind, int reason) noexcept;
+// The one of a library that the system's loader could not map: it does not say why.
+bool isReasonOfLoader(Kind kind, int reason) noexcept;
 
 int openFiles() noexcept;  // of this process; only their difference says something
 

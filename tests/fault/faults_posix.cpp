@@ -203,6 +203,9 @@ void fillWith(uint8_t byte) noexcept { state.fill = byte; }
 int reason() noexcept { return errno; }
 void forgetReason() noexcept { errno = 0; }
 bool isReasonOf(Kind kind, int given) noexcept { return given == kReasons[static_cast<int>(kind)]; }
+bool isReasonOfLoader(Kind kind, int given) noexcept {
+    return kind == Kind::space && given == ELIBACC;
+}
 
 int openFiles() noexcept {
     const long lowest = ::syscall(SYS_dup, 0);

@@ -233,6 +233,7 @@ bool isReasonOf(Kind kind, int given) noexcept {
     if (kind == Kind::memory && given == ERROR_OUTOFMEMORY) return true;
     return static_cast<DWORD>(given) == kReasons[static_cast<int>(kind)];
 }
+bool isReasonOfLoader(Kind, int) noexcept { return false; }
 int openFiles() noexcept { return state.fileCount; }
 
 }  // namespace ko::fault

@@ -210,11 +210,9 @@ private:
         const bool filesAreNew = seen.files == expected_.files;
         if (seen.result.done) {
             if (seen.result.results == expected_.result.results && filesAreNew) return same;
-            const bool notCreated = injection.kind == Kind::open || injection.kind == Kind::rename;
             const bool notBegun = injection.kind == Kind::memory && injection.at == 1;
-            if (((scenario_.doneWithoutFile && notCreated) ||
-                 (scenario_.doneWithoutMemory && notBegun)) &&
-                seen.files == before_ && isReasonOf(injection.kind, seen.reason))
+            if (scenario_.doneWithoutMemory && notBegun && seen.files == before_ &&
+                isReasonOf(injection.kind, seen.reason))
                 return stated;
             if (seen.result.stated && injection.kind != Kind::memory && !isLegal(injection.way))
                 return stated;
@@ -226,7 +224,9 @@ private:
         if (seen.result.record != 0 && seen.result.record != missingRecord_ && !notedPath)
             return changedRecord;
         if (!seen.calls.struck) return wrongSuccess;
-        return isReasonOf(injection.kind, seen.reason) ? refused : noReason;
+        const bool told = isReasonOf(injection.kind, seen.reason) ||
+                          (scenario_.loadsPlugin && isReasonOfLoader(injection.kind, seen.reason));
+        return told ? refused : noReason;
     }
 
     // Memory that is kept for later is taken once; a leak grows each time.

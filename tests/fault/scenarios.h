@@ -97,10 +97,9 @@ struct Scenario {
     std::string name;       // the exported function, and behind a blank what it is given
     std::string output;     // the file that it writes; empty: none
     bool overOld = false;   // there is one already
-    // What it says when the file cannot be created: done, with the file as it was.
-    bool doneWithoutFile = false;
-    // The same when its first allocation fails.
+    // What it says when its first allocation fails: done, with the file as it was.
     bool doneWithoutMemory = false;
+    bool loadsPlugin = false;
     bool takesLong = false;  // a tenth of a second and more
     std::function<Result(Run&)> run;
     // What it leaves of the record for a file that is not there, which is what a failure may leave
