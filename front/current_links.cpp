@@ -2,6 +2,7 @@
 #include "front/current_links.h"
 
 #include <cstring>
+#include <utility>
 
 #include "frame/text.h"
 #include "front/front.h"
@@ -32,13 +33,15 @@ void endProfile() noexcept {
 bool setupProfile(const char* rgbPath, const char* cmykPath, int32_t intent) {
     endProfile();
     CmsLinkSettings settings;
+    link::Link cmykToRgb, rgbToCmyk;
     if (fill(settings, cmykPath, rgbPath, intent))
-        cmykToRgbCurrent = link::combineIcmCmykProfile(settings);
+        cmykToRgb = link::combineIcmCmykProfile(settings);
     if (fill(settings, rgbPath, cmykPath, intent))
-        rgbToCmykCurrent = link::combineIcmRgbProfile(settings);
-    if (cmykToRgbCurrent && rgbToCmykCurrent) return true;
-    endProfile();
-    return false;
+        rgbToCmyk = link::combineIcmRgbProfile(settings);
+    if (!cmykToRgb || !rgbToCmyk) return false;  // as after an exception: neither is current
+    cmykToRgbCurrent = std::move(cmykToRgb);
+    rgbToCmykCurrent = std::move(rgbToCmyk);
+    return true;
 }
 
 }  // namespace ko::front

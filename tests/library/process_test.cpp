@@ -158,8 +158,11 @@ TEST_F(ShortMemoryCall, ThatBuildsALinkWithItsOwnEvaluatorIsRefused) {
 }
 
 TEST_F(ShortMemoryCall, ThatSetsUpTheCurrentLinksIsRefused) {
+    jColorEndProfile();
+    const uint32_t builtIn = jColorCMYKtoRGB(20, 30, 40, 50);
     failEverywhere([&] {
-        if (jColorSetupProfile(monitor.c_str(), press.c_str(), 0) != 1) return uint64_t{0};
+        if (jColorSetupProfile(monitor.c_str(), press.c_str(), 0) != 1)
+            return uint64_t{jColorCMYKtoRGB(20, 30, 40, 50) != builtIn};  // with neither link
         const uint32_t colours[] = {jColorRGBtoCMYK(10, 90, 200), jColorCMYKtoRGB(20, 30, 40, 50)};
         jColorEndProfile();
         return numberOf(colours, sizeof colours);
