@@ -6,32 +6,10 @@
 namespace ko::precise {
 namespace {
 
-// Four floats at once, each an IEEE float by itself on every target.
-using Four = float __attribute__((vector_size(16)));
-
 inline Four load(const float* node) noexcept {
     Four four;
     std::memcpy(&four, node, sizeof four);
     return four;
-}
-
-struct Cell {
-    const float* low;
-    std::array<float, kMostChannels> rests;
-};
-
-template <size_t inputs>
-inline Cell cellOf(const Grid& grid, const double* x) noexcept {
-    Cell cell{grid.nodes.data(), {}};
-    for (size_t axis = 0; axis < inputs; ++axis) {
-        const int last = grid.points[axis] - 1;
-        const double position = x[axis] > 0 ? x[axis] < 1 ? x[axis] * last : last : 0;
-        int index = static_cast<int>(position);
-        if (index > last - 1) index = last - 1;
-        cell.low += static_cast<size_t>(index) * grid.strides[axis];
-        cell.rests[axis] = static_cast<float>(position - index);
-    }
-    return cell;
 }
 
 // Axes in the order of their fractions, the largest first; ties in the axes' order.
@@ -45,33 +23,24 @@ inline std::array<uint32_t, 3> orderOf(const float* rests) noexcept {
     return order;
 }
 
+// From the low corner to the high one along the axes in their order. slopes gets the difference
+// along each axis, where it is wanted.
+template <bool wanted>
 inline Four tetrahedron(const float* low, const float* rests, const uint32_t* strides,
-                        const std::array<uint32_t, 3>& order) noexcept {
+                        const std::array<uint32_t, 3>& order, Four* slopes) noexcept {
     const Four c0 = load(low);
     low += strides[order[0]];
     const Four c1 = load(low);
     low += strides[order[1]];
     const Four c2 = load(low);
     low += strides[order[2]];
-    const Four c3 = load(low);
-    return c0 + (c1 - c0) * rests[order[0]] + (c2 - c1) * rests[order[1]] +
-           (c3 - c2) * rests[order[2]];
-}
-
-inline Four tetrahedronSlopes(const float* low, const float* rests, const uint32_t* strides,
-                              const std::array<uint32_t, 3>& order, Four* slopes) noexcept {
-    const Four c0 = load(low);
-    low += strides[order[0]];
-    const Four c1 = load(low);
-    low += strides[order[1]];
-    const Four c2 = load(low);
-    low += strides[order[2]];
-    const Four c3 = load(low);
-    slopes[order[0]] = c1 - c0;
-    slopes[order[1]] = c2 - c1;
-    slopes[order[2]] = c3 - c2;
-    return c0 + (c1 - c0) * rests[order[0]] + (c2 - c1) * rests[order[1]] +
-           (c3 - c2) * rests[order[2]];
+    const Four a = c1 - c0, b = c2 - c1, c = load(low) - c2;
+    if constexpr (wanted) {
+        slopes[order[0]] = a;
+        slopes[order[1]] = b;
+        slopes[order[2]] = c;
+    }
+    return c0 + a * rests[order[0]] + b * rests[order[1]] + c * rests[order[2]];
 }
 
 inline Four allCorners(const float* low, const float* rests, const uint32_t* strides) noexcept {
@@ -86,41 +55,34 @@ inline Four allCorners(const float* low, const float* rests, const uint32_t* str
     return corner[0] + (corner[2] - corner[0]) * rests[0];
 }
 
-template <size_t inputs>
-inline Four gridAt(const Grid& grid, const double* x) noexcept {
-    const Cell cell = cellOf<inputs>(grid, x);
+// The colour in its cell; slopes by axis, in units of a cell, where they are wanted.
+template <size_t inputs, bool wanted>
+inline Four inCell(const Grid& grid, const float* low, const float* rests,
+                   [[maybe_unused]] Four* slopes) noexcept {
+    const uint32_t* strides = grid.strides.data();
     if constexpr (inputs == 3) {
-        if (grid.blended) return allCorners(cell.low, cell.rests.data(), grid.strides.data());
-        return tetrahedron(cell.low, cell.rests.data(), grid.strides.data(),
-                           orderOf(cell.rests.data()));
+        if (!wanted && grid.blended) return allCorners(low, rests, strides);
+        return tetrahedron<wanted>(low, rests, strides, orderOf(rests), slopes);
     } else {
-    const auto order = orderOf(&cell.rests[1]);
-    const Four a = tetrahedron(cell.low, &cell.rests[1], &grid.strides[1], order);
-    const Four b =
-        tetrahedron(cell.low + grid.strides[0], &cell.rests[1], &grid.strides[1], order);
-    return a + (b - a) * cell.rests[0];
+        const auto order = orderOf(rests + 1);
+        Four lower[3], upper[3];
+        const Four a = tetrahedron<wanted>(low, rests + 1, strides + 1, order, lower);
+        const Four b = tetrahedron<wanted>(low + strides[0], rests + 1, strides + 1, order, upper);
+        if constexpr (wanted) {
+            slopes[0] = b - a;
+            for (int axis = 0; axis < 3; ++axis)
+                slopes[axis + 1] = lower[axis] + (upper[axis] - lower[axis]) * rests[0];
+        }
+        return a + (b - a) * rests[0];
     }
 }
 
-template <size_t inputs>
-inline Four gridSlopesAt(const Grid& grid, const double* x, Four* slopes) noexcept {
-    const Cell cell = cellOf<inputs>(grid, x);
-    if constexpr (inputs == 3) {
-        return tetrahedronSlopes(cell.low, cell.rests.data(), grid.strides.data(),
-                                 orderOf(cell.rests.data()), slopes);
-    } else {
-    const auto order = orderOf(&cell.rests[1]);
-    Four lower[3], upper[3];
-    const Four a =
-        tetrahedronSlopes(cell.low, &cell.rests[1], &grid.strides[1], order, lower);
-    const Four b = tetrahedronSlopes(cell.low + grid.strides[0], &cell.rests[1], &grid.strides[1],
-                                     order, upper);
-    slopes[0] = b - a;
-    for (int axis = 0; axis < 3; ++axis)
-        slopes[axis + 1] = lower[axis] + (upper[axis] - lower[axis]) * cell.rests[0];
-    return a + slopes[0] * cell.rests[0];
-    }
+inline Four narrowed(const Colour& colour) noexcept {
+    return Four{static_cast<float>(colour[0]), static_cast<float>(colour[1]),
+                static_cast<float>(colour[2]), static_cast<float>(colour[3])};
 }
+
+inline Colour widened(Four four) noexcept { return {four[0], four[1], four[2], four[3]}; }
 
 bool isDiagonal(const Matrix& matrix) noexcept {
     for (size_t row = 0; row < 3; ++row)
@@ -131,15 +93,16 @@ bool isDiagonal(const Matrix& matrix) noexcept {
 
 }  // namespace
 
-QuickCurve::QuickCurve(const Curve& curve, double scale, double offset) {
+void QuickCurves::set(size_t channel, const Curve& curve, double scale, double offset) {
     const size_t count = curve.isSampled() ? curve.entries().size() : 2;
-    entries_.resize(count);
+    auto& entries = entries_[channel];
+    entries.resize(count);
     for (size_t at = 0; at < count; ++at) {
         const double value = curve.isSampled() ? curve.entries()[at] : static_cast<double>(at);
-        entries_[at] = static_cast<float>(value * scale + offset);
+        entries[at] = static_cast<float>(value * scale + offset);
     }
-    last_ = static_cast<double>(count - 1);
-    top_ = static_cast<int>(count) - 2;
+    last_[channel] = static_cast<float>(count - 1);
+    top_[channel] = static_cast<int32_t>(count) - 2;
 }
 
 Evaluator::Evaluator(Pipeline pipeline) : pipeline_(std::move(pipeline)) { quick_ = prepare(); }
@@ -161,8 +124,11 @@ bool Evaluator::prepare() {
             if (!curve.isSampled() && !curve.isIdentity()) return false;
         return true;
     };
-    for (size_t ch = 0; ch < static_cast<size_t>(grid_->inputs); ++ch)
-        steps_[ch] = grid_->scale * (grid_->points[ch] - 1);
+    for (size_t ch = 0; ch < static_cast<size_t>(grid_->inputs); ++ch) {
+        top_[ch] = grid_->points[ch] - 2;
+        last_[ch] = static_cast<float>(grid_->points[ch] - 1);
+        steps_[ch] = static_cast<float>(grid_->scale) * last_[ch];
+    }
     const Curve identity;
     lead_ = grid;
     const std::vector<Curve>* first = nullptr;
@@ -171,7 +137,7 @@ bool Evaluator::prepare() {
         --lead_;
     }
     for (size_t ch = 0; ch < static_cast<size_t>(grid_->inputs); ++ch)
-        in_[ch] = QuickCurve(first ? (*first)[ch] : identity, 1, 0);
+        in_.set(ch, first ? (*first)[ch] : identity, 1, 0);
 
     size_t next = grid + 1;
     const std::vector<Curve>* last = nullptr;
@@ -184,19 +150,30 @@ bool Evaluator::prepare() {
     }
     if (next != stages.size()) return false;
     for (size_t ch = 0; ch < static_cast<size_t>(grid_->outputs); ++ch)
-        out_[ch] = QuickCurve(last ? (*last)[ch] : identity, ch < 3 ? matrix.rows[ch][ch] : 1,
-                              ch < 3 ? matrix.offsets[ch] : 0);
+        out_.set(ch, last ? (*last)[ch] : identity, ch < 3 ? matrix.rows[ch][ch] : 1,
+                 ch < 3 ? matrix.offsets[ch] : 0);
     return true;
 }
 
-template <size_t inputs, size_t outputs>
-Colour Evaluator::quickAt(const Colour& in) const noexcept {
-    Colour x;
-    for (size_t ch = 0; ch < inputs; ++ch) x[ch] = in_[ch].at(in[ch]);
-    const Four sum = gridAt<inputs>(*grid_, x.data());
-    Colour out{};
-    for (size_t ch = 0; ch < outputs; ++ch) out[ch] = out_[ch].at(sum[ch] * grid_->scale);
-    return out;
+struct Evaluator::Cell {
+    const float* low;
+    std::array<float, kMostChannels> rests;
+};
+
+template <size_t inputs>
+inline Evaluator::Cell Evaluator::cellOf(Four x) const noexcept {
+    x = x > 0 ? x : Four{};
+    x = x < 1 ? x : Four{1, 1, 1, 1};
+    const Four position = x * last_;
+    FourInt index = __builtin_convertvector(position, FourInt);
+    index += index > top_;
+    const Four rest = position - __builtin_convertvector(index, Four);
+    Cell cell;
+    cell.low = grid_->nodes.data();
+    for (size_t axis = 0; axis < inputs; ++axis)
+        cell.low += static_cast<size_t>(index[axis]) * grid_->strides[axis];
+    std::memcpy(cell.rests.data(), &rest, sizeof rest);
+    return cell;
 }
 
 Colour Evaluator::at(const Colour& in) const noexcept {
@@ -204,42 +181,55 @@ Colour Evaluator::at(const Colour& in) const noexcept {
     Colour x = in;
     // A matrix that encodes is all that usually stands here.
     for (size_t stage = 0; stage < lead_; ++stage) x = pipeline_.stageAt(stage, x);
-    switch (grid_->inputs * 8 + grid_->outputs) {
-        case 3 * 8 + 1: return quickAt<3, 1>(x);
-        case 3 * 8 + 3: return quickAt<3, 3>(x);
-        case 3 * 8 + 4: return quickAt<3, 4>(x);
-        case 4 * 8 + 3: return quickAt<4, 3>(x);
-        case 4 * 8 + 4: return quickAt<4, 4>(x);
-        default: return pipeline_.at(in);
+    const Four place = in_.at(narrowed(x));
+    Four sum;
+    if (grid_->inputs == 4) {
+        const Cell cell = cellOf<4>(place);
+        sum = inCell<4, false>(*grid_, cell.low, cell.rests.data(), nullptr);
+    } else {
+        const Cell cell = cellOf<3>(place);
+        sum = inCell<3, false>(*grid_, cell.low, cell.rests.data(), nullptr);
     }
+    return widened(out_.at(sum * static_cast<float>(grid_->scale)));
 }
 
-template <size_t inputs>
-void Evaluator::quickSlopesAt(const Colour& in, Slopes& result) const noexcept {
-    Colour x, steep;
-    for (size_t ch = 0; ch < inputs; ++ch) {
-        x[ch] = in_[ch].at(in[ch], steep[ch]);
-        steep[ch] *= steps_[ch];
+Evaluator::Place Evaluator::placeOf(size_t channel, double value) const noexcept {
+    Four x{};
+    x[channel] = static_cast<float>(value);
+    Four alone{};  // the other channels stand at their axes' beginnings
+    alone[channel] = in_.at(x)[channel];
+    const Cell cell = cellOf<4>(alone);
+    return {static_cast<uint32_t>(cell.low - grid_->nodes.data()), cell.rests[channel]};
+}
+
+Colour Evaluator::atPlaces(const std::array<Place, kMostChannels>& places) const noexcept {
+    const float* low = grid_->nodes.data();
+    std::array<float, kMostChannels> rests;
+    for (size_t axis = 0; axis < kMostChannels; ++axis) {
+        low += places[axis].offset;
+        rests[axis] = places[axis].rest;
     }
-    Four slopes[4];
-    const Four sum = gridSlopesAt<inputs>(*grid_, x.data(), slopes);
-    for (size_t ch = 0; ch < 3; ++ch) {
-        double slope;
-        result.value[ch] = out_[ch].at(sum[ch] * grid_->scale, slope);
-        for (size_t axis = 0; axis < inputs; ++axis)
-            result.slopes[ch][axis] = slope * (slopes[axis][ch] * steep[axis]);
-    }
+    const Four sum = inCell<4, false>(*grid_, low, rests.data(), nullptr);
+    return widened(out_.at(sum * static_cast<float>(grid_->scale)));
 }
 
 Slopes Evaluator::slopesAt(const Colour& in) const noexcept {
-    Slopes result;
-    if (!quick_ || lead_ != 0 || grid_->outputs != 3 || grid_->blended) {
-        result = pipeline_.slopesAt(in);
-    } else if (grid_->inputs == 4) {
-        quickSlopesAt<4>(in, result);
+    if (!quick_ || lead_ != 0 || grid_->blended) return pipeline_.slopesAt(in);
+    Four steep, slope, slopes[4] = {};
+    const Four place = in_.at(narrowed(in), steep);
+    Four sum;
+    if (grid_->inputs == 4) {
+        const Cell cell = cellOf<4>(place);
+        sum = inCell<4, true>(*grid_, cell.low, cell.rests.data(), slopes);
     } else {
-        quickSlopesAt<3>(in, result);
+        const Cell cell = cellOf<3>(place);
+        sum = inCell<3, true>(*grid_, cell.low, cell.rests.data(), slopes);
     }
+    steep *= steps_;
+    Slopes result;
+    result.value = widened(out_.at(sum * static_cast<float>(grid_->scale), slope));
+    for (size_t axis = 0; axis < kMostChannels; ++axis)
+        result.slopes[axis] = widened(slope * (slopes[axis] * steep[axis]));
     return result;
 }
 

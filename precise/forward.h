@@ -9,43 +9,54 @@
 
 namespace ko::precise {
 
-// A sampled curve over floats, whose value and slope cost a multiplication each. Arguments are
-// limited to 0..1.
-class QuickCurve {
+// Four floats at once, each an IEEE float by itself on every target.
+using Four = float __attribute__((vector_size(16)));
+using FourInt = int32_t __attribute__((vector_size(16)));
+
+// Four sampled curves side by side, for one argument each. Floats throughout; arguments are
+// limited to 0..1, and the two entries around them blended.
+class QuickCurves {
 public:
-    QuickCurve() = default;
-    // The curve, its values times scale plus offset.
-    QuickCurve(const Curve& curve, double scale, double offset);
-    double at(double x) const noexcept {
-        const Place place = placeOf(x);
-        return place.entry[0] + place.rest * (place.entry[1] - place.entry[0]);
+    // The curve of a channel, its values times scale plus offset; the identity where none is set.
+    void set(size_t channel, const Curve& curve, double scale, double offset);
+    Four at(Four x) const noexcept {
+        const Places places = placesOf(x);
+        return places.low + places.rest * (places.high - places.low);
     }
-    double at(double x, double& slope) const noexcept {
-        const Place place = placeOf(x);
-        const double rise = static_cast<double>(place.entry[1]) - place.entry[0];
+    Four at(Four x, Four& slope) const noexcept {
+        const Places places = placesOf(x);
+        const Four rise = places.high - places.low;
         slope = rise * last_;
-        return place.entry[0] + place.rest * rise;
+        return places.low + places.rest * rise;
     }
 
 private:
-    struct Place {
-        const float* entry;
-        double rest;
+    struct Places {
+        Four low, high, rest;
     };
-    Place placeOf(double x) const noexcept {
-        const double position = x > 0 ? x < 1 ? x * last_ : last_ : 0;
-        int index = static_cast<int>(position);
-        if (index > top_) index = top_;
-        return {entries_.data() + index, position - index};
+    Places placesOf(Four x) const noexcept {
+        x = x > 0 ? x : Four{};
+        x = x < 1 ? x : Four{1, 1, 1, 1};
+        const Four position = x * last_;
+        FourInt index = __builtin_convertvector(position, FourInt);
+        index += index > top_;  // a comparison that holds is -1
+        Places places;
+        places.rest = position - __builtin_convertvector(index, Four);
+        for (size_t channel = 0; channel < 4; ++channel) {
+            const float* entry = entries_[channel].data() + index[channel];
+            places.low[channel] = entry[0];
+            places.high[channel] = entry[1];
+        }
+        return places;
     }
-    std::vector<float> entries_;
-    double last_ = 0;
-    int top_ = 0;
+    Four last_ = {1, 1, 1, 1};
+    FourInt top_ = {0, 0, 0, 0};
+    std::array<std::vector<float>, 4> entries_ = {{{0, 1}, {0, 1}, {0, 1}, {0, 1}}};
 };
 
 // Four inks (or three channels) to L*a*b* with derivatives, and anything to anything without.
-// Tables of the common shape - curves, one grid, curves - are evaluated in floats with double
-// ends; every other pipeline as it is. The two ways agree to 0.001 L*a*b* units.
+// Tables of the common shape - curves, one grid, curves - are evaluated in floats; every other
+// pipeline as it is. The two ways agree to 0.001 L*a*b* units.
 class Evaluator {
 public:
     explicit Evaluator(Pipeline pipeline);
@@ -56,18 +67,28 @@ public:
     Colour at(const Colour& in) const noexcept;
     Slopes slopesAt(const Colour& in) const noexcept;
 
+    // Where a channel's value stands in its axis. Places can be kept for values that come again;
+    // only of a quick evaluator of four channels.
+    struct Place {
+        uint32_t offset = 0;
+        float rest = 0;
+    };
+    bool hasPlaces() const noexcept { return quick_ && lead_ == 0 && grid_->inputs == 4; }
+    Place placeOf(size_t channel, double value) const noexcept;
+    Colour atPlaces(const std::array<Place, kMostChannels>& places) const noexcept;
+
 private:
+    struct Cell;
     bool prepare();
-    template <size_t inputs, size_t outputs>
-    Colour quickAt(const Colour& in) const noexcept;
     template <size_t inputs>
-    void quickSlopesAt(const Colour& in, Slopes& result) const noexcept;
+    Cell cellOf(Four x) const noexcept;
     Pipeline pipeline_;
     bool quick_ = false;
     size_t lead_ = 0;  // stages before the curves of the table
-    std::array<QuickCurve, kMostChannels> in_, out_;
+    QuickCurves in_, out_;
     const Grid* grid_ = nullptr;
-    Colour steps_{};  // cells an axis, times the grid's scale
+    Four last_{}, steps_{};  // cells an axis; times the grid's scale
+    FourInt top_{};
 };
 
 }  // namespace ko::precise

@@ -5,6 +5,7 @@
 
 #include "precise/link.h"
 #include "precise/solve.h"
+#include "precise/trail.h"
 #include "precise/transform.h"
 
 namespace ko::precise {
@@ -25,9 +26,10 @@ constexpr double kBlackTop = 0.94;
 constexpr double kBorder = 6;
 // Ink is saved in full this many units of L* below the stated lightness.
 constexpr double kSavingFade = 20;
-// What black short of full costs while the most of it is looked for: next to nothing beside a
-// colour that is off.
-constexpr double kSavingWeight = 0.02;
+// Units outside the gamut at which nothing is saved any more.
+constexpr double kSavingReach = 1;
+// Of black, from which on it counts as moved.
+constexpr double kMoved = 0.004;
 
 double smooth(double x) noexcept {  // 0..1 with level ends
     const double t = std::clamp(x, 0.0, 1.0);
@@ -77,6 +79,7 @@ public:
             link_->origins.push_back({header.manufacturer, header.model, header.attributes,
                                       profile->description(), profileId(profile->bytes())});
         }
+        prepareLevels();
         makeNodes();
         link_->report.nodes = nodeCount();
         if (toCmyk()) compareInk();
@@ -188,6 +191,7 @@ private:
             forward_.emplace(std::move(*forward));
         }
         inverted_ = o_.method == Method::inverted && colorimetric && forward_;
+        if (inverted_) plain_.emplace(*forward_);
         link.report.inverted = inverted_;
         part = kNoPart;
 
@@ -270,22 +274,26 @@ private:
                     node[static_cast<size_t>(axis)] = static_cast<int>(rest % static_cast<size_t>(n));
                     rest /= static_cast<size_t>(n);
                 }
-                trail_ = 0;
                 store(at, makeNode(node));
             }
             return;
         }
         // Along Y, so that a node's neighbours before it say where its inks will be.
+        trail_.emplace(n);
         for (node[0] = 0; node[0] < n; ++node[0])
             for (node[1] = 0; node[1] < n; ++node[1])
-                for (node[3] = 0; node[3] < n; ++node[3]) {
-                    trail_ = 0;
+                for (node[3] = 0; node[3] < n; ++node[3])
                     for (node[2] = 0; node[2] < n; ++node[2]) {
                         const auto at = static_cast<size_t>(
                             ((node[0] * n + node[1]) * n + node[2]) * n + node[3]);
-                        store(at, makeNode(node));
+                        trail_->goTo(node);
+                        inside_ = false;
+                        solved_.reset();
+                        const Colour inks = makeNode(node);
+                        trail_->follow(solved_ ? *solved_ : inks, inside_);
+                        store(at, inks);
                     }
-                }
+        trail_.reset();
     }
 
     // What the link takes and what the tables would take, over every other node of each axis.
@@ -303,7 +311,7 @@ private:
                 const int index = static_cast<int>(rest % static_cast<size_t>(n));
                 rest /= static_cast<size_t>(n);
                 even = even && index % 2 == 0;
-                in[static_cast<size_t>(axis)] = link_->level(index);
+                in[static_cast<size_t>(axis)] = levels_[static_cast<size_t>(index)];
             }
             if (!even) continue;
             ++counted;
@@ -331,10 +339,27 @@ private:
         return true;
     }
 
+    // Levels of the nodes, and where they stand in the source's table when that is quick.
+    void prepareLevels() {
+        for (int i = 0; i < link_->gridPoints; ++i) {
+            levels_.push_back(link_->level(i));
+            for (size_t axis = 0; axis < kMostChannels && wanted_->hasPlaces(); ++axis)
+                places_[axis].push_back(wanted_->placeOf(axis, levels_.back()));
+        }
+        keepsPlaces_ = wanted_->hasPlaces() && !base_ && o_.white != White::paper;
+    }
+    Triple wantedAt(const std::array<int, kMostChannels>& node, const Colour& in) const noexcept {
+        if (!keepsPlaces_) return three(wanted_->at(in));
+        std::array<Evaluator::Place, kMostChannels> places;
+        for (size_t axis = 0; axis < kMostChannels; ++axis)
+            places[axis] = places_[axis][static_cast<size_t>(node[axis])];
+        return three(wanted_->atPlaces(places));
+    }
+
     Colour makeNode(const std::array<int, kMostChannels>& node) noexcept {
         Colour in{};
-        for (int axis = 0; axis < link_->inputs; ++axis)
-            in[static_cast<size_t>(axis)] = link_->level(node[static_cast<size_t>(axis)]);
+        for (size_t axis = 0; axis < static_cast<size_t>(link_->inputs); ++axis)
+            in[axis] = levels_[static_cast<size_t>(node[axis])];
         const Colour original = in;
         if (fromCmyk() && o_.white == White::paper) addTint(in);
         const bool noColour = in[0] == 0 && in[1] == 0 && in[2] == 0;
@@ -348,13 +373,14 @@ private:
         }
         if (fromCmyk() && toCmyk() && noColour && black_ != Black::none) {
             ++link_->report.reached;
+            inside_ = true;
             return {0, 0, 0, curve_.at(in[3])};
         }
         if (base_) {
             in = base_->at(in);
             for (double& ink : in) ink = std::clamp(ink, 0.0, 1.0);
         }
-        const Triple lab = three(wanted_->at(in));
+        const Triple lab = wantedAt(node, in);
         if (!toCmyk()) {
             Colour out = inverse_->at({lab[0], lab[1], lab[2], 0});
             for (double& value : out) value = std::clamp(value, 0.0, 1.0);
@@ -404,34 +430,53 @@ private:
             for (size_t i = 0; i < 3; ++i) lab[i] += share * shift[i];
         }
         const double black = curve_.at(in[3]);
-        Colour start = expected(in);
-        start[3] = black;
-        const bool saves = o_.saveInk > 0 && !alone;
-        if (!alone && !saves) {
-            if (const auto inside = solveInside(*forward_, lab, start);
-                inside && sumOf(*inside) <= limit_) {
-                ++link_->report.reached;
-                follow(*inside);
-                lastMove_ = 0;
-                return *inside;
+        Trail::Guess guess;
+        const bool guessed = trail_->guess(guess);
+        if (!guessed) guess.inks = in;
+        if (!alone && (guess.inside || !guessed)) {
+            Colour start = guess.inks;
+            start[3] = black;
+            if (const auto found = plainly(lab, start)) {
+                inside_ = true;
+                return *found;
             }
         }
         Wish wish;
         wish.lab = lab;
-        wish.start = start;
-        if (trail_ > 0) wish.start[3] = std::clamp(black + lastMove_, 0.0, 1.0);
+        wish.start = guess.inks;
+        if (!guessed) wish.start[3] = black;
         wish.reference = in;
         wish.high = high;
         wish.black = std::min(black, high[3]);
         wish.total = limit_;
-        Answer answer = solve(*forward_, wish);
-        follow(answer.inks);
-        lastMove_ = answer.inks[3] - black;
-        if (saves) answer = saving(wish, answer);
+        const Answer answer = solve(*forward_, wish);
+        const double move = std::abs(answer.inks[3] - black);
+        if (move > kMoved) ++link_->report.movedBlack;
+        if (alone) return settled(answer);
+        inside_ = move < kMoved && answer.reached && isWithin(answer.inks);
+        return saving(lab, settled(answer), answer.distance);
+    }
+
+    // By plain steps, when that meets the colour within every bound.
+    std::optional<Colour> plainly(const Triple& lab, const Colour& start) noexcept {
+        auto inside = plain_->solve(lab, start);
+        if (!inside || sumOf(*inside) > limit_) return std::nullopt;
+        ++link_->report.reached;
+        solved_ = *inside;
+        return saving(lab, *inside, 0);
+    }
+    Colour settled(const Answer& answer) noexcept {
         if (answer.distance < 1) ++link_->report.reached;
-        if (std::abs(answer.inks[3] - black) > 0.004) ++link_->report.movedBlack;
         if (sumOf(answer.inks) > limit_ - 1e-6) ++link_->report.limited;
+        solved_ = answer.inks;
         return answer.inks;
+    }
+
+    // No bound is met.
+    bool isWithin(const Colour& inks) const noexcept {
+        for (size_t i = 0; i < 3; ++i)
+            if (!(inks[i] > 0 && inks[i] < 1)) return false;
+        return sumOf(inks) < limit_;
     }
 
     // K from the destination's inverse table.
@@ -442,69 +487,51 @@ private:
             ++link_->report.reached;
             return table;
         }
-        const bool saves = o_.saveInk > 0 && !alone;
-        if (!alone && !saves) {
-            if (const auto inside = solveInside(*forward_, lab, table);
-                inside && sumOf(*inside) <= limit_) {
-                ++link_->report.reached;
-                return *inside;
-            }
-        }
+        Colour start = table;
+        if (Trail::Guess guess; trail_ && trail_->guess(guess))
+            std::copy_n(guess.inks.begin(), 3, start.begin());
+        if (!alone)
+            if (const auto found = plainly(lab, start)) return *found;
         Wish wish;
         wish.lab = lab;
-        wish.start = table;
+        wish.start = start;
         wish.reference = table;
         wish.high = high;
         wish.black = std::min(table[3], high[3]);
         wish.blackWeight = 400;
         wish.total = limit_;
-        Answer answer = solve(*forward_, wish);
-        if (saves) answer = saving(wish, answer);
-        if (answer.distance < 1) ++link_->report.reached;
-        if (sumOf(answer.inks) > limit_ - 1e-6) ++link_->report.limited;
-        if (alone) return answer.inks;
+        const Answer answer = solve(*forward_, wish);
+        if (alone) return settled(answer);
+        const Colour inks = saving(lab, settled(answer), answer.distance);
         const double weight = smooth(answer.distance / kBorder);
         Colour out;
-        for (size_t i = 0; i < 4; ++i)
-            out[i] = answer.inks[i] + weight * (table[i] - answer.inks[i]);
+        for (size_t i = 0; i < 4; ++i) out[i] = inks[i] + weight * (table[i] - inks[i]);
         return out;
     }
 
     // The same colour with more black: part of the way to the most with which the colours still
-    // reach it. Light colours keep what they have.
-    Answer saving(Wish wish, const Answer& answer) noexcept {
-        const double share =
-            o_.saveInk / 100 * (1 - smooth((wish.lab[0] - o_.saveInkAbove) / kSavingFade + 1));
-        if (!(share > 0)) return answer;
-        Wish most = wish;
-        most.start = answer.inks;
-        most.reference = answer.inks;
-        most.black = 1;
-        most.blackWeight = kSavingWeight;
-        const Colour full = solve(*forward_, most).inks;
-        if (!(full[3] > answer.inks[3])) return answer;
-        for (size_t i = 0; i < 4; ++i)
-            wish.start[i] = answer.inks[i] + share * (full[i] - answer.inks[i]);
-        wish.black = wish.start[3];
+    // reach it. Light colours keep what they have, and so do those that are not reached.
+    Colour saving(const Triple& lab, const Colour& inks, double distance) noexcept {
+        if (!(o_.saveInk > 0)) return inks;
+        const double share = o_.saveInk / 100 * (1 - smooth(distance / kSavingReach)) *
+                             (1 - smooth((lab[0] - o_.saveInkAbove) / kSavingFade + 1));
+        if (!(share > 0)) return inks;
+        const Colour full = mostBlack(*forward_, seen(lab, inks, distance), inks);
+        if (!(full[3] > inks[3])) return inks;
+        Wish wish;
+        wish.lab = seen(lab, inks, distance);
+        for (size_t i = 0; i < 4; ++i) wish.start[i] = inks[i] + share * (full[i] - inks[i]);
+        wish.low[3] = wish.high[3] = wish.black = wish.start[3];
         wish.reference = wish.start;
-        const Answer saved = solve(*forward_, wish);
-        link_->report.savedInk += sumOf(answer.inks) - sumOf(saved.inks);
+        wish.total = limit_;
+        const auto inside = InsideSolver(*forward_).solve(wish.lab, wish.start);
+        const Colour saved = inside ? *inside : solve(*forward_, wish).inks;
+        link_->report.savedInk += sumOf(inks) - sumOf(saved);
         return saved;
     }
-
-    // Where the two solutions before this one lead to.
-    Colour expected(const Colour& in) const noexcept {
-        if (trail_ == 0) return in;
-        Colour start = last_;
-        if (trail_ > 1)
-            for (size_t i = 0; i < 3; ++i)
-                start[i] = std::clamp(2 * last_[i] - before_[i], 0.0, 1.0);
-        return start;
-    }
-    void follow(const Colour& inks) noexcept {
-        before_ = last_;
-        last_ = inks;
-        ++trail_;
+    // What inks look like that are next to a colour, or the colour.
+    Triple seen(const Triple& lab, const Colour& inks, double distance) const noexcept {
+        return distance > kReached ? three(forward_->at(inks)) : lab;
     }
 
     void store(size_t node, const Colour& out) noexcept {
@@ -553,9 +580,15 @@ private:
     double limit_ = 4;
     BlackCurve curve_;
     std::array<Triple, BlackCurve::kLast + 1> blackLab_{}, blackShift_{};
-    Colour last_{}, before_{};
-    double lastMove_ = 0;  // of black from its plane
-    int trail_ = 0;
+    std::vector<double> levels_;
+    std::array<std::vector<Evaluator::Place>, kMostChannels> places_;
+    bool keepsPlaces_ = false;
+    std::optional<InsideSolver> plain_;
+    std::optional<Trail> trail_;
+    // Of the node that is being made: what the trail goes on from when that is not the node's
+    // own inks, and whether plain steps found it, or would have.
+    std::optional<Colour> solved_;
+    bool inside_ = false;
 };
 
 }  // namespace

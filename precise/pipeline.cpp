@@ -238,11 +238,8 @@ Colour Grid::at(const Colour& in) const noexcept {
 }
 
 Slopes Grid::slopesAt(const Colour& in) const noexcept {
-    std::array<Colour, kMostChannels> byInput{};
     Slopes result;
-    result.value = evaluate<true>(*this, in, byInput);
-    for (size_t i = 0; i < kMostChannels; ++i)
-        for (size_t j = 0; j < kMostChannels; ++j) result.slopes[i][j] = byInput[j][i];
+    result.value = evaluate<true>(*this, in, result.slopes);
     return result;
 }
 
@@ -278,7 +275,7 @@ Slopes Pipeline::slopesAt(const Colour& colour) const noexcept {
         for (size_t i = 0; i < kMostChannels; ++i)
             for (size_t j = 0; j < kMostChannels; ++j)
                 for (size_t k = 0; k < kMostChannels; ++k)
-                    chained[i][j] += local[i][k] * now.slopes[k][j];
+                    chained[j][i] += local[i][k] * now.slopes[j][k];
         now.slopes = chained;
         now.value = step(stage, now.value);
     }

@@ -14,7 +14,7 @@ namespace ko::precise {
 constexpr int kMostChannels = 4;
 using Colour = std::array<double, kMostChannels>;
 
-// A colour with its derivatives: slopes[i][j] is d value[i] / d input[j].
+// A colour with its derivatives: slopes[j][i] is d value[i] / d input[j].
 struct Slopes {
     Colour value{};
     std::array<Colour, kMostChannels> slopes{};

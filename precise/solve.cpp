@@ -2,17 +2,23 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace ko::precise {
 namespace {
 
 // A pull towards the reference keeps dark colours, where many mixes look alike, from wandering;
 // it costs less than 0.001 units where colours can be told apart.
-constexpr double kPull = 0.01;
+constexpr double kPull = 0.005;
 constexpr int kSteps = 16;
 constexpr double kGain = 1e-4;      // squared units that another step has to be worth
-constexpr double kLastGain = 4e-3;  // below it a step is taken on the slopes' word
+constexpr double kLastGain = 2e-3;  // below it a step is taken on the slopes' word
+constexpr double kValley = 0.01;  // below it a step that fails is not tried again shorter
 constexpr double kNear = 0.04;  // units of L*a*b* from which one step more is enough
+constexpr double kFar = 1;      // units from which kept slopes lead astray
+constexpr int kUses = 4;        // colours along a row that slopes serve
+constexpr double kBlackStep = 0.12;  // of black, over which slopes lead near enough
+constexpr int kBlackSteps = 16;
 constexpr double kFlat = 2000;  // the least volume of a cell's slopes for plain steps
 
 struct Weights {  // rows of a matrix over dL, da, db: lightness, chroma, hue
@@ -33,10 +39,12 @@ Triple weighted(const Weights& w, double l, double a, double b) noexcept {
     return {w.l * l, w.c * (w.cosine * a + w.sine * b), w.h * (w.cosine * b - w.sine * a)};
 }
 
-// h = L D L' of the first n rows in place, the diagonal holding 1 / D; false when a pivot is not
-// positive.
-bool decompose(double (&h)[4][4], int n) noexcept {
-    for (int i = 0; i < n; ++i) {
+constexpr int kInks = kMostChannels;
+using Square = double[kInks][kInks];
+
+// h = L D L' in place, the diagonal holding 1 / D; false when a pivot is not positive.
+inline bool decompose(Square& h) noexcept {
+    for (int i = 0; i < kInks; ++i) {
         for (int j = 0; j < i; ++j) {
             double sum = h[i][j];
             for (int k = 0; k < j; ++k) sum -= h[i][k] * h[j][k];
@@ -54,66 +62,66 @@ bool decompose(double (&h)[4][4], int n) noexcept {
     return true;
 }
 
-void backSolve(const double (&h)[4][4], int n, double* x) noexcept {
-    for (int i = 1; i < n; ++i)
-        for (int k = 0; k < i; ++k) x[i] -= h[i][k] * x[k];
-    for (int i = 0; i < n; ++i) x[i] *= h[i][i];
-    for (int i = n - 2; i >= 0; --i)
-        for (int k = i + 1; k < n; ++k) x[i] -= h[k][i] * x[k];
+inline void backSolve(const Square& h, Colour& x) noexcept {
+    for (size_t i = 1; i < kInks; ++i)
+        for (size_t k = 0; k < i; ++k) x[i] -= h[i][k] * x[k];
+    for (size_t i = 0; i < kInks; ++i) x[i] *= h[i][i];
+    for (size_t i = kInks - 1; i-- > 0;)
+        for (size_t k = i + 1; k < kInks; ++k) x[i] -= h[k][i] * x[k];
 }
 
 class Solver {
 public:
     Solver(const Evaluator& forward, const Wish& wish) noexcept
-        : forward_(forward), wish_(wish), weights_(weightsFor(wish.lab)), n_(forward.inputs()) {}
+        : forward_(forward), wish_(wish), weights_(weightsFor(wish.lab)) {}
 
     Answer run() noexcept {
-        for (int i = 0; i < n_; ++i) {
-            const auto at = static_cast<size_t>(i);
-            p_[at] = std::clamp(wish_.start[at], wish_.low[at], wish_.high[at]);
-        }
-        keepTotal(p_);
-        evaluate(p_);
+        State states[2];
+        State *now = &states[0], *next = &states[1];
+        for (size_t i = 0; i < kInks; ++i)
+            now->inks[i] = std::clamp(wish_.start[i], wish_.low[i], wish_.high[i]);
+        keepTotal(now->inks);
+        evaluate(*now);
         double damping = 1e-6;
         for (int round = 0; round < kSteps; ++round) {
-            Colour next{};
-            const double predicted = step(damping, next);
-            if (!(predicted > kGain)) break;
-            if (predicted < kLastGain && damping < 1e-3) {
-                finish(next);
+            // Far outside a gain of the square means less.
+            const double scale = 1 + std::sqrt(now->cost);
+            const double predicted = step(*now, damping, next->inks);
+            if (!(predicted > kGain * scale)) break;
+            if (predicted < kLastGain * scale && damping < 1e-3) {
+                finish(*now, next->inks);
                 break;
             }
-            const Slopes before = at_;
-            const Triple residual = residual_;
-            const double cost = cost_;
-            const Colour kept = p_;
-            evaluate(next);
-            if (cost_ < cost) {
-                p_ = next;
+            evaluate(*next);
+            if (next->cost < now->cost) {
+                const double gain = now->cost - next->cost;
+                std::swap(now, next);
                 damping = std::max(damping * 0.1, 1e-6);
-                if (cost - cost_ < kGain) break;
+                if (gain < kGain * scale) break;
                 continue;
             }
-            at_ = before;
-            residual_ = residual;
-            cost_ = cost;
-            p_ = kept;
+            // Where cells meet in a valley, steps on either side's word cross it for ever.
+            if (predicted < kValley * scale || damping > 1e4) break;
             damping = damping < 1 ? 1 : damping * 16;
-            if (damping > 1e6) break;
         }
         Answer answer;
-        answer.inks = p_;
-        answer.distance = std::sqrt(residual_[0] * residual_[0] + residual_[1] * residual_[1] +
-                                    residual_[2] * residual_[2]);
+        answer.inks = now->inks;
+        const Triple& off = now->residual;
+        answer.distance = std::sqrt(off[0] * off[0] + off[1] * off[1] + off[2] * off[2]);
         answer.reached = answer.distance < kReached;
         return answer;
     }
 
 private:
-    double sumOf(const Colour& inks) const noexcept {
-        double sum = 0;
-        for (int i = 0; i < n_; ++i) sum += inks[static_cast<size_t>(i)];
-        return sum;
+    struct State {
+        Colour inks{};
+        Slopes at;
+        Triple residual{};
+        double cost = 0;
+    };
+
+    static double sumOf(const Colour& inks) noexcept {
+        return (inks[0] + inks[1]) + (inks[2] + inks[3]);
     }
     // Colour goes first, in proportion, then black.
     void keepTotal(Colour& inks) const noexcept {
@@ -124,124 +132,111 @@ private:
         for (size_t i = 0; i < 3; ++i) inks[i] *= share;
         if (share == 0) inks[3] = std::min(inks[3], wish_.total);
     }
-    void evaluate(const Colour& inks) noexcept {
-        at_ = forward_.slopesAt(inks);
-        residual_ = weighted(weights_, at_.value[0] - wish_.lab[0], at_.value[1] - wish_.lab[1],
-                             at_.value[2] - wish_.lab[2]);
-        cost_ = residual_[0] * residual_[0] + residual_[1] * residual_[1] +
-                residual_[2] * residual_[2];
-        for (int i = 0; i < n_; ++i) {
-            const double off = inks[static_cast<size_t>(i)] - aim(i);
-            cost_ += pull(i) * off * off;
+    void evaluate(State& state) const noexcept {
+        state.at = forward_.slopesAt(state.inks);
+        const Colour& seen = state.at.value;
+        state.residual = weighted(weights_, seen[0] - wish_.lab[0], seen[1] - wish_.lab[1],
+                                  seen[2] - wish_.lab[2]);
+        const Triple& off = state.residual;
+        state.cost = off[0] * off[0] + off[1] * off[1] + off[2] * off[2];
+        for (size_t i = 0; i < kInks; ++i) {
+            const double away = state.inks[i] - aim(i);
+            state.cost += pull(i) * away * away;
         }
     }
     // A small step whose result the slopes tell well enough.
-    void finish(const Colour& next) noexcept {
+    void finish(State& state, const Colour& next) const noexcept {
         Triple moved{};
-        for (size_t row = 0; row < 3; ++row)
-            for (size_t ink = 0; ink < static_cast<size_t>(n_); ++ink)
-                moved[row] += at_.slopes[row][ink] * (next[ink] - p_[ink]);
+        for (size_t ink = 0; ink < kInks; ++ink)
+            for (size_t row = 0; row < 3; ++row)
+                moved[row] += state.at.slopes[ink][row] * (next[ink] - state.inks[ink]);
         const Triple change = weighted(weights_, moved[0], moved[1], moved[2]);
-        for (size_t row = 0; row < 3; ++row) residual_[row] += change[row];
-        p_ = next;
+        for (size_t row = 0; row < 3; ++row) state.residual[row] += change[row];
+        state.inks = next;
     }
-    double pull(int ink) const noexcept { return ink == 3 ? wish_.blackWeight : kPull; }
-    double aim(int ink) const noexcept {
-        return ink == 3 ? wish_.black : wish_.reference[static_cast<size_t>(ink)];
-    }
+    double pull(size_t ink) const noexcept { return ink == 3 ? wish_.blackWeight : kPull; }
+    double aim(size_t ink) const noexcept { return ink == 3 ? wish_.black : wish_.reference[ink]; }
 
     // The next point: one Gauss-Newton step on the inks that no bound holds, with the total as an
     // equation where it holds. Returns what the step promises to gain.
-    double step(double damping, Colour& next) const noexcept {
-        double full[4][4] = {}, gradient[4] = {};
-        Triple column[4];
-        for (int j = 0; j < n_; ++j) {
-            const auto at = static_cast<size_t>(j);
-            column[j] = weighted(weights_, at_.slopes[0][at], at_.slopes[1][at], at_.slopes[2][at]);
+    double step(const State& state, double damping, Colour& next) const noexcept {
+        const Colour& p = state.inks;
+        Square full;
+        Colour gradient;
+        Triple column[kInks];
+        for (size_t j = 0; j < kInks; ++j) {
+            const Colour& slopes = state.at.slopes[j];
+            column[j] = weighted(weights_, slopes[0], slopes[1], slopes[2]);
         }
-        for (int i = 0; i < n_; ++i) {
-            for (int j = 0; j < n_; ++j)
-                full[i][j] = column[i][0] * column[j][0] + column[i][1] * column[j][1] +
-                             column[i][2] * column[j][2];
-            gradient[i] = column[i][0] * residual_[0] + column[i][1] * residual_[1] +
-                          column[i][2] * residual_[2] +
-                          pull(i) * (p_[static_cast<size_t>(i)] - aim(i));
-            full[i][i] += pull(i);
-            full[i][i] *= 1 + damping;
+        const auto product = [](const Triple& a, const Triple& b) {
+            return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+        };
+        for (size_t i = 0; i < kInks; ++i) {
+            for (size_t j = 0; j <= i; ++j) full[i][j] = product(column[i], column[j]);
+            gradient[i] = product(column[i], state.residual) + pull(i) * (p[i] - aim(i));
+            full[i][i] = (full[i][i] + pull(i)) * (1 + damping);
         }
-        const bool full_ = sumOf(p_) > wish_.total - 1e-9;
-        double level = 0;  // of the gradient along the total, when that may hold
-        bool free[4] = {};
-        for (int i = 0; i < n_; ++i) {
-            const auto at = static_cast<size_t>(i);
-            const bool atLow = p_[at] <= wish_.low[at] + 1e-12 && gradient[i] > 0;
-            const bool atHigh = p_[at] >= wish_.high[at] - 1e-12 && gradient[i] < 0;
-            free[i] = wish_.high[at] > wish_.low[at] && !atLow && !atHigh;
+        const double sum = sumOf(p);
+        // Where the total holds, black may enter where it lets colour out, and so may any ink.
+        const bool atTotal = sum > wish_.total - 1e-9;
+        bool free[kInks];
+        for (size_t i = 0; i < kInks; ++i) {
+            const bool atLow = p[i] <= wish_.low[i] + 1e-12 && gradient[i] > 0;
+            const bool atHigh = p[i] >= wish_.high[i] - 1e-12 && gradient[i] < 0;
+            free[i] = wish_.high[i] > wish_.low[i] && (atTotal || (!atLow && !atHigh));
         }
-        if (full_)  // black may enter where it lets colour out, and so may any ink
-            for (int i = 0; i < n_; ++i) {
-                const auto at = static_cast<size_t>(i);
-                free[i] = wish_.high[at] > wish_.low[at];
-            }
-        double d[4] = {};
-        bool holds = false;
+        Colour d{};
         for (int attempt = 0; attempt < 6; ++attempt) {
-            double h[4][4] = {}, x[4] = {}, one[4] = {};
-            int index[4], count = 0;
-            for (int i = 0; i < n_; ++i)
-                if (free[i]) index[count++] = i;
-            if (count == 0) break;  // every ink goes to a bound
-            double rest[4];
-            for (int i = 0; i < count; ++i) {
-                rest[i] = -gradient[index[i]];
-                for (int j = 0; j < n_; ++j)
-                    if (!free[j]) rest[i] -= full[index[i]][j] * d[j];
-                for (int j = 0; j < count; ++j) h[i][j] = full[index[i]][index[j]];
-                one[i] = 1;
-                x[i] = rest[i];
+            // Inks that are held are equations of their own: their row says nothing of the rest.
+            Square h;
+            Colour x, one;
+            double already = 0;
+            int count = 0;
+            for (size_t i = 0; i < kInks; ++i) {
+                for (size_t j = 0; j < i; ++j) h[i][j] = free[i] && free[j] ? full[i][j] : 0;
+                h[i][i] = free[i] ? full[i][i] : 1;
+                x[i] = free[i] ? -gradient[i] : 0;
+                one[i] = free[i] ? 1 : 0;
+                already += free[i] ? 0 : d[i];
+                count += free[i];
             }
-            if (!decompose(h, count)) return 0;
-            backSolve(h, count, x);
-            double sum = sumOf(p_), already = 0;
-            for (int i = 0; i < n_; ++i)
-                if (!free[i]) already += d[i];
-            sum += already;
-            double change = 0;
-            for (int i = 0; i < count; ++i) change += x[i];
-            holds = sum + change > wish_.total + 1e-12;
-            if (holds) {  // subtract what the equation's multiplier takes
-                backSolve(h, count, one);
-                double inverse = 0;
-                for (int i = 0; i < count; ++i) inverse += one[i];
-                level = (sum + change - wish_.total) / inverse;
-                for (int i = 0; i < count; ++i) x[i] -= level * one[i];
+            if (count == 0) break;  // every ink goes to a bound
+            for (size_t i = 0; i < kInks; ++i)
+                for (size_t j = 0; j < kInks; ++j)
+                    if (free[i] && !free[j]) x[i] -= (i > j ? full[i][j] : full[j][i]) * d[j];
+            if (!decompose(h)) return 0;
+            backSolve(h, x);
+            const double excess = sum + already + sumOf(x) - wish_.total;
+            if (excess > 1e-12) {  // subtract what the equation's multiplier takes
+                backSolve(h, one);
+                const double level = excess / sumOf(one);
+                for (size_t i = 0; i < kInks; ++i) x[i] -= level * one[i];
             }
             // The ink that leaves its bounds furthest is held there, and the rest solved again.
-            int worst = -1;
+            size_t worst = kInks;
             double beyond = 1e-12;
-            for (int i = 0; i < count; ++i) {
-                const auto at = static_cast<size_t>(index[i]);
-                const double value = p_[at] + x[i];
-                const double out = std::max(wish_.low[at] - value, value - wish_.high[at]);
+            for (size_t i = 0; i < kInks; ++i) {
+                if (!free[i]) continue;
+                const double value = p[i] + x[i];
+                const double out = std::max(wish_.low[i] - value, value - wish_.high[i]);
                 if (out > beyond) {
                     beyond = out;
                     worst = i;
                 }
             }
-            if (worst < 0) {
-                for (int i = 0; i < count; ++i) d[index[i]] = x[i];
+            if (worst == kInks) {
+                for (size_t i = 0; i < kInks; ++i)
+                    if (free[i]) d[i] = x[i];
                 break;
             }
-            const auto at = static_cast<size_t>(index[worst]);
-            const double value = p_[at] + x[worst];
-            d[index[worst]] = (value < wish_.low[at] ? wish_.low[at] : wish_.high[at]) - p_[at];
-            free[index[worst]] = false;
+            const bool below = p[worst] + x[worst] < wish_.low[worst];
+            d[worst] = (below ? wish_.low[worst] : wish_.high[worst]) - p[worst];
+            free[worst] = false;
         }
         double gain = 0;
-        for (int i = 0; i < n_; ++i) {
-            const auto at = static_cast<size_t>(i);
-            next[at] = std::clamp(p_[at] + d[i], wish_.low[at], wish_.high[at]);
-            gain -= gradient[i] * (next[at] - p_[at]);
+        for (size_t i = 0; i < kInks; ++i) {
+            next[i] = std::clamp(p[i] + d[i], wish_.low[i], wish_.high[i]);
+            gain -= gradient[i] * (next[i] - p[i]);
         }
         keepTotal(next);
         return gain;
@@ -250,11 +245,6 @@ private:
     const Evaluator& forward_;
     const Wish& wish_;
     Weights weights_;
-    int n_;
-    Colour p_{};
-    Slopes at_{};
-    Triple residual_{};
-    double cost_ = 0;
 };
 
 }  // namespace
@@ -263,37 +253,82 @@ Answer solve(const Evaluator& forward, const Wish& wish) noexcept {
     return Solver(forward, wish).run();
 }
 
-std::optional<Colour> solveInside(const Evaluator& forward, const Triple& lab,
-                                  const Colour& start) noexcept {
-    Colour p = start;
-    for (int round = 0; round < 6; ++round) {
-        const Slopes at = forward.slopesAt(p);
-        const Colour &a = at.slopes[0], &b = at.slopes[1], &c = at.slopes[2];
-        const double m0 = b[1] * c[2] - b[2] * c[1];
-        const double m1 = b[2] * c[0] - b[0] * c[2];
-        const double m2 = b[0] * c[1] - b[1] * c[0];
-        const double determinant = a[0] * m0 + a[1] * m1 + a[2] * m2;
-        if (!(determinant > kFlat || determinant < -kFlat)) return std::nullopt;
-        const double f = 1 / determinant;
-        const double inverse[3][3] = {
-            {f * m0, f * (a[2] * c[1] - a[1] * c[2]), f * (a[1] * b[2] - a[2] * b[1])},
-            {f * m1, f * (a[0] * c[2] - a[2] * c[0]), f * (a[2] * b[0] - a[0] * b[2])},
-            {f * m2, f * (a[1] * c[0] - a[0] * c[1]), f * (a[0] * b[1] - a[1] * b[0])}};
-        // Two steps with the same slopes: the second one mends what they overlooked.
-        Triple off = {lab[0] - at.value[0], lab[1] - at.value[1], lab[2] - at.value[2]};
-        for (int half = 0;; ++half) {
-            const double square = off[0] * off[0] + off[1] * off[1] + off[2] * off[2];
-            for (size_t i = 0; i < 3; ++i) {
-                p[i] += inverse[i][0] * off[0] + inverse[i][1] * off[1] + inverse[i][2] * off[2];
-                if (!(p[i] >= 0 && p[i] <= 1)) return std::nullopt;
-            }
-            // Slopes are good to a fifth or so over such a step.
-            if (square < kNear * kNear) return p;
-            if (half == 1) break;
-            const Colour now = forward.at(p);
-            off = {lab[0] - now[0], lab[1] - now[1], lab[2] - now[2]};
+// Rows of the inverse are cross products of the columns; false where they are too flat.
+static bool invert(const Slopes& at, std::array<Triple, 3>& inverse) noexcept {
+    const Colour &a = at.slopes[0], &b = at.slopes[1], &c = at.slopes[2];
+    const auto cross = [](const Colour& x, const Colour& y) -> Triple {
+        return {x[1] * y[2] - x[2] * y[1], x[2] * y[0] - x[0] * y[2], x[0] * y[1] - x[1] * y[0]};
+    };
+    const Triple bc = cross(b, c);
+    const double determinant = a[0] * bc[0] + a[1] * bc[1] + a[2] * bc[2];
+    if (!(determinant > kFlat || determinant < -kFlat)) return false;
+    inverse = {bc, cross(c, a), cross(a, b)};
+    const double f = 1 / determinant;
+    for (Triple& row : inverse)
+        for (double& value : row) value *= f;
+    return true;
+}
+
+Colour mostBlack(const Evaluator& forward, const Triple& lab, const Colour& inks) noexcept {
+    InsideSolver follower(forward);
+    Colour best = inks;
+    double longest = kBlackStep;
+    for (int round = 0; round < kBlackSteps && longest > 1e-4; ++round) {
+        const Slopes at = forward.slopesAt(best);
+        std::array<Triple, 3> inverse;
+        if (!invert(at, inverse)) break;
+        Triple change;  // of each ink for one unit of black
+        double step = std::min(longest, 1 - best[3]);
+        for (size_t i = 0; i < 3; ++i) {
+            const Colour& black = at.slopes[3];
+            change[i] = -(inverse[i][0] * black[0] + inverse[i][1] * black[1] +
+                          inverse[i][2] * black[2]);
+            if (change[i] < 0) step = std::min(step, best[i] / -change[i]);
+        }
+        if (!(step > 1e-4)) break;
+        Colour next = best;
+        next[3] += step;
+        for (size_t i = 0; i < 3; ++i) next[i] = std::clamp(next[i] + step * change[i], 0.0, 1.0);
+        if (const auto inside = follower.solve(lab, next)) {
+            best = *inside;
+        } else {
+            longest = step / 2;  // a bound is nearer than the slopes say
         }
     }
+    return best;
+}
+
+std::optional<Colour> InsideSolver::solve(const Triple& lab, const Colour& start) noexcept {
+    Colour p = start;
+    for (int round = 0; round < 8; ++round) {
+        Colour now;
+        const bool kept = uses_ > 0;
+        --uses_;
+        if (kept) {
+            now = forward_.at(p);
+        } else {
+            const Slopes at = forward_.slopesAt(p);
+            if (!invert(at, inverse_)) return std::nullopt;
+            uses_ = kUses;
+            now = at.value;
+        }
+        const Triple off = {lab[0] - now[0], lab[1] - now[1], lab[2] - now[2]};
+        const double square = off[0] * off[0] + off[1] * off[1] + off[2] * off[2];
+        if (kept && square > kFar * kFar) {
+            uses_ = 0;
+            continue;
+        }
+        for (size_t i = 0; i < 3; ++i) {
+            p[i] += inverse_[i][0] * off[0] + inverse_[i][1] * off[1] + inverse_[i][2] * off[2];
+            if (!(p[i] >= 0 && p[i] <= 1)) {
+                uses_ = 0;
+                return std::nullopt;
+            }
+        }
+        // Slopes are good to a fifth or so over such a step.
+        if (square < kNear * kNear) return p;
+    }
+    uses_ = 0;
     return std::nullopt;
 }
 

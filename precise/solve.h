@@ -15,7 +15,7 @@ struct Wish {
     Colour reference{};                // preferred where colours are alike, very weakly
     Colour low{}, high = {1, 1, 1, 1};
     double black = 0;                  // preferred black, where low and high leave it free
-    double blackWeight = 4;            // what moving black by 1 costs, in squared units
+    double blackWeight = 2;            // what moving black by 1 costs, in squared units
     double total = 4;                  // the most ink
 };
 
@@ -32,9 +32,22 @@ constexpr double kReached = 0.05;
 // L*, C* and h differences weighted like CIE94's. Double; a fixed number of steps at most.
 Answer solve(const Evaluator& forward, const Wish& wish) noexcept;
 
-// Three inks for a colour that is most likely inside, from a near start: plain Newton steps. The
-// fourth ink stays as it is. Nothing when a bound is met or it does not settle.
-std::optional<Colour> solveInside(const Evaluator& forward, const Triple& lab,
-                                  const Colour& start) noexcept;
+// A colour's inks with the most black that leaves it as it is: black rises, the others follow on
+// the slopes' word and are set right, until one of them has gone.
+Colour mostBlack(const Evaluator& forward, const Triple& lab, const Colour& inks) noexcept;
+
+// Three inks for colours that are most likely inside, each from a near start: plain Newton steps.
+// The fourth ink stays as it is. Slopes are kept from colour to colour while they serve.
+class InsideSolver {
+public:
+    explicit InsideSolver(const Evaluator& forward) noexcept : forward_(forward) {}
+    // Nothing when a bound is met or it does not settle.
+    std::optional<Colour> solve(const Triple& lab, const Colour& start) noexcept;
+
+private:
+    const Evaluator& forward_;
+    std::array<Triple, 3> inverse_{};  // inks by L*a*b*
+    int uses_ = 0;                     // that the slopes are still good for
+};
 
 }  // namespace ko::precise

@@ -179,6 +179,33 @@ TEST(PreciseLink, SavesInkByBlackWithoutChangingTheLookAndSparesHighlights) {
     }
 }
 
+TEST(PreciseLink, SavingInkMovesEveryColoursBlackEvenlyTowardsItsMost) {
+    LinkOptions options = small();
+    std::vector<std::unique_ptr<Link>> links;
+    for (const double saving : {0.0, 25.0, 50.0, 75.0, 100.0}) {
+        options.saveInk = saving;
+        links.push_back(made(options));
+    }
+    int rising = 0;
+    for (int at = 0; at < 9 * 9 * 9 * 5; ++at) {
+        const std::array<int, 4> node = {at / 405, at / 45 % 9, at / 5 % 9, at % 5};
+        double black[5];
+        for (size_t i = 0; i < 5; ++i) black[i] = nodeOf(*links[i], node)[3];
+        const double whole = black[4] - black[0];
+        EXPECT_GE(whole, -2e-5) << at;
+        for (size_t i = 1; i < 4; ++i)
+            EXPECT_NEAR(black[i], black[0] + whole * static_cast<double>(i) / 4, 2e-4) << at;
+        rising += whole > 0.05;
+        const Colour plain = nodeOf(*links[0], node), saved = nodeOf(*links[4], node);
+        Colour in{};
+        for (size_t i = 0; i < 4; ++i) in[i] = links[0]->level(node[i]);
+        const Triple wanted = looks(pressA(), in);
+        EXPECT_LT(distance(looks(pressB(), saved), wanted),
+                  distance(looks(pressB(), plain), wanted) + 0.1) << at;
+    }
+    EXPECT_GT(rising, 500);
+}
+
 TEST(PreciseLink, ClipsTintsThatSpecksComeFrom) {
     LinkOptions options = small();
     options.clip = 1;
@@ -221,9 +248,8 @@ TEST(PreciseLink, NodesForTheLibraryAreMetThroughTheInputTables) {
     const auto link = made(options);
     for (const int level : {0, 8, 128, 248, 255})
         EXPECT_NEAR(link->position(level / 255.0), (level == 255 ? 32 : level / 8) / 32.0, 1e-12);
-    const Colour in = {128 / 255.0, 8 / 255.0, 0, 0};
-    // On the face without Y and K, where a step on the slopes' word is the last one.
-    EXPECT_LT(distance(looks(pressB(), link->at(in)), looks(pressA(), in)), 0.1);
+    const Colour in = {128 / 255.0, 64 / 255.0, 40 / 255.0, 8 / 255.0};
+    EXPECT_LT(distance(looks(pressB(), link->at(in)), looks(pressA(), in)), 0.03);
 }
 
 TEST(PreciseLink, RefusesOptionsThatContradict) {

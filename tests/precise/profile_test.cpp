@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
+
+#include "precise/forward.h"
 #include "precise/profile.h"
 #include "precise/transform.h"
 #include "tests/precise/press.h"
@@ -154,6 +158,47 @@ TEST(PreciseTable, AGridThatClaimsMoreThanTheFileHoldsIsRefused) {
     bytes[10] = 255;
     EXPECT_FALSE(parseTable(bytes, 3, 3, problem));
     EXPECT_EQ(problem.code, Trouble::profile);
+}
+
+// The same pipeline behind a step that keeps colours as they are, so that nothing is quick.
+Evaluator plain(Pipeline pipeline) {
+    Pipeline slow = std::move(pipeline);
+    Stage curves;
+    curves.curves.assign(3, Curve::parametric(3, {1, 1, 0, 1, 0}));
+    slow.add(std::move(curves));
+    return Evaluator(std::move(slow));
+}
+
+TEST(PreciseEvaluator, TheQuickWayAgreesWithThePipelineInValuesSlopesAndKeptPlaces) {
+    const auto press = parsed(pressProfileBytes({.gain = 0.21}));
+    Problem problem;
+    auto pipeline = makeToLab(*press, Intent::relative, problem);
+    ASSERT_TRUE(pipeline) << problem.text;
+    const Evaluator quick(*pipeline), slow = plain(*pipeline);
+    ASSERT_TRUE(quick.isQuick() && quick.hasPlaces());
+    ASSERT_FALSE(slow.isQuick());
+    std::mt19937 random(5);
+    for (int n = 0; n < 2000; ++n) {
+        Colour in;
+        std::array<Evaluator::Place, kMostChannels> places;
+        for (size_t i = 0; i < 4; ++i) {
+            in[i] = static_cast<double>(random()) / 4294967296;
+            if (n % 8 == 0 && random() % 2 == 0) in[i] = static_cast<double>(random() % 2);
+            places[i] = quick.placeOf(i, in[i]);
+        }
+        const Slopes a = quick.slopesAt(in), b = slow.slopesAt(in);
+        const Colour value = quick.at(in);
+        EXPECT_EQ(value, quick.atPlaces(places));
+        for (size_t i = 0; i < 3; ++i) {
+            EXPECT_NEAR(value[i], b.value[i], 1e-3);
+            EXPECT_NEAR(a.value[i], b.value[i], 1e-3);
+            // Between cells either's slopes are right.
+            for (size_t j = 0; j < 4 && n % 8 != 0; ++j)
+                EXPECT_NEAR(a.slopes[j][i], b.slopes[j][i], 0.02) << n;
+        }
+    }
+    for (const double wild : {-3.0, 7.0, std::nan("")})
+        EXPECT_EQ(quick.at({wild, 0, 0, 0}), quick.at({wild > 0 ? 1.0 : 0.0, 0, 0, 0}));
 }
 
 void useAll(const Bytes& bytes) {
