@@ -22,7 +22,7 @@ void display(std::span<const uint32_t> cmyk, std::span<uint32_t> rgb) {  // as t
 
 // A page on a profile; the whole range takes in every node.
 struct Page {
-    explicit Page(bool whole) : profile(ko::cmyk::createProfile()), model(*profile) {
+    explicit Page(bool whole) : profile(ko::cmyk::createProfile()), model(*profile, history) {
         if (whole) {
             model.setHueReach("180");
             model.setSaturationReach("100");
@@ -30,6 +30,7 @@ struct Page {
         for (int32_t ink = 0; ink < 4; ++ink) model.setChanged(ink, "40");
     }
     ko::Block<CmykProfile> profile;
+    ko::dialog::History history;
     ColourCorrection model;
 };
 

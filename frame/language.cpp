@@ -3,6 +3,15 @@
 #include "frame/settings.h"
 
 namespace ko {
+namespace {
+
+// A text of several lines stands in one line of a table, "<br>" between its own.
+std::string withLineEnds(std::string text) {
+    for (size_t at = 0; (at = text.find("<br>", at)) != text.npos;) text.replace(at, 4, "\n");
+    return text;
+}
+
+}  // namespace
 
 LanguageTable::LanguageTable(std::string_view source, std::string_view destination) {
     const SettingsTree from = SettingsTree::parse(source);
@@ -14,7 +23,7 @@ LanguageTable::LanguageTable(std::string_view source, std::string_view destinati
     // Where two keys carry the same text, the first one's translation serves.
     for (const auto& key : from.root().directories.front().keys)
         if (const auto* translation = translations.findKey(key.name))
-            texts_.emplace(key.value, translation->value);
+            texts_.emplace(withLineEnds(key.value), withLineEnds(translation->value));
 }
 
 const char* LanguageTable::translated(const char* text) const noexcept {

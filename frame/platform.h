@@ -62,6 +62,10 @@ inline void unlockAndClose(NamedMutex* mutex) noexcept {
     closeNamedMutex(mutex);
 }
 
+// What an error means for somebody who wanted to read or write a file.
+enum class FileFault { missing, noFolder, inUse, denied, diskFull, badName, other };
+FileFault faultOf(uint32_t error) noexcept;
+
 // Files that are read. Only regular ones are opened, so that no read waits for ever.
 using FileHandle = intptr_t;
 constexpr FileHandle kNoFile = -1;
@@ -95,6 +99,8 @@ std::vector<std::string> filesMatching(const char* pattern);
 
 // Whether two paths differ at most in the case of letters, as the system sees them.
 bool samePath(const char* a, const char* b) noexcept;
+// Whether two paths lead to one file that is there.
+bool sameFile(const char* a, const char* b) noexcept;
 
 struct DateTime {
     uint16_t year, month, day, hour, minute, second;

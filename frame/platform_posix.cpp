@@ -166,6 +166,29 @@ DateTime toDateTime(time_t moment) noexcept {
 
 }  // namespace
 
+FileFault faultOf(uint32_t error) noexcept {
+    switch (static_cast<int>(error)) {
+        case ENOENT: return FileFault::missing;
+        case ENOTDIR: return FileFault::noFolder;
+        case EBUSY:
+        case ETXTBSY: return FileFault::inUse;
+        case EACCES:
+        case EPERM:
+        case EROFS: return FileFault::denied;
+        case ENOSPC:
+        case EDQUOT: return FileFault::diskFull;
+        case ENAMETOOLONG:
+        case EILSEQ: return FileFault::badName;
+        default: return FileFault::other;
+    }
+}
+
+bool sameFile(const char* a, const char* b) noexcept {
+    struct stat first, second;
+    return ::stat(a, &first) == 0 && ::stat(b, &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
 bool samePath(const char* a, const char* b) noexcept {
     for (; *a && lowerAscii(*a) == lowerAscii(*b); ++a) ++b;
     return lowerAscii(*a) == lowerAscii(*b);

@@ -126,6 +126,44 @@ std::vector<std::string> filesMatching(const char* pattern) {
     return names;
 }
 
+FileFault faultOf(uint32_t error) noexcept {
+    switch (error) {
+        case ERROR_FILE_NOT_FOUND: return FileFault::missing;
+        case ERROR_PATH_NOT_FOUND: return FileFault::noFolder;
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_LOCK_VIOLATION:
+        case ERROR_USER_MAPPED_FILE: return FileFault::inUse;
+        case ERROR_ACCESS_DENIED:
+        case ERROR_WRITE_PROTECT: return FileFault::denied;
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL: return FileFault::diskFull;
+        case ERROR_INVALID_NAME:
+        case ERROR_BAD_PATHNAME:
+        case ERROR_FILENAME_EXCED_RANGE: return FileFault::badName;
+        default: return FileFault::other;
+    }
+}
+
+namespace {
+// The volume and the number on it of a file; false when it cannot be opened.
+bool identityOf(const char* path, BY_HANDLE_FILE_INFORMATION& identity) noexcept {
+    const HANDLE file = ::CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    const bool known = ::GetFileInformationByHandle(file, &identity) != FALSE;
+    ::CloseHandle(file);
+    return known;
+}
+}  // namespace
+
+bool sameFile(const char* a, const char* b) noexcept {
+    BY_HANDLE_FILE_INFORMATION first, second;
+    return identityOf(a, first) && identityOf(b, second) &&
+           first.dwVolumeSerialNumber == second.dwVolumeSerialNumber &&
+           first.nFileIndexHigh == second.nFileIndexHigh &&
+           first.nFileIndexLow == second.nFileIndexLow;
+}
+
 bool samePath(const char* a, const char* b) noexcept { return ::lstrcmpiA(a, b) == 0; }
 
 DateTime localTime() noexcept {

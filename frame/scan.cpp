@@ -1,8 +1,12 @@
 #include "frame/scan.h"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
+#include <string>
 #include <system_error>
+
+#include "frame/arithmetic.h"
 
 namespace ko {
 namespace {
@@ -49,6 +53,39 @@ double realIn(std::string_view text) noexcept {
     }
     value = std::min(value, std::numeric_limits<double>::max());  // some say infinity instead
     return negative ? -value : value;
+}
+
+bool isTypedNumber(std::string_view text) noexcept {
+    const auto take = [&](auto&& fits) {
+        while (!text.empty() && fits(text.front())) text.remove_prefix(1);
+    };
+    const auto isBlank = [](char character) { return character == ' ' || character == '\t'; };
+    take(isBlank);
+    if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
+    const size_t before = text.size();
+    take(isDigit);
+    size_t digits = before - text.size();
+    if (!text.empty() && (text.front() == '.' || text.front() == ',')) {
+        text.remove_prefix(1);
+        const size_t decimals = text.size();
+        take(isDigit);
+        digits += decimals - text.size();
+    }
+    take(isBlank);
+    if (!text.empty() && text.front() == '%') text.remove_prefix(1);
+    take(isBlank);
+    return digits > 0 && text.empty();
+}
+
+double typedRealIn(std::string_view text) {
+    std::string plain(text);
+    std::replace(plain.begin(), plain.end(), ',', '.');
+    return realIn(plain);
+}
+
+int32_t typedIntegerIn(std::string_view text) {
+    if (text.find(',') == text.npos) return integerIn(text);
+    return truncateToInt32(std::floor(typedRealIn(text) + 0.5));
 }
 
 }  // namespace ko

@@ -16,6 +16,13 @@ int32_t integerIn(std::string_view text) noexcept;
 // words are no numbers.
 double realIn(std::string_view text) noexcept;
 
+// Numbers as people type them, with a comma as the decimal mark too: a number with its fraction; a
+// whole number, rounded, halves up, when there is a comma; whether all of a text is a number,
+// blanks around it and a % behind it aside.
+double typedRealIn(std::string_view text);
+int32_t typedIntegerIn(std::string_view text);
+bool isTypedNumber(std::string_view text) noexcept;
+
 // What is left of a line.
 class Scanner {
 public:

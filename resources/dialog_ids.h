@@ -13,6 +13,7 @@
 #define IDC_SAVE 1166
 #define IDC_SAVE_AS 1167
 #define IDC_NEW 1168
+#define IDC_STATUS 1183 /* what is to be said about what was just done */
 
 /* Ink channels: the button that selects one, its percentage and the input's beside it. */
 #define IDC_ALL_INKS 1041

@@ -67,6 +67,54 @@ extern const char kSelectionTemplate[];  // its template, which the language tab
 extern const char kNotSet[];
 extern const char* const kIntents[4];
 
+// What a dialog asks before work is lost, and its answers.
+extern const char kUnsavedQuestion[];
+extern const char kSaveButton[];
+extern const char kDiscardButton[];
+extern const char kStayButton[];
+extern const char kTakeBackQuestion[];
+extern const char kKeepButton[];
+extern const char kTakeBackButton[];
+extern const char kNotSaved[];
+extern const char kAgainButton[];
+extern const char kSaveAsButton[];
+extern const char kReplaceQuestion[];  // with %s for the file
+
+// Why a file or a setting cannot be used. %s stand for what frame/problem.h calls details.
+extern const char kFileMissing[];
+extern const char kFolderMissing[];
+extern const char kFileInUse[];
+extern const char kFileDenied[];
+extern const char kDiskFull[];
+extern const char kNameUnusable[];
+extern const char kFileFault[];
+extern const char kNoFile[];
+extern const char kPathTooLong[];
+extern const char kPathUnnameable[];
+extern const char kNoIccProfile[];
+extern const char kWrongSpace[];
+extern const char kIsLink[];
+extern const char kWrongConnection[];
+extern const char kTagMissing[];
+extern const char kTagUnreadable[];
+extern const char kTagShape[];
+extern const char kNoLink[];
+extern const char kIccNeedsExtension[];
+extern const char kNoBlackCurve[];
+extern const char kNoToneCurve[];
+extern const char kNoDcc[];
+extern const char kNeedsPrinter[];
+extern const char kNeedsTarget[];
+extern const char kNeedsOutput[];
+extern const char kOutputIsInput[];
+extern const char kOutputIsTable[];
+extern const char kNothingToLink[];
+extern const char kLimited[];
+extern const char kNoNumber[];
+extern const char kBelow[];
+extern const char kOutside[];
+extern const char kNoTitleKept[];
+
 // A language table by the name of its resource, such as "TEXT_ENGLISH"; empty when there is none.
 // Windows modules carry them as resources instead.
 std::span<const char> table(std::string_view name) noexcept;

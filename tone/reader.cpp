@@ -12,6 +12,7 @@
 #include "frame/lines.h"
 #include "frame/scan.h"
 #include "frame/text.h"
+#include "resources/texts.h"
 #include "tone/fields.h"
 #include "tone/tone.h"
 
@@ -134,6 +135,25 @@ void readDccCurve(ToneCurve& curve, std::string_view text) noexcept {
 
 void readDcc(DccSettings& settings, std::string_view text) noexcept {
     read(*settings.curves, text, 255, [&](char* line) { readDccLine(line, settings); });
+}
+
+std::optional<Problem> whyNoCurveFile(int32_t channels, const char* path) {
+    const auto isCurveLine = [&](const char* line) {
+        if (channels == 1) return hasKey(line, "TONE  ");
+        const auto keys = std::span(kCurveKeys).first(channels == 4 ? kCmykCurves : kDccCurves);
+        return std::any_of(keys.begin(), keys.end(), [&](const CurveKey& key) {
+            return hasKey(line, {key.prefix, kCurveKeySize});
+        });
+    };
+    platform::setLastError(0);
+    const FileReading reading = readWhole(path, kCurveFiles);
+    if (!reading) return fileProblem(platform::lastError());
+    LineReader lines(reading.file.text());
+    for (char line[kLineSize]; lines.next(line);)
+        if (isCurveLine(line)) return std::nullopt;
+    return Problem{channels == 1   ? texts::kNoBlackCurve
+                   : channels == 4 ? texts::kNoToneCurve
+                                   : texts::kNoDcc};
 }
 
 bool loadBkcCurve(ToneCurve& curve, const char* path) {

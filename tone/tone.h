@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 
 #include "frame/platform.h"
+#include "frame/problem.h"
 #include "kolink/tone_curve.h"
 #include "kolink/tone_file.h"
 
@@ -69,6 +71,9 @@ bool cmykToCmyk(const ToneCurve& curve, std::span<int32_t, 4> cmyk) noexcept;
 bool rgbToCmyk16(const ToneCurve& curve, uint8_t r, uint8_t g, uint8_t b,
                  std::span<int32_t, 4> cmyk) noexcept;
 
+// Why a file is no curve file of that many channels, though every file loads as one: nothing in it
+// is a curve.
+std::optional<Problem> whyNoCurveFile(int32_t channels, const char* path);
 bool loadBkcCurve(ToneCurve& curve, const char* path);
 bool loadCmykToneCurve(ToneCurve& curve, const char* path);
 bool loadDccCurve(ToneCurve& curve, const char* path);

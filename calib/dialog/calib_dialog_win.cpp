@@ -2,8 +2,7 @@
 // says, in the language of the user.
 #include "calib/dialog/calib_dialog.h"
 #include "calib/dialog/calib_editor.h"
-#include "frame/dialog/ask_win.h"
-#include "frame/dialog/dialog_win.h"
+#include "frame/dialog/editor_win.h"
 #include "frame/dialog/graph_win.h"
 #include "frame/dialog/surface_win.h"
 #include "frame/dialog/text_win.h"
@@ -18,9 +17,10 @@ using namespace dialog;
 
 RememberedPlace place;
 
-class CalibDialog final : public ModalDialog, public SurfaceEvents {
+class CalibDialog final : public EditorDialog, public SurfaceEvents {
 public:
-    explicit CalibDialog(CalibEditor& editor) : editor_(editor) {}
+    explicit CalibDialog(CalibEditor& editor)
+        : EditorDialog(editor, Return::pressesDefault), editor_(editor) {}
 
 private:
     void opened() override {
@@ -41,26 +41,24 @@ private:
              .leave = [this] { leaveTitle(textOf(window(), IDC_TITLE)); }},
             {.id = IDC_VALUE_X,
              .show = [this] { setText(window(), IDC_VALUE_X, wideText(editor_.xText())); },
-             .leave = [this] { editor_.leaveX(asciiOf(window(), IDC_VALUE_X)); }},
+             .leave = [this] { editor_.leaveX(numberOf(window(), IDC_VALUE_X)); }},
             {.id = IDC_VALUE_Y,
              .show = [this] { setText(window(), IDC_VALUE_Y, wideText(editor_.yText())); },
-             .leave = [this] { editor_.leaveY(asciiOf(window(), IDC_VALUE_Y)); }},
+             .leave = [this] { editor_.leaveY(numberOf(window(), IDC_VALUE_Y)); }},
+            {.id = IDC_STATUS, .show = [this] { showNotice(window(), editor_.notice()); }},
             {.id = IDC_CHANNEL, .press = [this] { chooseChannel(); }},
             {.id = IDC_GRAPH, .show = [this] { showGraph(); }},
             {.id = IDC_DATE, .show = [this] { showDate(); }},
             {.id = IDC_USE,
              .show = [this] { showInfo(IDC_USE, wideRecordText(editor_.description())); }},
             {.id = IDC_CHANNEL_COUNT, .show = [this] { showChannelCount(); }},
-            {.id = IDOK, .press = [this] { end(1); }},
-            {.id = IDCANCEL, .press = [this] { end(0); }},
             {.id = IDC_RESET, .press = [this] { editor_.initialise(); }},
-            {.id = IDC_NEW, .press = [this] { editor_.startNew(host_); }},
-            {.id = IDC_SAVE, .press = [this] { editor_.save(host_); }},
-            {.id = IDC_SAVE_AS, .press = [this] { editor_.saveAs(host_); }},
+            {.id = IDC_NEW, .press = [this] { editor_.startNew(host()); }},
             {.id = IDC_RELATIVE,
              .press = [this] { editor_.setRelative(isChecked(window(), IDC_RELATIVE)); }},
             {.id = IDC_ADD, .press = [this] { editor_.add(); }},
         });
+        addFileButtons();
     }
 
     void fillChannels() {
@@ -74,6 +72,9 @@ private:
     }
 
     void closing() override { place.remember(window()); }
+    void cancel() override {
+        if (editor_.mayCancel(host())) end(0);
+    }
 
     void leaveTitle(const std::wstring& title) {
         // One that was not touched keeps its bytes, whatever they are.
@@ -91,9 +92,8 @@ private:
     }
 
     void shown() override {
-        ::SetWindowTextW(window(), filled(wideTranslated(texts::kCalibCaption),
-                                          {wideRecordText(editor_.description()),
-                                           widePath(editor_.fileName())}).c_str());
+        setCaption(filled(wideTranslated(texts::kCalibCaption),
+                          {wideRecordText(editor_.description()), widePath(editor_.fileName())}));
     }
     void showInfo(int label, const std::wstring& text) {
         setText(window(), label, text.empty() ? std::wstring(L"-") : text);
@@ -123,7 +123,11 @@ private:
     }
     void surfacePressed(HWND, Size size, Point at) override { showIf(editor_.press(size, at)); }
     void surfaceMoved(HWND, Size size, Point at, bool) override { showIf(editor_.move(size, at)); }
-    void surfaceReleased(HWND) override { editor_.release(); }
+    void surfaceReleased(HWND) override {
+        const bool dragging = editor_.isDragging();
+        editor_.release();
+        showIf(dragging);
+    }
     void surfacePressedRight(HWND, Size size, Point at) override {
         showIf(editor_.pressRight(size, at));
     }
@@ -140,7 +144,6 @@ private:
     }
 
     CalibEditor& editor_;
-    WindowHost host_{*this};
 };
 
 }  // namespace

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <span>
 #include <utility>
 
 #include "calib/number_format.h"
 #include "frame/arithmetic.h"
+#include "frame/dialog/typed.h"
 #include "frame/path.h"
 #include "frame/scan.h"
 #include "frame/text.h"
@@ -60,18 +62,19 @@ CalibEditor::CalibEditor(CalibCurveSet& set) : set_(set) {
     const std::string_view path = textIn(set_.path);
     folder_ = folderOf(path);
     const bool named = !fileNameOf(path).empty();
-    hasFile_ = named && path.size() < std::size(set_.path);  // without its end it names nothing
+    setHasFile(named && path.size() < std::size(set_.path));  // without its end it names nothing
     if (!named) copyText(set_.path, "");
+    opened_ = capture();
     chooseNearest(0.0f);
 }
 
 std::string_view CalibEditor::fileName() const noexcept {
-    return hasFile_ ? fileNameOf(textIn(set_.path)) : std::string_view();
+    return hasFile() ? fileNameOf(textIn(set_.path)) : std::string_view();
 }
 
 std::string CalibEditor::dateText(bool yearLast) const {
     platform::DateTime time;
-    if (!hasFile_ || !platform::fileTime(set_.path, time)) return {};
+    if (!hasFile() || !platform::fileTime(set_.path, time)) return {};
     char text[32];
     if (yearLast)
         std::snprintf(text, sizeof text, "%02d/%02d/%04d", time.month, time.day, time.year);
@@ -173,9 +176,14 @@ bool CalibEditor::pickSample(Size graph, Point at) {
 bool CalibEditor::press(Size graph, Point at) {
     if (dragging_ || !isOnPlot(graph, at)) return false;
     if (!pickTone(graph, at) && !pickSample(graph, at)) return false;
+    kept_ = capture();
     dragging_ = true;
     store(point_);
     return true;
+}
+
+void CalibEditor::release() {
+    if (std::exchange(dragging_, false)) dialog::addStep(history(), *this, std::move(kept_));
 }
 
 bool CalibEditor::move(Size graph, Point at) {
@@ -229,10 +237,13 @@ void CalibEditor::scale(int32_t channel, int32_t end) {
 
 bool CalibEditor::pressRight(Size graph, Point at) {
     if (dragging_ || !isOnPlot(graph, at)) return false;
-    bool changed = false;
-    for (const int32_t channel : covered())
-        if (const CalibTone* const tone = findNear(graph, at, channel))
-            changed |= deleteToneValue(set_, channel, tone->x);
+    const bool changed = edit([&] {
+        bool deleted = false;
+        for (const int32_t channel : covered())
+            if (const CalibTone* const tone = findNear(graph, at, channel))
+                deleted |= deleteToneValue(set_, channel, tone->x);
+        return deleted;
+    });
     if (changed) chooseNearest(point_.x);
     return changed;
 }
@@ -271,21 +282,26 @@ bool CalibEditor::stepValue(int32_t by) {
     // Some hundred steps across the graph, whole ones where the scale has them.
     const bool fine = set_.limit < 100 && !relative_;
     const double step = fine ? set_.limit / 100.0 : std::max(1, set_.limit / 255);
-    setValue(toSingle(limited(point_.y + by * step, set_.limit)));
-    return true;
+    return edit([&] {
+        setValue(toSingle(limited(point_.y + by * step, set_.limit)));
+        return true;
+    });
 }
 
 bool CalibEditor::removeTone() {
     if (dragging_) return false;
-    bool changed = false;
-    for (const int32_t channel : covered()) changed |= deleteToneValue(set_, channel, point_.x);
+    const bool changed = edit([&] {
+        bool deleted = false;
+        for (const int32_t channel : covered()) deleted |= deleteToneValue(set_, channel, point_.x);
+        return deleted;
+    });
     if (changed) chooseNearest(point_.x);
     return changed;
 }
 
 void CalibEditor::selectChannel(int32_t channel) {
     if (channel < kAllChannels || channel >= channelCount()) return;
-    dragging_ = false;
+    release();
     selected_ = channel;
     chooseNearest(point_.x);
 }
@@ -293,59 +309,112 @@ void CalibEditor::selectChannel(int32_t channel) {
 namespace {
 // What a field shows after it was left: the number within 0..top, in the set's format. A text that
 // was shown is left alone, however long the format makes it.
-void correctField(std::string& field, std::string_view text, int32_t top, std::string_view format) {
+void correctField(std::string& field, std::optional<Problem>& notice, std::string_view text,
+                  int32_t top, std::string_view format) {
     if (text == field) return;
-    const double number = realIn(text.substr(0, CalibEditor::kFieldLength));
-    field = usableFormat(format).print(std::min(std::max(number, 0.0), static_cast<double>(top)));
+    const std::string_view typed = text.substr(0, CalibEditor::kFieldLength);
+    const auto shown = [&](double number) { return usableFormat(format).print(number); };
+    const std::string least = shown(0), most = shown(top);
+    notice = dialog::numberNotice(typed, 0, top, least, most);
+    field = shown(std::min(std::max(typedRealIn(typed), 0.0), static_cast<double>(top)));
 }
 }  // namespace
 
 void CalibEditor::leaveX(std::string_view text) {
-    correctField(xText_, text, set_.range, textIn(set_.formatX));
+    correctField(xText_, notice_, text, set_.range, textIn(set_.formatX));
 }
 void CalibEditor::leaveY(std::string_view text) {
-    correctField(yText_, text, set_.limit, textIn(set_.formatY));
+    correctField(yText_, notice_, text, set_.limit, textIn(set_.formatY));
 }
 
 bool CalibEditor::add() {
     const CalibTone tone{toSingle(realIn(xText_)), toSingle(realIn(yText_))};
-    if (!store(tone)) return false;
+    release();
+    if (!edit([&] { return store(tone); })) return false;
     point_ = tone;
     return true;
 }
 
 void CalibEditor::leaveTitle(std::string_view title, Encoding encoding) {
-    copyText(set_.title, title, encoding);
-    correctTyped(set_.title, encoding);
+    release();
+    edit([&] {
+        copyText(set_.title, title, encoding);
+        correctTyped(set_.title, encoding);
+        return true;
+    });
 }
 
 void CalibEditor::initialise() {
-    dragging_ = false;
-    initCurve(set_);
+    release();
+    edit([&] { return initCurve(set_), true; });
     chooseNearest(point_.x);
 }
 
 bool CalibEditor::startNew(dialog::EditorHost& host) {
     if (!host.ask(description(), texts::kResetQuestion)) return false;
-    hasFile_ = false;
-    initialise();
+    release();
+    State before = capture();
+    const bool had = hasFile();
+    setHasFile(false);
+    initCurve(set_);
     copyText(set_.title, "");
+    history().add([this, other = std::move(before), has = had]() mutable {
+        State now = capture();
+        restore(other);
+        other = std::move(now);
+        const bool left = hasFile();  // the file comes back with the step, and goes with it
+        setHasFile(has);
+        has = left;
+    });
+    chooseNearest(point_.x);
     return true;
 }
 
-void CalibEditor::save(dialog::EditorHost& host) {
-    if (!hasFile_) return saveAs(host);
-    (void)saveCurve(set_, set_.path);  // a failed save is silent: the file keeps its old content
+bool CalibEditor::mayCancel(dialog::EditorHost& host) {
+    release();
+    if (!isChanged()) return true;
+    switch (host.askTakeBack(description())) {
+        case dialog::Unsaved::save: return true;
+        case dialog::Unsaved::discard: return restore(opened_), true;
+        case dialog::Unsaved::stay: break;
+    }
+    return false;
 }
 
-void CalibEditor::saveAs(dialog::EditorHost& host) {
-    auto path = host.chooseSavePath(joinPath(folder_, ""), texts::kClbFilter);
-    if (!path) return;
-    if (!hasExtension(path->c_str(), kExtension)) path->append(kExtension);
-    if (path->size() >= std::size(set_.path)) return;  // no file can have this name
-    (void)saveCurve(set_, path->c_str());
-    hasFile_ = set_.path[0] != '\0';
-    folder_ = folderOf(*path);
+bool CalibEditor::State::operator==(const State& other) const noexcept {
+    const size_t size = channels.size() * sizeof(CalibChannel);
+    return title == other.title && channels.size() == other.channels.size() &&
+           (size == 0 || std::memcmp(channels.data(), other.channels.data(), size) == 0);
+}
+
+CalibEditor::State CalibEditor::capture() const {
+    const auto all = channels();
+    return {std::string(std::begin(set_.title), std::end(set_.title)), {all.begin(), all.end()}};
+}
+
+void CalibEditor::restore(const State& state) {
+    std::copy(state.title.begin(), state.title.end(), set_.title);
+    std::copy(state.channels.begin(), state.channels.end(), channelsOf(set_).begin());
+    for (auto& before : beforeZero_) before.reset();
+    chooseNearest(point_.x);
+}
+
+const char* CalibEditor::fileFilter() const noexcept { return texts::kClbFilter; }
+const char* CalibEditor::fileExtension() const noexcept { return kExtension; }
+
+std::optional<Problem> CalibEditor::write(const std::string& path) {
+    release();
+    if (path.size() >= std::size(set_.path)) return Problem{texts::kPathTooLong};
+    const std::string before(textIn(set_.path));
+    platform::setLastError(0);
+    const bool saved = saveCurve(set_, path.c_str());
+    const uint32_t error = platform::lastError();
+    if (!saved) {
+        (void)copyPath(set_.path, before.c_str());
+        return fileProblem(error);
+    }
+    folder_ = folderOf(path);
+    return std::nullopt;
 }
 
 }  // namespace ko::calib

@@ -11,13 +11,14 @@
 #include <vector>
 
 #include "calib/calib.h"
+#include "frame/dialog/document.h"
 #include "frame/dialog/graph_picture.h"
-#include "frame/dialog/host.h"
+#include "frame/path.h"
 #include "frame/text.h"
 
 namespace ko::calib {
 
-class CalibEditor {
+class CalibEditor final : public dialog::Document {
 public:
     static constexpr int32_t kAllChannels = -1;
     static constexpr size_t kFieldLength = 10;  // characters typed into a value's field
@@ -42,6 +43,8 @@ public:
     CalibTone point() const noexcept { return point_; }  // taken hold of last
     const std::string& xText() const noexcept { return xText_; }
     const std::string& yText() const noexcept { return yText_; }
+    // That what was typed last was limited, or is no number.
+    const std::optional<Problem>& notice() const noexcept { return notice_; }
     int32_t lastSample() const noexcept { return set_.range == 100 ? 20 : 16; }
     CalibTone sample(int32_t channel, int32_t index) const noexcept;  // 0..lastSample()
     dialog::Point place(dialog::Size graph, const CalibTone& tone) const noexcept;
@@ -50,7 +53,7 @@ public:
     // What the person does. Each says whether anything shown has changed.
     bool press(dialog::Size graph, dialog::Point at);
     bool move(dialog::Size graph, dialog::Point at);
-    void release() noexcept { dragging_ = false; }
+    void release();
     bool pressRight(dialog::Size graph, dialog::Point at);
     bool stepTone(int32_t by);  // keyboard: the next or the previous tone, by its sign
     bool stepValue(int32_t by);  // keyboard: the tone up or down
@@ -65,10 +68,35 @@ public:
 
     void initialise();
     bool startNew(dialog::EditorHost& host);
-    void save(dialog::EditorHost& host);
-    void saveAs(dialog::EditorHost& host);
+    // Edits are in the host's record at once: cancelling offers to take them back. Whether the
+    // dialog may close.
+    bool mayCancel(dialog::EditorHost& host);
+
+    // All that a person edits.
+    struct State {
+        std::string title;
+        std::vector<CalibChannel> channels;
+        bool operator==(const State& other) const noexcept;
+    };
+    State capture() const;
+    void restore(const State& state);
 
 private:
+    template <class Edit>
+    auto edit(Edit&& change) {
+        State before = capture();
+        const auto result = change();
+        dialog::addStep(history(), *this, std::move(before));
+        return result;
+    }
+    bool isBusy() const noexcept override { return dragging_; }
+    std::string_view questionCaption() const noexcept override { return description(); }
+    std::string currentPath() const override { return std::string(textIn(set_.path)); }
+    const char* fileFilter() const noexcept override;
+    const char* fileExtension() const noexcept override;
+    std::string startOfSave() const override { return startOfSaveAs(); }
+    std::string startOfSaveAs() const override { return joinPath(folder_, ""); }
+    std::optional<Problem> write(const std::string& path) override;
     std::span<const CalibChannel> channels() const noexcept {
         return channelsOf(static_cast<const CalibCurveSet&>(set_));
     }
@@ -88,12 +116,13 @@ private:
 
     CalibCurveSet& set_;
     std::string folder_;  // where a new file is to be saved
-    bool hasFile_ = false;
     int32_t selected_ = kAllChannels;
     CalibTone point_{};
+    State opened_, kept_;  // when the dialog was opened, and when a drag began
     bool dragging_ = false;
     bool relative_ = false;
     std::string xText_, yText_;
+    std::optional<Problem> notice_;
     // Curves as they were before relative editing took them down to 0.
     std::array<std::optional<CalibChannel>, KOLINK_CALIB_MAX_CHANNELS> beforeZero_;
 };

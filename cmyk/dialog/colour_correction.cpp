@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 #include "cmyk/dialog/correction_surfaces.h"
 #include "frame/colour_words.h"
+#include "frame/dialog/typed.h"
 #include "frame/display.h"
 #include "frame/scan.h"
 
@@ -26,7 +28,8 @@ constexpr int32_t lightnessPercent(int32_t position) noexcept {
 
 }  // namespace
 
-ColourCorrection::ColourCorrection(CmykProfile& profile) : profile_(profile) {
+ColourCorrection::ColourCorrection(CmykProfile& profile, dialog::History& history)
+    : profile_(profile), history_(history) {
     places_.reserve(kGridPoints * kGridPoints * kGridPoints);
     grid::forEachNode<3>(kGridPoints, [&](const std::array<int32_t, 3>& at) {
         places_.push_back(placeOf({nodeValue(at[0]), nodeValue(at[1]), nodeValue(at[2])}));
@@ -42,13 +45,11 @@ void ColourCorrection::reread() {
     blackSpan_.reset();
     picked_[3] = 0;
     setAim(kFirstAim);
-    if (!undo_) return;
-    // The record may be another one by now.
-    size_t at = 0;
-    for (const int32_t row : undo_->rows)
-        for (int32_t black = 0; black < undo_->blacks; ++black)
-            if (profile_.grid[row + undo_->firstBlack + black] != undo_->after[at++])
-                return undo_.reset();
+}
+
+void ColourCorrection::profileChanged() {
+    readCurrent();
+    changed_ = current_;
 }
 
 InfluenceRange ColourCorrection::range() const noexcept {
@@ -249,8 +250,13 @@ void ColourCorrection::changeLevel(int32_t ink, int32_t value) {
     changed_[at] = levelOf(value, {changed_[at], current_[at]});
 }
 
+int32_t ColourCorrection::typedValue(std::string_view number, int32_t most) {
+    notice_ = dialog::numberNotice(number, 0, most, "0", std::to_string(most));
+    return typedIntegerIn(number);
+}
+
 void ColourCorrection::pick(int32_t ink, std::string_view number) {
-    pickLevel(ink, integerIn(number));
+    pickLevel(ink, typedValue(number, levels256_ ? 255 : 100));
 }
 
 void ColourCorrection::stepPicked(int32_t ink, int32_t by) {
@@ -258,7 +264,7 @@ void ColourCorrection::stepPicked(int32_t ink, int32_t by) {
 }
 
 void ColourCorrection::setChanged(int32_t ink, std::string_view number) {
-    changeLevel(ink, integerIn(number));
+    changeLevel(ink, typedValue(number, levels256_ ? 255 : 100));
 }
 
 void ColourCorrection::stepChanged(int32_t ink, int32_t by) {
@@ -266,34 +272,51 @@ void ColourCorrection::stepChanged(int32_t ink, int32_t by) {
 }
 
 void ColourCorrection::setHueReach(std::string_view degrees) {
-    hueReach_ = clampTo(integerIn(degrees), 0, kWholeHue);
+    hueReach_ = clampTo(typedValue(degrees, kWholeHue), 0, kWholeHue);
     rangeHasMoved();
 }
 
 void ColourCorrection::setSaturationReach(std::string_view percent) {
-    saturationReach_ = clampTo(integerIn(percent), 0, 100);
+    saturationReach_ = clampTo(typedValue(percent, 100), 0, 100);
     rangeHasMoved();
 }
 
+namespace {
+
+// The nodes that a change touches, and what they hold on its other side.
+struct GridStep {
+    std::vector<int32_t> rows;  // the first node of each row of K
+    int32_t firstBlack = 0, blacks = 0;
+    std::vector<uint32_t> words;
+
+    size_t nodes() const noexcept { return rows.size() * static_cast<size_t>(blacks); }
+    void exchange(CmykProfile& profile) noexcept {
+        size_t at = 0;
+        for (const int32_t row : rows)
+            for (int32_t black = 0; black < blacks; ++black)
+                std::swap(profile.grid[row + firstBlack + black], words[at++]);
+    }
+};
+
+}  // namespace
+
 int32_t ColourCorrection::change() {
     const InfluenceRange reach = range();
-    Undo undo{{}, 0, 0, {}, {}};
+    GridStep step;
     for (int32_t k = 0; k < kGridPoints; ++k) {
         if (!isInBlackSpan(k)) continue;
-        if (undo.blacks++ == 0) undo.firstBlack = k;
+        if (step.blacks++ == 0) step.firstBlack = k;
     }
     // Memory for taking it back comes first: when there is none, nothing has happened.
     std::vector<Fade> fades;
     for (size_t at = 0; at < places_.size(); ++at) {
         const auto fade = fadeAt(place_, places_[at], reach);
         if (!fade || fade->edge <= 0) continue;
-        undo.rows.push_back(static_cast<int32_t>(at) * kGridPoints);
+        step.rows.push_back(static_cast<int32_t>(at) * kGridPoints);
         fades.push_back(*fade);
     }
-    const size_t count = undo.rows.size() * static_cast<size_t>(undo.blacks);
-    undo.before.reserve(count);
-    undo.after.reserve(count);
-
+    const size_t count = step.nodes();
+    step.words.reserve(count);
     for (size_t at = 0; at < fades.size(); ++at) {
         const auto [distance, edge] = fades[at];
         Cmyk by;  // the ink's change, less what has faded; truncates toward zero
@@ -301,32 +324,23 @@ int32_t ColourCorrection::change() {
             const int32_t delta = changed_[ink] - current_[ink];
             by[ink] = delta - delta * distance / edge;
         }
-        uint32_t* const row = profile_.grid + undo.rows[at] + undo.firstBlack;
-        for (int32_t black = 0; black < undo.blacks; ++black) {
+        const uint32_t* const row = profile_.grid + step.rows[at] + step.firstBlack;
+        for (int32_t black = 0; black < step.blacks; ++black) {
             const uint32_t old = row[black];
             const auto channel = [&](int shift) { return static_cast<int32_t>(old >> shift & 255); };
             const int32_t c = channel(24) + by[0], m = channel(16) + by[1],
                           y = channel(8) + by[2], k = channel(0) + by[3];
-            row[black] = limitedCmyk(c, m, y, k);
-            undo.before.push_back(old);
-            undo.after.push_back(row[black]);
+            step.words.push_back(limitedCmyk(c, m, y, k));
         }
     }
-    // A change that has changed nothing leaves the one before to be undone.
-    if (undo.before != undo.after) undo_ = std::move(undo);
+    const auto taken = std::make_shared<GridStep>(std::move(step));
+    const std::vector<uint32_t> made = taken->words;
+    taken->exchange(profile_);
+    // A change that has changed nothing is no step to take back.
+    if (taken->words != made) history_.add([&profile = profile_, taken] { taken->exchange(profile); });
     readCurrent();
+    notice_.reset();
     return static_cast<int32_t>(count);
-}
-
-bool ColourCorrection::undo() {
-    if (!undo_) return false;
-    size_t at = 0;
-    for (const int32_t row : undo_->rows)
-        for (int32_t black = 0; black < undo_->blacks; ++black)
-            profile_.grid[row + undo_->firstBlack + black] = undo_->before[at++];
-    undo_.reset();
-    readCurrent();
-    return true;
 }
 
 }  // namespace ko::cmyk

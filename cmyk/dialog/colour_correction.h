@@ -16,6 +16,8 @@
 #include "cmyk/dialog/colour_display.h"
 #include "cmyk/dialog/colour_place.h"
 #include "frame/dialog/graph.h"
+#include "frame/dialog/history.h"
+#include "frame/problem.h"
 
 namespace ko::cmyk {
 
@@ -52,12 +54,13 @@ struct Line {
 
 class ColourCorrection {
 public:
-    // Edits the profile's grid in place and nothing else of it.
-    explicit ColourCorrection(CmykProfile& profile);
+    // Edits the profile's grid in place and nothing else of it; history is the profile's.
+    ColourCorrection(CmykProfile& profile, dialog::History& history);
 
     // Takes everything from the record anew: the first colour, range and spans; no button pressed.
-    // What the last change did can still be undone if the grid still holds it.
     void reread();
+    // The record has changed under it: what is picked stays.
+    void profileChanged();
 
     // What to show.
     bool levels256() const noexcept { return levels256_; }
@@ -71,15 +74,17 @@ public:
     const std::optional<Span>& blackSpan() const noexcept { return blackSpan_; }
     InfluenceRange range() const noexcept;
     int32_t nodesInRange() const noexcept { return nodesInRange_; }  // those that change() touches
-    bool canUndo() const noexcept { return undo_.has_value(); }
+    bool canUndo() const noexcept { return history_.canUndo(); }
 
     int32_t shownValue(int32_t level) const noexcept;  // as the fields show levels
     std::string shown(int32_t level) const { return std::to_string(shownValue(level)); }
-    // Shift-JIS: the spans, or that none is specified; hue and saturation from where to where.
+    // In the user's language: the spans, or that none is specified; hue and saturation from where to where.
     std::string lightnessText() const;
     std::string blackText() const;
     std::string rangeText() const;
     std::string countText() const;
+    // That what was typed last was limited, or is no number.
+    const std::optional<Problem>& notice() const noexcept { return notice_; }
     static std::string changedText(int32_t count);  // after a change
 
     // Pictures. The area's cells are 2 degrees by 1 percent, a scale's 1 percent.
@@ -106,15 +111,8 @@ public:
     void setSaturationReach(std::string_view percent);
 
     int32_t change();  // the number of nodes changed
-    bool undo();
 
 private:
-    struct Undo {
-        std::vector<int32_t> rows;  // the first node of each row of K that was changed
-        int32_t firstBlack, blacks;
-        std::vector<uint32_t> before, after;
-    };
-
     void apply(Surface surface, dialog::Size size, dialog::Point at);
     void setAim(const Place& aim);
     void setPicked(const Cmyk& levels);
@@ -124,6 +122,7 @@ private:
     int32_t positionOn(Surface scaleOrBar) const noexcept;
     int32_t levelOf(int32_t value, std::initializer_list<int32_t> there) const noexcept;
     int32_t stepped(int32_t level, int32_t by) const noexcept;
+    int32_t typedValue(std::string_view number, int32_t most);
     void pickLevel(int32_t ink, int32_t value);
     void changeLevel(int32_t ink, int32_t value);
     int32_t blackPercent() const noexcept;
@@ -133,6 +132,7 @@ private:
     CmykProfile& profile_;
     std::vector<Place> places_;  // of the 33^3 nodes of C, M, Y in grid order
     bool levels256_ = false;
+    std::optional<Problem> notice_;
     Place aim_{};   // as it was pointed at: whole levels come near it, and a grey keeps its hue
     Cmyk picked_{}, current_{}, changed_{};
     Place place_{};
@@ -141,7 +141,7 @@ private:
     int32_t nodesInRange_ = 0;
     std::optional<Surface> held_;
     bool holdsHigh_ = false;  // which end of a span
-    std::optional<Undo> undo_;
+    dialog::History& history_;
 };
 
 }  // namespace ko::cmyk

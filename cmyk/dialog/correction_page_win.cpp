@@ -8,6 +8,7 @@
 #include "frame/dialog/ask_win.h"
 #include "frame/dialog/surface_win.h"
 #include "frame/dialog/text_win.h"
+#include "frame/state.h"
 #include "frame/text.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
@@ -79,8 +80,8 @@ void paintDashes(HDC dc, const std::vector<Line>& lines) {
 
 class CorrectionPage final : public ProfilePage, public SurfaceEvents {
 public:
-    CorrectionPage(CmykProfile& profile, ColourDisplay display)
-        : model_(profile), display_(display) {}
+    CorrectionPage(CmykProfile& profile, History& history, PageFrame& frame, ColourDisplay display)
+        : model_(profile, history), frame_(frame), display_(display) {}
     ~CorrectionPage() override { destroy(); }
 
 private:
@@ -100,7 +101,7 @@ private:
     }
 
     void limit(int edit) { ::SendMessageW(item(edit), EM_SETLIMITTEXT, 4, 0); }
-    std::string textIn(int field) const { return asciiOf(window(), field); }
+    std::string textIn(int field) const { return numberOf(window(), field); }
 
     void addInk(int32_t ink, const InkControls& controls) {
         add({
@@ -140,7 +141,8 @@ private:
     void addRange() {
         const auto label = [this](int control, std::string (ColourCorrection::*text)() const) {
             add({{.id = control,
-                  .show = [=, this] { setText(window(), control, (model_.*text)()); }}});
+                  .show = [=, this] { setText(window(), control,
+                                           wideText((model_.*text)(), userEncoding())); }}});
         };
         label(IDC_CUBE_RANGE, &ColourCorrection::rangeText);
         label(IDC_CUBE_BLACK_SPAN, &ColourCorrection::blackText);
@@ -174,38 +176,50 @@ private:
              .show =
                  [this] {
                      setText(window(), IDC_CUBE_SCALE,
-                             model_.levels256() ? texts::kPixelValue : texts::kDotPercent);
+                             wideTranslated(model_.levels256() ? texts::kPixelValue
+                                                               : texts::kDotPercent));
                  }},
             {.id = IDC_CUBE_256,
              .press = [this] { model_.setLevels256(isChecked(window(), IDC_CUBE_256)); }},
+            {.id = IDC_STATUS, .show = [this] { showStatus(); }},
             {.id = IDC_CUBE_CHANGE, .press = [this] { change(); }},
             {.id = IDC_CUBE_UNDO,
              .show = [this] { enableUndo(); },
-             .press =
-                 [this] {
-                     model_.undo();
-                     recolour();
-                 }},
+             .press = [this] { frame_.undo(); }},
             {.id = IDC_CUBE_INITIALISE, .press = [this] { reread(); }},
         });
     }
 
     void change() {
-        const int32_t count = model_.change();
+        changedNodes_ = model_.change();
         recolour();
-        show();
-        showMessage(::GetAncestor(window(), GA_ROOT), wideText(texts::kProfileCaption),
-                    wideText(ColourCorrection::changedText(count)), MB_OK | MB_ICONINFORMATION);
     }
 
     void reread() {
         model_.reread();
         recolour();
     }
+    // What was limited, or how many nodes the last change has changed: no box has to be closed.
+    void showStatus() {
+        if (changedNodes_ && !model_.notice())
+            setText(window(), IDC_STATUS,
+                    wideText(ColourCorrection::changedText(*changedNodes_), userEncoding()));
+        else
+            showNotice(window(), model_.notice());
+    }
+
     void startAgain() override {
+        changedNodes_.reset();
         reread();
         show();
     }
+    void profileChanged() override {
+        changedNodes_.reset();
+        model_.profileChanged();
+        recolour();
+        show();
+    }
+    void shown() override { frame_.pageHasEdited(); }
 
     void enableUndo() {
         const HWND button = item(IDC_CUBE_UNDO);
@@ -325,16 +339,19 @@ private:
     }
 
     ColourCorrection model_;
+    PageFrame& frame_;
     ColourDisplay display_;
     Cells area_;
+    std::optional<int32_t> changedNodes_;
     std::optional<std::array<int32_t, 2>> areaShown_;  // lightness and black of the area's picture
 };
 
 }  // namespace
 
-Page makeCubePage(CmykProfile& profile, ColourDisplay display) {
+Page makeCubePage(CmykProfile& profile, dialog::History& history, PageFrame& frame,
+                  ColourDisplay display) {
     registerSurfaceClass();
-    return std::make_unique<CorrectionPage>(profile, display);
+    return std::make_unique<CorrectionPage>(profile, history, frame, display);
 }
 
 }  // namespace ko::cmyk

@@ -6,6 +6,7 @@
 #include "cmyk/dialog/colour_correction.h"
 #include "cmyk/dialog/correction_surfaces.h"
 #include "frame/display.h"
+#include "frame/state.h"
 #include "resources/texts.h"
 
 namespace ko::cmyk {
@@ -18,7 +19,7 @@ constexpr int32_t kHueCells = kHues / 2, kSaturationCells = 100, kScaleCells = 1
 
 std::string filled(const char* pattern, int32_t a, int32_t b) {
     char text[100];
-    const int length = std::snprintf(text, sizeof text, pattern, a, b);
+    const int length = std::snprintf(text, sizeof text, translated(pattern), a, b);
     return {text, static_cast<size_t>(clampTo(length, 0, sizeof text - 1))};
 }
 
@@ -56,12 +57,12 @@ int32_t ColourCorrection::shownValue(int32_t level) const noexcept {
 }
 
 std::string ColourCorrection::lightnessText() const {
-    if (!lightnessSpan_) return texts::kNotSpecified;
+    if (!lightnessSpan_) return translated(texts::kNotSpecified);
     return filled(texts::kLightnessSpan, lightnessSpan_->low, lightnessSpan_->high);
 }
 
 std::string ColourCorrection::blackText() const {
-    if (!blackSpan_) return texts::kNotSpecified;
+    if (!blackSpan_) return translated(texts::kNotSpecified);
     return filled(texts::kBlackSpan, blackSpan_->low, blackSpan_->high);
 }
 
@@ -70,7 +71,7 @@ std::string ColourCorrection::rangeText() const {
     const std::string text = filled(texts::kSaturationRange,
                                     std::max(0, saturation - saturationReach_),
                                     std::min(100, saturation + saturationReach_));
-    if (place_.hue == kNoHue || hueReach_ == kWholeHue) return text + texts::kEveryHue;
+    if (place_.hue == kNoHue || hueReach_ == kWholeHue) return text + translated(texts::kEveryHue);
     return text + filled(texts::kHueRange, (place_.hue - hueReach_ + kHues) % kHues,
                          (place_.hue + hueReach_) % kHues);
 }

@@ -5,8 +5,9 @@
 
 #include "cmyk/dialog/profile_dialog.h"
 #include "cmyk/dialog/profile_editor.h"
-#include "frame/dialog/ask_win.h"
+#include "cmyk/link_check.h"
 #include "frame/dialog/drawing_win.h"
+#include "frame/dialog/editor_win.h"
 #include "frame/dialog/surface_win.h"
 #include "frame/dialog/text_win.h"
 #include "frame/path.h"
@@ -21,12 +22,14 @@ using namespace dialog;
 
 RememberedPlace rememberedPlace;  // of the one profile dialog
 
-class ProfileDialog final : public ModalDialog {
+class ProfileDialog final : public EditorDialog, public PageFrame {
 public:
     ProfileDialog(CmykProfile& profile, ColourDisplay display)
-        : editor_(profile),
-          pages_{{{makeTonePage(profile), L"PROFILETONEDLG", texts::kTonePage},
-                  {makeCubePage(profile, display), L"PROFILECUBEDLG", texts::kCorrectionPage}}} {}
+        : EditorDialog(editor_), editor_(profile),
+          pages_{{{makeTonePage(profile, editor_.steps(), *this), L"PROFILETONEDLG",
+                   texts::kTonePage},
+                  {makeCubePage(profile, editor_.steps(), *this, display), L"PROFILECUBEDLG",
+                   texts::kCorrectionPage}}} {}
 
 private:
     struct Tab {
@@ -41,7 +44,7 @@ private:
         ::SendMessageW(item(IDC_COMMENT), EM_SETLIMITTEXT, KOLINK_COMMENT_SIZE - 1, 0);
         const RECT area = pageArea();
         for (size_t at = 0; at < pages_.size(); ++at) {
-            std::wstring title = wideText(pages_[at].title);
+            std::wstring title = wideTranslated(pages_[at].title);
             TCITEMW tab{};
             tab.mask = TCIF_TEXT;
             tab.pszText = title.data();
@@ -92,17 +95,9 @@ private:
              .show = [this] { setText(window(), IDC_COMMENT, editor_.comment()); },
              .leave = [this] { editor_.leaveComment(shiftJisText(textOf(window(), IDC_COMMENT))); }},
             {.id = IDC_PAGES, .press = [this] { showPage(chosenPage()); }},
-            {.id = IDOK,
-             .press =
-                 [this] {
-                     editor_.save(host_);
-                     end(1);
-                 }},
-            {.id = IDCANCEL, .press = [this] { end(0); }},
-            {.id = IDC_SAVE, .press = [this] { editor_.save(host_); }},
-            {.id = IDC_SAVE_AS, .press = [this] { editor_.saveAs(host_); }},
             {.id = IDC_NEW, .press = [this] { startNew(); }},
         });
+        addFileButtons();
     }
 
     size_t chosenPage() const {
@@ -110,18 +105,35 @@ private:
     }
 
     void startNew() {
-        if (!editor_.startNew(host_)) return;
+        if (!editor_.startNew(host())) return;
         for (const Tab& tab : pages_) tab.page->startAgain();
     }
 
     void shown() override {
-        const std::wstring caption = filled(texts::kProfileEditCaption, widePath(editor_.path()));
-        ::SetWindowTextW(window(), caption.c_str());
+        setCaption(
+            filled(wideTranslated(texts::kProfileEditCaption), {widePath(editor_.path())}));
+    }
+
+    void accept() override {  // saves, so that it need not ask
+        if (editor_.saveAndClose(host())) end(1);
+    }
+
+    void stepTaken() override {
+        for (const Tab& tab : pages_) tab.page->profileChanged();
+    }
+    void pageHasEdited() override { shown(); }
+    void undo() override { undoStep(); }
+
+    bool shortcut(const MSG& key) override {
+        if (key.wParam != VK_TAB || ::GetKeyState(VK_CONTROL) >= 0) return EditorDialog::shortcut(key);
+        const size_t next = (chosenPage() + 1) % pages_.size();
+        ::SendMessageW(item(IDC_PAGES), TCM_SETCURSEL, next, 0);
+        showPage(next);
+        return true;
     }
 
     ProfileEditor editor_;
     std::array<Tab, 2> pages_;
-    WindowHost host_{*this};
 };
 
 }  // namespace
@@ -131,10 +143,17 @@ int32_t editProfile(HWND owner, char* path, ColourDisplay display) {
     const Block<CmykProfile> profile = createProfile();
     if (!profile) return 0;
     if (!fileNameOf(path).empty() && !loadProfile(*profile, path)) {
-        showMessage(owner, wideText(texts::kProfileErrorCaption), wideText(texts::kProfileMissing),
-                    MB_OK | MB_ICONEXCLAMATION);
+        showMessage(owner, wideTranslated(texts::kProfileErrorCaption),
+                    wideTranslated(texts::kProfileMissing), MB_OK | MB_ICONEXCLAMATION);
         return 0;
     }
+    // A profile of another kind would be overwritten by a link that prints nothing.
+    if (!fileNameOf(path).empty())
+        if (const auto problem = whyNoLink(path)) {
+            showMessage(owner, wideTranslated(texts::kProfileErrorCaption),
+                        wideProblem(widePath(path), *problem), MB_OK | MB_ICONEXCLAMATION);
+            return 0;
+        }
     if (!copyPath(profile->path, path)) return 0;
     registerSurfaceClass();
     registerTabsAndSpins();

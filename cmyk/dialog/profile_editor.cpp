@@ -1,6 +1,9 @@
 #include "cmyk/dialog/profile_editor.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <utility>
 
 #include "cmyk/description.h"
 #include "frame/path.h"
@@ -17,8 +20,8 @@ constexpr const char* kExtension = ".icc";
 ProfileEditor::ProfileEditor(CmykProfile& profile) : profile_(profile) {
     const std::string path(textIn(profile.path));
     workingFolder_ = folderOf(path);
-    hasFile_ = !fileNameOf(path).empty();
-    if (!hasFile_) copyText(profile_.path, "");
+    setHasFile(!fileNameOf(path).empty());
+    if (!hasFile()) copyText(profile_.path, "");
 }
 
 std::string ProfileEditor::comment() const {
@@ -31,45 +34,72 @@ std::string ProfileEditor::comment() const {
     return shown;
 }
 
+void ProfileEditor::restore(const Texts& texts) {
+    copyText(profile_.name, texts.name);
+    copyText(profile_.comment, texts.comment);
+}
+
 void ProfileEditor::leaveName(std::string_view name) {
+    Texts before = capture();
     std::string line(name);  // a pasted line end would split it in the file
     std::replace_if(line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     copyText(profile_.name, line);
     correctTyped(profile_.name);
+    dialog::addStep(history(), *this, std::move(before));
 }
 
 void ProfileEditor::leaveComment(std::string_view comment) {
+    Texts before = capture();
     if (comment != this->comment()) copyText(profile_.comment, comment);
     correctTyped(profile_.comment);
     copyText(profile_.comment, asPlainText(textIn(profile_.comment)));
+    dialog::addStep(history(), *this, std::move(before));
 }
+
+namespace {
+// Byte by byte: a profile is too large for a third one on the stack.
+void exchange(CmykProfile& a, CmykProfile& b) noexcept {
+    auto* const bytes = reinterpret_cast<std::byte*>(&a);
+    std::swap_ranges(bytes, bytes + sizeof a, reinterpret_cast<std::byte*>(&b));
+}
+}  // namespace
 
 bool ProfileEditor::startNew(dialog::EditorHost& host) {
     if (!host.ask(texts::kProfileCaption, texts::kResetQuestion)) return false;
-    initProfile(profile_);
-    hasFile_ = false;
+    // The step back keeps the whole profile, its file included.
+    auto other = std::shared_ptr<CmykProfile>(createProfile().release(), BlockDeleter());
+    if (!other) return false;  // no memory: nothing has happened
+    exchange(profile_, *other);
+    const bool had = hasFile();
+    setHasFile(false);
+    history().add([this, other, has = had]() mutable {
+        exchange(profile_, *other);
+        const bool now = hasFile();
+        setHasFile(has);
+        has = now;
+    });
     return true;
 }
 
-void ProfileEditor::save(dialog::EditorHost& host) {
-    if (hasFile_) saveTo(std::string(path()));
-    else askAndSave(host, {platform::kSeparator});
+std::string_view ProfileEditor::questionCaption() const noexcept { return texts::kProfileCaption; }
+const char* ProfileEditor::fileFilter() const noexcept { return texts::kProfileFilter; }
+const char* ProfileEditor::fileExtension() const noexcept { return kExtension; }
+
+std::string ProfileEditor::startOfSave() const { return {platform::kSeparator}; }
+
+std::string ProfileEditor::startOfSaveAs() const {
+    return workingFolder_.empty() ? startOfSave() : joinPath(workingFolder_, "");
 }
 
-void ProfileEditor::saveAs(dialog::EditorHost& host) {
-    const bool nowhere = workingFolder_.empty();
-    askAndSave(host, nowhere ? std::string{platform::kSeparator} : joinPath(workingFolder_, ""));
-}
-
-void ProfileEditor::askAndSave(dialog::EditorHost& host, const std::string& start) {
-    if (auto path = host.chooseSavePath(start, texts::kProfileFilter)) saveTo(std::move(*path));
-}
-
-// A failed save is silent. A path that became too long is refused and leaves everything as it was.
-void ProfileEditor::saveTo(std::string path) {
-    if (!hasExtension(path.c_str(), kExtension)) path += kExtension;
-    (void)saveProfile(profile_, path.c_str());
-    hasFile_ = !this->path().empty();
+// A save counts as done also when the file could not be created; the system's reason tells.
+std::optional<Problem> ProfileEditor::write(const std::string& path) {
+    const std::string before(this->path());
+    platform::setLastError(0);
+    const bool saved = saveProfile(profile_, path.c_str()) == 1;
+    const uint32_t error = platform::lastError();
+    if (saved && error == 0) return std::nullopt;
+    (void)copyPath(profile_.path, before.c_str());  // no file has the other one
+    return fileProblem(error);
 }
 
 }  // namespace ko::cmyk

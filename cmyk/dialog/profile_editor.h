@@ -6,12 +6,12 @@
 #include <string_view>
 
 #include "cmyk/cmyk.h"
-#include "frame/dialog/host.h"
+#include "frame/dialog/document.h"
 #include "frame/text.h"
 
 namespace ko::cmyk {
 
-class ProfileEditor {
+class ProfileEditor final : public dialog::Document {
 public:
     // Edits the profile in place. Its path is where it was loaded from; an empty one, or a folder
     // that ends in a separator, means a new profile for that folder.
@@ -30,17 +30,27 @@ public:
 
     // True when the person agreed: the pages have to show the new profile.
     bool startNew(dialog::EditorHost& host);
-    // Without a file it asks for one like saveAs, beginning in the root folder.
-    void save(dialog::EditorHost& host);
-    void saveAs(dialog::EditorHost& host);
+
+    dialog::History& steps() noexcept { return history(); }  // for the pages
+    struct Texts {
+        std::string name, comment;
+        bool operator==(const Texts&) const = default;
+    };
+    Texts capture() const { return {std::string(name()), std::string(textIn(profile_.comment))}; }
+    void restore(const Texts& texts);
 
 private:
-    void askAndSave(dialog::EditorHost& host, const std::string& start);
-    void saveTo(std::string path);
+    std::string_view questionCaption() const noexcept override;
+    std::string currentPath() const override { return std::string(path()); }
+    const char* fileFilter() const noexcept override;
+    const char* fileExtension() const noexcept override;
+    bool extendsItsName() const noexcept override { return true; }
+    std::string startOfSave() const override;  // the root folder
+    std::string startOfSaveAs() const override;
+    std::optional<Problem> write(const std::string& path) override;
 
     CmykProfile& profile_;
     std::string workingFolder_;
-    bool hasFile_ = false;
 };
 
 }  // namespace ko::cmyk

@@ -1,25 +1,42 @@
 #include "cmyk/dialog/tone_page.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "frame/arithmetic.h"
 #include "tone/tone.h"
 
 namespace ko::cmyk {
 
-TonePage::TonePage(CmykProfile& profile, CurveSet& remembered)
-    : CurveEditor(kChannels, kCurvePoints, {3, 4}, 0x0f), profile_(profile), set_(remembered),
-      remembered_(remembered) {}
+TonePage::TonePage(CmykProfile& profile, dialog::History& history, CurveSet& remembered)
+    : CurveEditor(kChannels, kCurvePoints, {3, 4}, 0x0f), profile_(profile), history_(history),
+      set_(remembered), remembered_(remembered) {}
 
-void TonePage::chooseSet(CurveSet set) noexcept {
+TonePage::State TonePage::capture() const {
+    State state;
+    std::memcpy(state.data(), profile_.curveValues, sizeof profile_.curveValues);
+    std::memcpy(state.data() + sizeof profile_.curveValues, profile_.curveFlags,
+                sizeof profile_.curveFlags);
+    return state;
+}
+
+void TonePage::restore(const State& state) {
+    std::memcpy(profile_.curveValues, state.data(), sizeof profile_.curveValues);
+    std::memcpy(profile_.curveFlags, state.data() + sizeof profile_.curveValues,
+                sizeof profile_.curveFlags);
+}
+
+void TonePage::chooseSet(CurveSet set) {
     release();
     set_ = remembered_ = set;
 }
 
-void TonePage::reset() noexcept {
+void TonePage::reset() {
     release();
+    before_ = capture();
     for (int32_t channel = 0; channel < kChannels; ++channel)
         resetCurve(profile_, curveIndex(channel));
+    curvesEdited();
 }
 
 int32_t TonePage::levelOf(int32_t channel, int32_t point) const noexcept {
@@ -38,7 +55,10 @@ void TonePage::mark(int32_t channel, int32_t point, bool on) {
     profile_.curveFlags[curveIndex(channel)][point] = on;
 }
 
-void TonePage::keepForUndo() {
+void TonePage::curvesEdited() { dialog::addStep(history_, *this, before_); }
+
+void TonePage::keepCurves() {
+    before_ = capture();
     for (int32_t channel = 0; channel < kChannels; ++channel) {
         Curve& kept = kept_[static_cast<size_t>(channel)];
         std::copy_n(profile_.curveValues[curveIndex(channel)], kCurvePoints, kept.values.begin());

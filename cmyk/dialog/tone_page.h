@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cmyk/cmyk.h"
+#include "frame/dialog/history.h"
 #include "tone/dialog/curve_editor.h"
 
 namespace ko::cmyk {
@@ -17,18 +18,23 @@ enum class CurveSet { input, output };
 
 class TonePage final : public tone::CurveEditor {
 public:
-    // Edits the profile's curves in place. remembered is the choice of the set that the next page
+    // Edits the profile's curves in place; history is the profile's. remembered is the choice of the set that the next page
     // begins with; it outlives this one.
-    TonePage(CmykProfile& profile, CurveSet& remembered);
+    TonePage(CmykProfile& profile, dialog::History& history, CurveSet& remembered);
 
     CurveSet curveSet() const noexcept { return set_; }
-    void chooseSet(CurveSet set) noexcept;  // ends a drag as it stands
+    void chooseSet(CurveSet set);  // ends a drag as it stands
     int32_t level(int32_t channel, int32_t point) const noexcept { return levelOf(channel, point); }
     bool isControlPoint(int32_t channel, int32_t point) const noexcept {
         return isMarked(channel, point);
     }
 
-    void reset() noexcept;  // the set's four curves become straight lines
+    void reset();  // the set's four curves become straight lines
+
+    // All that a person edits here: both sets.
+    using State = std::array<uint8_t, 2 * kCurves * kCurvePoints>;
+    State capture() const;
+    void restore(const State& state);
 
 private:
     static constexpr int32_t kChannels = 4;
@@ -41,8 +47,9 @@ private:
     bool isMarked(int32_t channel, int32_t point) const noexcept override;
     void setLevel(int32_t channel, int32_t point, int32_t level) override;
     void mark(int32_t channel, int32_t point, bool on) override;
-    void keepForUndo() override;
+    void keepCurves() override;
     void restore(int32_t channel) override;
+    void curvesEdited() override;
     void scaleToEnd(int32_t channel, int32_t level) override;
     void evaluate(uint32_t channels) override;
     std::vector<dialog::Point> lineOf(dialog::Size graph, int32_t channel) const override;
@@ -51,6 +58,8 @@ private:
         std::array<uint8_t, kCurvePoints> values, flags;
     };
     CmykProfile& profile_;
+    dialog::History& history_;
+    State before_{};
     CurveSet set_;
     CurveSet& remembered_;
     std::array<Curve, kChannels> kept_{};  // of the set, from when the drag began

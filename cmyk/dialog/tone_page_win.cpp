@@ -13,8 +13,8 @@ CurveSet rememberedSet = CurveSet::input;
 
 class TonePageView final : public ProfilePage {
 public:
-    explicit TonePageView(CmykProfile& profile)
-        : page_(profile, rememberedSet),
+    TonePageView(CmykProfile& profile, dialog::History& history, PageFrame& frame)
+        : frame_(frame), page_(profile, history, rememberedSet),
           curves_(page_, channelControls().first<4>(), FieldRule::whenTyped) {}
     ~TonePageView() override { destroy(); }
 
@@ -32,19 +32,21 @@ private:
         add(curves_.controls());
     }
 
-    void startAgain() override {
-        page_.reset();
-        show();
-    }
+    void startAgain() override { show(); }
+    void profileChanged() override { show(); }
+    void shown() override { frame_.pageHasEdited(); }
 
     bool drawItem(const DRAWITEMSTRUCT& drawing) override { return CurveControls::draw(drawing); }
 
+    PageFrame& frame_;
     TonePage page_;
     CurveControls curves_;
 };
 
 }  // namespace
 
-Page makeTonePage(CmykProfile& profile) { return std::make_unique<TonePageView>(profile); }
+Page makeTonePage(CmykProfile& profile, dialog::History& history, PageFrame& frame) {
+    return std::make_unique<TonePageView>(profile, history, frame);
+}
 
 }  // namespace ko::cmyk

@@ -7,8 +7,11 @@
 #include <iterator>
 #include <utility>
 
+#include "frame/dialog/choice_win.h"
 #include "frame/dialog/text_win.h"
 #include "frame/path.h"
+#include "resources/dialog_ids.h"
+#include "resources/texts.h"
 
 namespace ko::dialog {
 namespace {
@@ -19,6 +22,16 @@ std::wstring firstExtension(std::wstring_view patterns) {
     if (!patterns.starts_with(L"*.")) return {};
     const size_t end = patterns.find_first_of(std::wstring_view(L";\0", 2));
     return std::wstring(patterns.substr(2, end - 2));
+}
+// The same of "description|*.extension|".
+std::wstring extensionOf(std::wstring patterns) {
+    std::replace(patterns.begin(), patterns.end(), L'|', L'\0');
+    return firstExtension(patterns);
+}
+
+bool endsWith(const std::wstring& path, const std::wstring& extension) noexcept {
+    return path.size() >= extension.size() &&
+           ::lstrcmpiW(path.c_str() + path.size() - extension.size(), extension.c_str()) == 0;
 }
 
 }  // namespace
@@ -64,13 +77,97 @@ bool WindowHost::ask(std::string_view caption, std::string_view question) {
                        MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
+namespace {
+bool exists(const std::wstring& path) noexcept {
+    return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool mayReplace(HWND owner, const std::wstring& path) {
+    return showMessage(owner, wideTranslated(texts::kProfileCaption),
+                       filled(wideTranslated(texts::kReplaceQuestion), {path}),
+                       MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
+}
+}  // namespace
+
+std::wstring wideProblem(const Problem& problem) {
+    std::wstring text = wideTranslated(problem.sentence);
+    for (const std::string& detail : problem.details) text = filled(text, {widePath(detail)});
+    return text;
+}
+
+std::wstring wideProblem(std::wstring_view path, const Problem& problem) {
+    return L"[" + std::wstring(path) + L"]\n" + wideProblem(problem);
+}
+
+void showNotice(HWND dialog, const std::optional<Problem>& notice) {
+    setText(dialog, IDC_STATUS, notice ? wideProblem(*notice) : std::wstring());
+}
+
+NamedPath namedPath(std::wstring_view wide) {
+    auto path = systemPath(wide);
+    if (!path) return {std::nullopt, Problem{texts::kPathUnnameable}};
+    if (path->size() >= MAX_PATH) return {std::nullopt, Problem{texts::kPathTooLong}};
+    return {std::move(path), std::nullopt};
+}
+
 std::optional<std::string> WindowHost::chooseSavePath(std::string_view initial,
                                                       std::string_view filter) {
-    const auto chosen =
-        chooseFile(dialog_.window(), FileChoice::save, initial, wideTranslated(filter));
-    auto path = chosen ? systemPath(*chosen) : std::nullopt;
-    if (path && path->size() >= MAX_PATH) return std::nullopt;  // were it cut, another file
-    return path;
+    const std::wstring patterns = wideTranslated(filter);
+    for (;;) {
+        auto chosen = chooseFile(dialog_.window(), FileChoice::save, initial, patterns);
+        if (!chosen) return std::nullopt;
+        const std::wstring extension = L"." + extensionOf(patterns);
+        if (!endsWith(*chosen, extension)) {
+            *chosen += extension;
+            // The file dialog has asked about the name without it.
+            if (exists(*chosen) && !mayReplace(dialog_.window(), *chosen)) continue;
+        }
+        NamedPath named = namedPath(*chosen);
+        if (named.path) return std::move(named.path);
+        showMessage(dialog_.window(), wideTranslated(texts::kProfileErrorCaption),
+                    wideProblem(*chosen, *named.problem), MB_OK | MB_ICONEXCLAMATION);
+    }
+}
+
+bool WindowHost::askReplace(std::string_view path) {
+    return mayReplace(dialog_.window(), widePath(path));
+}
+
+Unsaved WindowHost::askThree(std::string_view caption, const char* question, const char* save,
+                             const char* discard) {
+    switch (askChoice(dialog_.window(), wideTranslatedRecord(caption), wideTranslated(question),
+                      {{IDYES, wideTranslated(save)},
+                       {IDNO, wideTranslated(discard)},
+                       {IDCANCEL, wideTranslated(texts::kStayButton)}})) {
+        case IDYES: return Unsaved::save;
+        case IDNO: return Unsaved::discard;
+        default: return Unsaved::stay;
+    }
+}
+
+Unsaved WindowHost::askUnsaved(std::string_view caption) {
+    return askThree(caption, texts::kUnsavedQuestion, texts::kSaveButton, texts::kDiscardButton);
+}
+
+Unsaved WindowHost::askTakeBack(std::string_view caption) {
+    return askThree(caption, texts::kTakeBackQuestion, texts::kKeepButton,
+                    texts::kTakeBackButton);
+}
+
+NotSaved WindowHost::tellNotSaved(std::string_view caption, std::string_view path,
+                                  const Problem& why, bool closing) {
+    std::vector<Answer> answers = {{IDRETRY, wideTranslated(texts::kAgainButton)},
+                                   {IDC_SAVE_AS, wideTranslated(texts::kSaveAsButton)}};
+    if (closing) answers.push_back({IDNO, wideTranslated(texts::kDiscardButton)});
+    answers.push_back({IDCANCEL, wideTranslated(texts::kStayButton)});
+    const std::wstring text =
+        wideTranslated(texts::kNotSaved) + L"\n\n" + wideProblem(widePath(path), why);
+    switch (askChoice(dialog_.window(), wideTranslatedRecord(caption), text, answers)) {
+        case IDRETRY: return NotSaved::again;
+        case IDC_SAVE_AS: return NotSaved::saveAs;
+        case IDNO: return NotSaved::discard;
+        default: return NotSaved::stay;
+    }
 }
 
 }  // namespace ko::dialog

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "frame/dialog/text_win.h"
+#include "frame/dialog/typed.h"
 #include "frame/platform.h"
+#include "frame/state.h"
 
 namespace ko::dialog {
 
@@ -27,11 +29,9 @@ void setText(HWND dialog, int control, std::string_view shiftJis) {
     setText(dialog, control, wideText(shiftJis));
 }
 
-std::string asciiOf(HWND dialog, int control) {
-    std::string text;
-    for (const wchar_t character : textOf(dialog, control))
-        text += character < 0x80 ? static_cast<char>(character) : '?';
-    return text;
+std::string numberOf(HWND dialog, int control) {
+    const std::wstring text = textOf(dialog, control);
+    return typedNumber(std::wstring_view(text));
 }
 
 bool isChecked(HWND dialog, int control) noexcept {
@@ -78,6 +78,27 @@ void centreField(HWND dialog, HWND field, HWND spin) noexcept {
 }
 
 }  // namespace
+
+bool isFieldInUse(HWND control) noexcept {
+    return isOfClass(control, L"Edit") && ::SendMessageW(control, EM_GETMODIFY, 0, 0) &&
+           ::SendMessageW(control, EM_CANUNDO, 0, 0);
+}
+
+void translateTexts(HWND dialog) {
+    if (!processState().languageTable) return;
+    const auto translate = [](HWND window) {
+        std::wstring text(static_cast<size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
+        text.resize(static_cast<size_t>(
+            ::GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+        // What no table translates stays: a template of the user's language has other letters.
+        const std::string japanese = shiftJisText(text);
+        const std::wstring shown = wideTranslated(japanese);
+        if (shown != wideText(japanese)) ::SetWindowTextW(window, shown.c_str());
+    };
+    translate(dialog);
+    for (HWND at = ::GetWindow(dialog, GW_CHILD); at; at = ::GetWindow(at, GW_HWNDNEXT))
+        translate(at);
+}
 
 void centreFields(HWND dialog) noexcept {
     for (HWND at = ::GetWindow(dialog, GW_CHILD); at; at = ::GetWindow(at, GW_HWNDNEXT)) {

@@ -11,9 +11,15 @@ namespace ko::dialog {
 std::wstring textOf(HWND dialog, int control);
 void setText(HWND dialog, int control, std::wstring_view text);
 void setText(HWND dialog, int control, std::string_view shiftJis);
-// A number as a person types it, of what the field holds: ASCII, the rest '?'.
-std::string asciiOf(HWND dialog, int control);
+// A number as a person types it, of what the field holds; see typedNumber.
+std::string numberOf(HWND dialog, int control);
 bool isChecked(HWND dialog, int control) noexcept;
+
+// Whether somebody is typing in a field, and could take that back there.
+bool isFieldInUse(HWND control) noexcept;
+
+// The texts of a template, which are Japanese, in the language of the user.
+void translateTexts(HWND dialog);
 
 // A field's text stands at its top, more and more above its label the higher the resolution is:
 // each field becomes as high as its text needs, in the middle of its place.

@@ -9,6 +9,8 @@
 namespace ko::dialog {
 namespace {
 
+constexpr wchar_t kModal[] = L"KoLinkModalDialog";
+
 // A state that holds while something runs, however that ends.
 class During {
 public:
@@ -31,6 +33,7 @@ INT_PTR CALLBACK Dialog::procedure(HWND window, UINT message, WPARAM wParam, LPA
         auto* const dialog = reinterpret_cast<Dialog*>(lParam);
         dialog->attach(window);
         ::SetWindowLongPtrW(window, DWLP_USER, lParam);
+        translateTexts(window);
         centreFields(window);
         return dialog->started(atBoundary(false, [&] {
             dialog->opened();
@@ -41,6 +44,7 @@ INT_PTR CALLBACK Dialog::procedure(HWND window, UINT message, WPARAM wParam, LPA
     auto* const dialog = reinterpret_cast<Dialog*>(::GetWindowLongPtrW(window, DWLP_USER));
     if (!dialog) return FALSE;
     if (message == WM_NCDESTROY) {
+        ::RemovePropW(window, kModal);
         ::SetWindowLongPtrW(window, DWLP_USER, 0);
         dialog->attach(nullptr);
         return FALSE;
@@ -144,11 +148,40 @@ void Dialog::end(INT_PTR result) {
 
 INT_PTR ModalDialog::run(HWND owner, const wchar_t* templateName) {
     const Template shown(templateName);
-    return ::DialogBoxIndirectParamW(module(), shown.get(), owner, procedure,
-                                     reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
+    const HHOOK hook =
+        ::SetWindowsHookExW(WH_MSGFILTER, filter, nullptr, ::GetCurrentThreadId());
+    const INT_PTR result =
+        ::DialogBoxIndirectParamW(module(), shown.get(), owner, procedure,
+                                  reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
+    ::UnhookWindowsHookEx(hook);
+    return result;
+}
+
+// Looks at a message before the dialog does. The dialog is the one that the key goes to, whichever
+// others are open.
+LRESULT CALLBACK ModalDialog::filter(int code, WPARAM wParam, LPARAM lParam) {
+    const auto* const message = reinterpret_cast<const MSG*>(lParam);
+    if (code == MSGF_DIALOGBOX && message->message == WM_KEYDOWN) {
+        const HWND root = ::GetAncestor(message->hwnd, GA_ROOT);
+        auto* const dialog = static_cast<ModalDialog*>(::GetPropW(root, kModal));
+        if (dialog && atBoundary(false, [&] { return dialog->shortcut(*message); })) return 1;
+    }
+    return ::CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+bool ModalDialog::shortcut(const MSG& key) {
+    if (key.wParam != VK_RETURN || return_ == Return::pressesDefault || !isIdle()) return false;
+    const auto code = ::SendMessageW(key.hwnd, WM_GETDLGCODE, key.wParam,
+                                     reinterpret_cast<LPARAM>(&key));
+    constexpr LRESULT kOwn = DLGC_WANTALLKEYS | DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON;
+    if ((code & kOwn) || ::SendMessageW(key.hwnd, CB_GETDROPPEDSTATE, 0, 0)) return false;
+    leaveFocusedField();
+    ::SendMessageW(key.hwnd, EM_SETSEL, 0, -1);
+    return true;
 }
 
 INT_PTR ModalDialog::started(bool complete) noexcept {
+    ::SetPropW(window(), kModal, static_cast<HANDLE>(this));
     if (!complete) ::EndDialog(window(), -1);
     return TRUE;
 }

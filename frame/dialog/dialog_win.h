@@ -30,6 +30,7 @@ public:
     Dialog& operator=(const Dialog&) = delete;
     HWND window() const noexcept { return window_; }  // null before it is made and after it is gone
     HWND item(int control) const noexcept { return ::GetDlgItem(window_, control); }
+    void show();  // all controls, as the model says
 
 protected:
     Dialog() = default;
@@ -41,7 +42,6 @@ protected:
     void add(std::vector<Control> controls) {
         for (Control& control : controls) controls_.push_back(std::move(control));
     }
-    void show();
     void end(INT_PTR result);
     void attach(HWND window) noexcept { window_ = window; }
     bool isIdle() const noexcept { return !busy_ && !ended_; }
@@ -72,8 +72,18 @@ public:
     // -1 when the template cannot be opened.
     INT_PTR run(HWND owner, const wchar_t* templateName);
 
+protected:
+    // Return in a field takes the value over; in a dialog with a default button it presses that.
+    enum class Return { takesField, pressesDefault };
+    explicit ModalDialog(Return onReturn = Return::takesField) noexcept : return_(onReturn) {}
+    // A key goes down, before the system's dialogs look at it: whether it is one of the dialog's.
+    virtual bool shortcut(const MSG& key);
+
 private:
+    static LRESULT CALLBACK filter(int code, WPARAM wParam, LPARAM lParam);
     INT_PTR started(bool complete) noexcept override;
+
+    Return return_;
 };
 
 // A page within another dialog: a modeless child, made from a template with DS_CONTROL and

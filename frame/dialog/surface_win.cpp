@@ -57,7 +57,8 @@ LRESULT surfaceMessage(SurfaceEvents& events, HWND surface, UINT message, WPARAM
             break;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: ::InvalidateRect(surface, nullptr, FALSE); return 0;
-        case WM_GETDLGCODE: return tabStop ? DLGC_WANTARROWS : DLGC_STATIC;
+        // A letter typed here is no access key of another control.
+        case WM_GETDLGCODE: return tabStop ? DLGC_WANTARROWS | DLGC_WANTCHARS : DLGC_STATIC;
         case WM_KEYDOWN:
             if (events.surfaceKey(surface, size, wParam)) return 0;
             break;

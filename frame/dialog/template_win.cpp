@@ -7,6 +7,7 @@
 #include <string>
 
 #include "frame/dialog/windows.h"
+#include "frame/state.h"
 
 namespace ko::dialog {
 namespace {
@@ -120,12 +121,27 @@ std::optional<std::wstring> betterFace(const FontPlace& font) {
 
 }  // namespace
 
+namespace {
+
+// A template whose texts will be translated gets a font of their script.
+std::optional<std::wstring> faceOfLanguage(FontPlace& font) {
+    if (font.charset != SHIFTJIS_CHARSET || !processState().languageTable) return std::nullopt;
+    const bool chinese = userEncoding() == Encoding::gb2312;
+    font.charset = static_cast<BYTE>(chinese ? GB2312_CHARSET : ANSI_CHARSET);
+    font.face = chinese ? L"SimSun" : L"MS Shell Dlg";
+    return font.face;
+}
+
+}  // namespace
+
 Template::Template(const wchar_t* name) {
     const ByteSpan original = resource(name);
     bytes_.assign(original.begin(), original.end());
-    const FontPlace font = findFont(original);
-    const auto face = betterFace(font);
+    FontPlace font = findFont(original);
+    auto face = faceOfLanguage(font);
+    if (auto better = betterFace(font)) face = std::move(better);
     if (!face) return;
+    bytes_[font.begin - 1] = std::byte{font.charset};
     // The controls begin at the next whole double word behind the face.
     const auto aligned = [](size_t at) { return (at + 3) / 4 * 4; };
     const auto* const letters = reinterpret_cast<const std::byte*>(face->c_str());

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/colour_words.h"
+#include "frame/dialog/typed.h"
 #include "frame/display.h"
 #include "frame/scan.h"
 
@@ -129,7 +130,9 @@ void ColourPick::stepInk(Ink ink, int32_t by) noexcept {
 
 void ColourPick::leaveField(Ink ink, std::string_view text, bool touched) {
     if (!touched && text == fieldText(ink)) return;
-    setInk(ink, valueFromDisplay(levels256_, integerIn(text.substr(0, kFieldCharacters))));
+    const std::string most = std::to_string(greatestValue());
+    notice_ = dialog::numberNotice(text, 0, greatestValue(), "0", most);
+    setInk(ink, valueFromDisplay(levels256_, typedIntegerIn(text.substr(0, kFieldCharacters))));
 }
 
 void ColourPick::setInk(Ink ink, int32_t level) noexcept {

@@ -12,6 +12,7 @@
 
 #include "frame/arithmetic.h"
 #include "frame/dialog/graph.h"
+#include "frame/problem.h"
 
 namespace ko::front {
 
@@ -105,6 +106,8 @@ public:
     int32_t shownValue(Ink ink) const noexcept;
     std::string fieldText(Ink ink) const { return std::to_string(shownValue(ink)); }
     int32_t greatestValue() const noexcept { return levels256_ ? 255 : 100; }
+    // That what was typed last was limited, or is no number.
+    const std::optional<Problem>& notice() const noexcept { return notice_; }
 
     // Where the markers stand on controls of any size. The field has none until something is
     // picked there: not every colour is on it.
@@ -137,6 +140,7 @@ private:
     dialog::Size field_{1, 1};
     int32_t lightness_ = 1, lightnessHeight_ = 2;  // the middle: the base colour itself
     bool levels256_ = false;
+    std::optional<Problem> notice_;
 };
 
 }  // namespace ko::front

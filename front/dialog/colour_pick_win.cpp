@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "frame/dialog/ask_win.h"
 #include "frame/dialog/dialog_win.h"
 #include "frame/dialog/surface_win.h"
+#include "frame/dialog/text_win.h"
 #include "front/dialog/colour_pick.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
@@ -74,6 +76,7 @@ private:
             add({{.id = surface,
                   .show = [=, this] { ::InvalidateRect(item(surface), nullptr, FALSE); }}});
         add({
+            {.id = IDC_STATUS, .show = [this] { showNotice(window(), pick_.notice()); }},
             {.id = IDC_PICK_SCALE, .show = [this] { showScale(); }},
             {.id = IDC_PICK_256,
              .press = [this] { pick_.show256Levels(isChecked(window(), IDC_PICK_256)); }},
@@ -84,7 +87,7 @@ private:
 
     void leave(const InkControls& ink) {
         const bool touched = ::SendMessageW(item(ink.edit), EM_GETMODIFY, 0, 0) != 0;
-        pick_.leaveField(ink.ink, asciiOf(window(), ink.edit), touched);
+        pick_.leaveField(ink.ink, numberOf(window(), ink.edit), touched);
         ::SendMessageW(item(ink.edit), EM_SETMODIFY, FALSE, 0);
     }
 
@@ -102,7 +105,7 @@ private:
 
     void showScale() {
         setText(window(), IDC_PICK_SCALE,
-                pick_.shows256Levels() ? texts::kPixelValue : texts::kDotPercent);
+                wideTranslated(pick_.shows256Levels() ? texts::kPixelValue : texts::kDotPercent));
     }
 
     void paintSurface(HWND surface, HDC dc, Size size, bool hasFocus) override {

@@ -1,10 +1,13 @@
 #include "front/dialog/device_link.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "cmyk/cmyk.h"
 #include "frame/colour_words.h"
+#include "frame/dialog/typed.h"
 #include "frame/display.h"
+#include "frame/path.h"
 #include "frame/scan.h"
 #include "frame/text.h"
 #include "icc/icc.h"
@@ -83,12 +86,21 @@ std::optional<LinkPath> DeviceLinkModel::firstRefused() const noexcept {
 }
 
 void DeviceLinkModel::leavePath(LinkPath which, const TypedPath& typed) {
-    refused_[static_cast<size_t>(which)] = !typed;
-    if (typed) copyTypedPath(fieldOf(settings_, which), *typed);
+    auto& refused = refused_[static_cast<size_t>(which)];
+    refused.reset();
+    std::vector<char> whole(typed ? typed->size() + 1 : 0);
+    if (typed) copyTypedPath(whole, *typed);
+    if (!typed)
+        refused = Problem{texts::kPathUnnameable};
+    else if (textIn(whole).size() >= KOLINK_PATH_SIZE)
+        refused = Problem{texts::kPathTooLong};
+    else
+        copyTypedPath(fieldOf(settings_, which), *typed);
 }
 
 void DeviceLinkModel::leaveAmount(std::string_view percent) {
-    const int32_t amount = clampTo(integerIn(percent.substr(0, 3)), 0, 400);
+    amountNotice_ = dialog::numberNotice(percent, 0, 400, "0 %", "400 %");
+    const int32_t amount = clampTo(typedIntegerIn(percent.substr(0, 3)), 0, 400);
     settings_.limit = amount * 255 / 100;
     amountText_ = std::to_string(amount);
 }
@@ -97,8 +109,11 @@ bool DeviceLinkModel::browse(LinkPath which, DeviceLinkHost& host) {
     const auto choice = which == LinkPath::output ? DeviceLinkHost::Choice::fileToSave
                                                   : DeviceLinkHost::Choice::fileToOpen;
     const auto chosen = host.choosePath(which, choice, std::string(path(which)), filterOf(which));
-    if (chosen) leavePath(which, *chosen);
-    return chosen.has_value();
+    if (!chosen) return false;
+    leavePath(which, *chosen);
+    // The file dialog has asked whether it may be replaced.
+    if (which == LinkPath::output && !isRefused(which)) agreed_ = path(which);
+    return true;
 }
 
 bool DeviceLinkModel::pickPaperColour(DeviceLinkHost& host) {
@@ -114,19 +129,51 @@ bool DeviceLinkModel::pickPaperColour(DeviceLinkHost& host) {
     return true;
 }
 
+bool DeviceLinkModel::fail(DeviceLinkHost& host, const cmyk::LinkProblem& problem) {
+    failed_ = problem.field;
+    host.tellProblem(failed_ == LinkPath::output ? texts::kLinkNotWritten : texts::kLinkNotMade,
+                     problem);
+    return false;
+}
+
+// The output gets its extension before anybody is asked about replacing a file of that name.
+bool DeviceLinkModel::mayWrite(DeviceLinkHost& host) {
+    std::string output(path(LinkPath::output));
+    const bool named = hasExtension(output.c_str(), ".icc") || hasExtension(output.c_str(), ".icm");
+    if (!named && !fileNameOf(output).empty()) {
+        const bool fits = output.size() + 4 < KOLINK_PATH_SIZE;
+        if (!fits) return fail(host, {LinkPath::output, output, {texts::kPathTooLong}});
+        (void)copyPath(settings_.outputPath, (output += ".icc").c_str());
+    }
+    if (const auto problem = cmyk::checkLinkSettings(settings_)) return fail(host, *problem);
+    if (cmyk::convertsNothing(settings_) && !host.ask(texts::kNothingToLink, "")) return false;
+    platform::DateTime time;
+    if (platform::samePath(output.c_str(), agreed_.c_str()) ||
+        !platform::fileTime(output.c_str(), time))
+        return true;
+    failed_ = LinkPath::output;
+    if (!host.ask(texts::kReplaceQuestion, output)) return false;
+    failed_.reset();
+    return true;
+}
+
 bool DeviceLinkModel::create(DeviceLinkHost& host) {
-    const auto refused = firstRefused();
-    const auto fail = [&](const char* text) {
-        host.tell(text, DeviceLinkHost::Icon::exclamation);
-        return false;
-    };
-    if (refused && *refused != LinkPath::output) return fail(texts::kLinkNotMade);
+    failed_.reset();
+    if (const auto refused = firstRefused())
+        return fail(host, {*refused, "", *refusal(*refused)});
+    if (!mayWrite(host)) return false;
     {
         const auto profile = cmyk::combineProfile(settings_);
-        if (!profile) return fail(texts::kLinkNotMade);
+        if (!profile) {
+            host.tell(texts::kLinkNotMade, DeviceLinkHost::Icon::exclamation);
+            return false;
+        }
         const std::string output(path(LinkPath::output));
-        if (refused || cmyk::saveProfile(*profile, output.c_str()) != 1 || !holds(output, *profile))
-            return fail(texts::kLinkNotWritten);
+        platform::setLastError(0);
+        const bool saved = cmyk::saveProfile(*profile, output.c_str()) == 1;
+        const uint32_t error = platform::lastError();
+        if (!saved || !holds(output, *profile))
+            return fail(host, {LinkPath::output, output, fileProblem(error)});
     }
     host.tell(texts::kLinkMade, DeviceLinkHost::Icon::information);
     return true;

@@ -8,12 +8,14 @@
 #include <string>
 #include <string_view>
 
+#include "cmyk/link_check.h"
 #include "frame/dialog/graph_picture.h"
+#include "frame/problem.h"
 #include "kolink/link_settings.h"
 
 namespace ko::front {
 
-enum class LinkPath { base, source, destination, black, output };
+using LinkPath = cmyk::LinkField;
 constexpr LinkPath kLinkPaths[] = {LinkPath::base, LinkPath::source, LinkPath::destination,
                                    LinkPath::black, LinkPath::output};
 
@@ -32,6 +34,10 @@ public:
                                                 std::string_view filter) = 0;
     virtual uint32_t pickColour(uint32_t cmyk) = 0;  // packed; the given one after Cancel
     virtual void tell(std::string_view text, Icon icon) = 0;
+    // What is wrong with a field, after the text.
+    virtual void tellProblem(std::string_view text, const cmyk::LinkProblem& problem) = 0;
+    // A Yes/No question; its %s, if any, is the path.
+    virtual bool ask(std::string_view question, std::string_view path) = 0;
 
 protected:
     ~DeviceLinkHost() = default;
@@ -49,12 +55,19 @@ public:
     bool whiteModeIs(int32_t mode) const noexcept { return settings_.whiteMode == mode; }
     bool hasPaperColour() const noexcept { return whiteModeIs(2); }  // swatch and amount count
     const std::string& amountText() const noexcept { return amountText_; }
+    // That the amount typed last was limited, or is no number.
+    const std::optional<Problem>& amountNotice() const noexcept { return amountNotice_; }
     std::optional<dialog::Colour> swatch() const noexcept;  // nothing: no colour is given
 
-    // A field that the system's code page cannot name: its setting is the one from before, and
-    // nothing is made until the field is put right.
-    bool isRefused(LinkPath which) const noexcept { return refused_[static_cast<size_t>(which)]; }
+    // A field whose path the system's code page cannot name, or that is too long: its setting is the
+    // one from before, and nothing is made until the field is put right.
+    bool isRefused(LinkPath which) const noexcept { return refusal(which).has_value(); }
+    const std::optional<Problem>& refusal(LinkPath which) const noexcept {
+        return refused_[static_cast<size_t>(which)];
+    }
     std::optional<LinkPath> firstRefused() const noexcept;
+    // The field that kept the last link from being made.
+    std::optional<LinkPath> failedField() const noexcept { return failed_; }
 
     void leavePath(LinkPath which, const TypedPath& typed);
     void leaveAmount(std::string_view percent);
@@ -70,7 +83,13 @@ public:
 private:
     CmsLinkSettings settings_;
     std::string amountText_;
-    std::array<bool, 5> refused_{};
+    std::optional<Problem> amountNotice_;
+    bool fail(DeviceLinkHost& host, const cmyk::LinkProblem& problem);
+    bool mayWrite(DeviceLinkHost& host);
+
+    std::array<std::optional<Problem>, 5> refused_{};
+    std::optional<LinkPath> failed_;
+    std::string agreed_;  // an output that the person has chosen in the file dialog
 };
 
 }  // namespace ko::front

@@ -24,6 +24,7 @@ namespace {
 using namespace dialog;
 
 constexpr COLORREF kRefused = RGB(200, 0, 0);
+constexpr WPARAM kTypedPath = 1000;
 constexpr wchar_t kProperty[] = L"KoLinkDeviceLink";
 
 struct PathControls {
@@ -67,12 +68,6 @@ void forgetInput() noexcept {
     while (::PeekMessageW(&message, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE)) {}
 }
 
-// Nothing for one that the system's code page cannot name, or that were another file when cut.
-TypedPath pathOf(std::wstring_view file) {
-    const TypedPath path = systemPath(file);
-    return path && path->size() < KOLINK_PATH_SIZE ? path : TypedPath();
-}
-
 class DeviceLinkDialog final : public Dialog, public DeviceLinkHost {
 public:
     static INT_PTR open(HWND window, CmsLinkSettings* record);
@@ -91,11 +86,14 @@ private:
                                         std::string_view filter) override;
     uint32_t pickColour(uint32_t cmyk) override { return front::pickColour(window(), cmyk); }
     void tell(std::string_view text, Icon icon) override;
+    void tellProblem(std::string_view text, const cmyk::LinkProblem& problem) override;
+    bool ask(std::string_view question, std::string_view path) override;
+    void showStatus();
 
     INT_PTR started(bool) noexcept override { return TRUE; }
     void opened() override;
     void closing() override;
-    void shown() override { enablePaper(); }
+    void shown() override;
     INT_PTR message(UINT message, WPARAM wParam, LPARAM lParam) override;
     void create();
     void leavePath(const PathControls& path);
@@ -164,9 +162,11 @@ INT_PTR DeviceLinkDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void DeviceLinkDialog::opened() {
+    translateTexts(window());
     centreFields(window());
     for (const PathControls& path : kPaths) {
-        ::SendMessageW(item(path.edit), EM_SETLIMITTEXT, KOLINK_PATH_SIZE - 1, 0);
+        // Longer than any path that is taken, so that none is cut unseen.
+        ::SendMessageW(item(path.edit), EM_SETLIMITTEXT, kTypedPath, 0);
         add({{.id = path.edit,
               .show = [=, this] { showPath(path); },
               .leave = [=, this] { leavePath(path); }},
@@ -211,9 +211,8 @@ void DeviceLinkDialog::create() {
         if (record_) *record_ = model_.settings();
         return end(1);
     }
-    const auto refused = model_.firstRefused();
     for (const PathControls& path : kPaths)
-        if (refused == path.which)
+        if (model_.failedField() == path.which)
             ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(item(path.edit)), TRUE);
 }
 
@@ -239,14 +238,14 @@ void DeviceLinkDialog::drop(HDROP files) {
         ::GetWindowRect(item(path.edit), &field);
         if (!::PtInRect(&field, at)) continue;
         setText(window(), path.edit, std::wstring_view(name));
-        model_.leavePath(path.which, pathOf(name));
-        showPath(path);
+        model_.leavePath(path.which, systemPath(name));
+        show();
     }
 }
 
 // Percent is coarser than the setting, so that a field which nobody touched leaves it as it is.
 void DeviceLinkDialog::leaveAmount() {
-    const std::string typed = asciiOf(window(), IDC_LINK_AMOUNT);
+    const std::string typed = numberOf(window(), IDC_LINK_AMOUNT);
     const HWND edit = item(IDC_LINK_AMOUNT);
     if (!::SendMessageW(edit, EM_GETMODIFY, 0, 0) && typed == model_.amountText()) return;
     model_.leaveAmount(typed);
@@ -264,6 +263,17 @@ void DeviceLinkDialog::showPath(const PathControls& path) {
     if (!model_.isRefused(path.which))
         setText(window(), path.edit, widePath(model_.path(path.which)));
     ::InvalidateRect(item(path.edit), nullptr, FALSE);
+}
+
+// Why a path is refused, in words beside the colour.
+void DeviceLinkDialog::showStatus() {
+    const auto refused = model_.firstRefused();
+    showNotice(window(), refused ? model_.refusal(*refused) : model_.amountNotice());
+}
+
+void DeviceLinkDialog::shown() {
+    enablePaper();
+    showStatus();
 }
 
 void DeviceLinkDialog::enablePaper() {
@@ -304,17 +314,33 @@ std::optional<TypedPath> DeviceLinkDialog::choosePath(LinkPath which, Choice cho
                                                       std::string_view filter) {
     const auto file =
         chooseFile(window(), choice == Choice::fileToSave ? FileChoice::save : FileChoice::open,
-                   initial, wideText(filter));
+                   initial, wideTranslated(filter));
     if (!file) return std::nullopt;
     for (const PathControls& path : kPaths)
         if (path.which == which) setText(window(), path.edit, *file);  // shown even if refused
-    return pathOf(*file);
+    return systemPath(*file);
 }
 
 void DeviceLinkDialog::tell(std::string_view text, Icon icon) {
     forgetInput();
-    showMessage(window(), wideText(texts::kLinkCaption), wideText(text),
+    showMessage(window(), wideTranslated(texts::kLinkCaption), wideTranslated(text),
                 MB_OK | (icon == Icon::information ? MB_ICONINFORMATION : MB_ICONEXCLAMATION));
+}
+
+void DeviceLinkDialog::tellProblem(std::string_view text, const cmyk::LinkProblem& problem) {
+    forgetInput();
+    std::wstring whole = wideTranslated(text) + L"\n\n";
+    std::wstring shown = widePath(problem.path);
+    for (const PathControls& path : kPaths)  // as it stands in the field, also when it is refused
+        if (path.which == problem.field && shown.empty()) shown = textOf(window(), path.edit);
+    whole += shown.empty() ? wideProblem(problem.problem) : wideProblem(shown, problem.problem);
+    showMessage(window(), wideTranslated(texts::kLinkCaption), whole, MB_OK | MB_ICONEXCLAMATION);
+}
+
+bool DeviceLinkDialog::ask(std::string_view question, std::string_view path) {
+    return showMessage(window(), wideTranslated(texts::kLinkCaption),
+                       filled(wideTranslated(question), {widePath(path)}),
+                       MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
 }
 
 }  // namespace

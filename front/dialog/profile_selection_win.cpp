@@ -49,7 +49,8 @@ constexpr int kLists[] = {IDC_SELECT_RGB, IDC_SELECT_CMYK, IDC_SELECT_INTENT};
 
 class SelectionDialog final : public ModalDialog {
 public:
-    explicit SelectionDialog(ProfileSelectionModel& model) : model_(model) {}
+    explicit SelectionDialog(ProfileSelectionModel& model)
+        : ModalDialog(Return::pressesDefault), model_(model) {}
 
 private:
     void opened() override {

@@ -12,10 +12,11 @@ KOLINK_BEGIN
 /* Modal editor of a calibration set, in the user's language: Japanese, English or Chinese. One may
  * be open at a time, on the calling thread.
  *   owner  the window that waits for the dialog; may be null
- *   set    edited in place, each edit at once, also when the dialog is then cancelled. Its path
- *          says where Save writes; one that is empty or ends in a backslash is cleared and Save
- *          asks for a name, in that folder. After Save As it is the file chosen, also when that
- *          could not be written. New keeps it, but asks for a name the next time.
+ *   set    edited in place, each edit at once, also when the dialog is then cancelled, unless the
+ *          person takes the edits back, which Cancel offers. Its path says where Save writes; one
+ *          that is empty or ends in a backslash is cleared and Save asks for a name, in that
+ *          folder. After Save As it is the file that was written. New keeps it, but asks for a name
+ *          the next time.
  * Texts of the set are shown from Shift-JIS; on a Chinese system plain GB2312 is shown as such, and
  * a title that is typed there is stored in code page 936. The date is the file's last change:
  * year/month/day, month/day/year in English.

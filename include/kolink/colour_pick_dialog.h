@@ -9,7 +9,7 @@
 
 KOLINK_BEGIN
 
-/* Lets the user choose a CMYK colour in a modal window, in Japanese: typed, or picked in a field
+/* Lets the user choose a CMYK colour in a modal window: typed, or picked in a field
  * of hues, a strip of lightness and a strip of black.
  *   owner  the window that waits for the dialog; may be null
  *   cmyk   the colour to begin with: C in bits 24 to 31, M 16 to 23, Y 8 to 15, K 0 to 7

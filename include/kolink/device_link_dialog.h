@@ -9,14 +9,16 @@
 
 KOLINK_BEGIN
 
-/* A modal editor of link settings, in Japanese, whose Create button makes the CMYK device link
- * with jKoCmykCombineProfile and writes it to outputPath with jKoCmykSaveProfile. A link counts as
+/* A modal editor of link settings, in the user's language, whose Create button makes the CMYK
+ * device link with jKoCmykCombineProfile and writes it with jKoCmykSaveProfile. A link counts as
  * written when it can be read back from its file; otherwise the user is told, and the dialog stays
  * open. One may be open at a time, on the calling thread; it opens where it was closed last.
  *   owner     the window that waits for the dialog; may be null
  *   settings  edited in a copy. An intent or a mode that the dialog does not offer is kept until
- *             another one is chosen. A path that the system's code page cannot name is refused:
- *             its field turns red, and no link is made before it is put right. A limit is shown in
+ *             another one is chosen. A path that the system's code page cannot name, or that is
+ *             too long for its field, is refused: it turns red, and no link is made before it is
+ *             put right. Files are looked at before the work, and what is wrong with one is told;
+ *             outputPath gets ".icc" when it has neither that nor ".icm". A limit is shown in
  *             percent of 255, at most 100, and kept as it is unless that field is edited.
  * Returns 1 when a link was made, settings then holding what it was made with; 0 after Cancel and
  * for null, settings untouched. */

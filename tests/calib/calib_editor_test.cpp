@@ -699,16 +699,48 @@ TEST(CalibEditor, SaveAsDoesNothingWhenCancelled) {
     EXPECT_EQ(editing.editor->fileName(), "a.clb");
 }
 
-TEST(CalibEditor, AFailedSaveIsSilentAndLeavesTheFileAsItWas) {
+TEST(CalibEditor, AFailedSaveIsToldWithItsFileAndAnotherNameIsAskedForAgain) {
     const test::TempFolder folder;
     Editing editing(1);
     Answers answers;
     answers.path = folder.path("missing/a.clb");
     editing.editor->saveAs(answers);
-    EXPECT_EQ(editing.editor->fileName(), "a.clb");
-    editing.editor->save(answers);
-    EXPECT_EQ(answers.saves, 1);
+    EXPECT_EQ(answers.notSavedPath, folder.path("missing/a.clb"));
+    EXPECT_TRUE(answers.reason.has_value());
+    EXPECT_EQ(editing.editor->fileName(), "");
+    EXPECT_FALSE(editing.editor->save(answers));
+    EXPECT_EQ(answers.saves, 2);
     EXPECT_TRUE(std::filesystem::is_empty(folder.folder()));
+}
+
+TEST(CalibEditor, CancellingTakesEveryChangeBackWhenThatIsChosen) {
+    Editing editing(2);
+    Answers answers;
+    editing.editor->leaveX("128");
+    editing.editor->leaveY("200");
+    editing.editor->add();
+    editing.editor->leaveTitle("mine");
+    editing.editor->initialise();
+    answers.unsaved = dialog::Unsaved::stay;
+    EXPECT_FALSE(editing.editor->mayCancel(answers));
+    EXPECT_EQ(editing.editor->title(), "mine");
+    answers.unsaved = dialog::Unsaved::discard;
+    EXPECT_TRUE(editing.editor->mayCancel(answers));
+    EXPECT_EQ(editing.editor->title(), "");
+}
+
+TEST(CalibEditor, InitialisingIsTakenBackLikeAnyOtherStep) {
+    Editing editing(2);
+    editing.editor->leaveX("128");
+    editing.editor->leaveY("200");
+    editing.editor->add();
+    const auto before = editing.editor->capture();
+    editing.editor->initialise();
+    EXPECT_FALSE(editing.editor->capture() == before);
+    EXPECT_TRUE(editing.editor->undo());
+    EXPECT_TRUE(editing.editor->capture() == before);
+    EXPECT_TRUE(editing.editor->redo());
+    EXPECT_FALSE(editing.editor->capture() == before);
 }
 
 TEST(CalibEditor, ANameThatIsTooLongWithItsExtensionChangesNothing) {

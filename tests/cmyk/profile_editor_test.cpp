@@ -87,6 +87,21 @@ TEST(ProfileEditor, SaveAppendsTheExtensionToTheFilesOwnName) {
     EXPECT_TRUE(test::exists(folder.path("table.lut.icc")));
 }
 
+TEST(ProfileEditor, AFileOfTheNameWithTheExtensionIsReplacedOnlyAfterAQuestion) {
+    test::TempFolder folder;
+    const std::string other = folder.path("table.lut.icc");
+    test::writeFile(other, "theirs");
+    Editing editing(folder.path("table.lut"));
+    editing.answers.yes = false;
+    EXPECT_FALSE(editing.editor->save(editing.answers));
+    EXPECT_EQ(editing.answers.replaced, other);
+    EXPECT_EQ(test::readText(other), "theirs");
+    EXPECT_EQ(editing.editor->path(), folder.path("table.lut"));
+    editing.answers.yes = true;
+    EXPECT_TRUE(editing.editor->save(editing.answers));
+    EXPECT_NE(test::readText(other), "theirs");
+}
+
 TEST(ProfileEditor, ASaveIsFollowedByOnesThatDoNotAsk) {
     Editing editing;
     editing.answers.path = editing.folder.path("new");
@@ -106,14 +121,31 @@ TEST(ProfileEditor, APathThatBecomesTooLongIsNotSavedUnder) {
     EXPECT_EQ(editing.answers.saves, 2);  // still without a file
 }
 
-TEST(ProfileEditor, AFailedSaveLeavesTheOldFile) {
+TEST(ProfileEditor, AFailedSaveIsToldAndLeavesTheProfileUnsavedUnderItsOldName) {
     Editing editing;
     // Its own folder stands where the file should: it cannot be created.
     editing.answers.path = editing.folder.path("taken.icc");
     std::filesystem::create_directory(editing.folder.path("taken.icc"));
     editing.editor->saveAs(editing.answers);
     EXPECT_TRUE(std::filesystem::is_directory(editing.folder.path("taken.icc")));
-    EXPECT_EQ(editing.editor->path(), editing.folder.path("taken.icc"));
+    EXPECT_EQ(editing.answers.notSavedPath, editing.folder.path("taken.icc"));
+    EXPECT_TRUE(editing.answers.reason.has_value());
+    EXPECT_EQ(editing.editor->path(), "");
+    EXPECT_FALSE(editing.editor->saveAndClose(editing.answers));
+}
+
+TEST(ProfileEditor, NewIsTakenBackWithItsFile) {
+    Editing editing("file.icc");
+    editing.editor->leaveName("mine");
+    editing.profile->grid[5] = 7;
+    EXPECT_TRUE(editing.editor->startNew(editing.answers));
+    EXPECT_TRUE(editing.editor->undo());
+    EXPECT_EQ(editing.editor->name(), "mine");
+    EXPECT_EQ(editing.editor->path(), "file.icc");
+    EXPECT_EQ(editing.profile->grid[5], 7u);
+    EXPECT_TRUE(editing.editor->undo());  // the name
+    EXPECT_FALSE(editing.editor->isChanged());
+    EXPECT_FALSE(editing.editor->undo());
 }
 
 TEST(ProfileEditor, NewAsksFirst) {

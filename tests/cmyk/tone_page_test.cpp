@@ -39,7 +39,8 @@ struct Editing {
 
     test::OwnedProfile profile{createProfile().release()};
     CurveSet set;
-    TonePage page{*profile, set};
+    dialog::History history;
+    TonePage page{*profile, history, set};
 };
 
 TEST(TonePage, OpensWithAllInksAndPoint0Chosen) {
@@ -140,12 +141,34 @@ TEST(TonePage, TheInputSetIsCurves0To3AndTheOutputSet4To7) {
 TEST(TonePage, TheChoiceOfTheSetOutlivesThePage) {
     Editing editing;
     editing.page.chooseSet(CurveSet::output);
-    EXPECT_EQ(TonePage(*editing.profile, editing.set).curveSet(), CurveSet::output);
+    EXPECT_EQ(TonePage(*editing.profile, editing.history, editing.set).curveSet(), CurveSet::output);
+}
+
+TEST(TonePage, EveryStepOfAHundredCanBeTakenBackAndCarriedOutAgain) {
+    Editing editing;
+    const TonePage::State before = editing.page.capture();
+    for (int step = 0; step < 100; ++step) editing.page.stepLevel(1);
+    const TonePage::State after = editing.page.capture();
+    for (int step = 0; step < 100; ++step) EXPECT_TRUE(editing.history.undo());
+    EXPECT_EQ(editing.page.capture(), before);
+    EXPECT_FALSE(editing.history.isChanged());
+    while (editing.history.redo()) {}
+    EXPECT_EQ(editing.page.capture(), after);
+}
+
+TEST(TonePage, AResetIsTakenBackLikeAnyOtherStep) {
+    Editing editing;
+    editing.page.stepLevel(30);
+    const TonePage::State before = editing.page.capture();
+    editing.page.reset();
+    EXPECT_NE(editing.page.capture(), before);
+    EXPECT_TRUE(editing.history.undo());
+    EXPECT_EQ(editing.page.capture(), before);
 }
 
 TEST(TonePage, AChoiceOnAnotherPageLeavesThisOneAlone) {
     Editing editing;
-    TonePage(*editing.profile, editing.set).chooseSet(CurveSet::output);
+    TonePage(*editing.profile, editing.history, editing.set).chooseSet(CurveSet::output);
     EXPECT_EQ(editing.page.curveSet(), CurveSet::input);
     editing.type(0, 10, "100");
     EXPECT_EQ(editing.profile->curveValues[0][10], 255);

@@ -9,6 +9,7 @@
 
 #include "kolink/calib_dialog.h"
 #include "tests/calib/sets.h"
+#include "tests/dialog/language.h"
 #include "tests/dialog/layout.h"
 #include "tests/dialog/lifetime.h"
 
@@ -40,14 +41,14 @@ const Words& words() {
          L"→"},
         {L"Edit reference points", L"&Relative editing", L"A&dd / Change", L"&Initialize curve", L"&New",
          L"&Save", L"Save &As...", L"OK", L"Cancel"},
-        L"All Channel", L"3 Channel", L"Edit ink - [", L"]", L"Initialize. Sure?",
+        L"All channels", L"3 channels", L"Edit ink - [", L"]", L"Everything is reset. Is that all right?",
         L"Calibration file (*.clb)", L"Channel 1", true};
     static const Words chinese = {
         {L"标题(&T)：", L"输出", L"输入", L"创建日期：", L"用途：", L"通道：", L"通道(&H)：", L"设定值(&V)：",
          L"→"},
         {L"编辑基准点", L"相对编辑(&R)", L"添加／更改(&D)", L"初始化曲线(&I)", L"新建(&N)", L"保存(&S)",
          L"另存为(&A)...", L"确定", L"取消"},
-        L"全通道", L"3 通道", L"编辑 ink - [", L"]", L"要进行初期化吗？", L"校准文件 (*.clb)", L"通道 1",
+        L"全通道", L"3 通道", L"编辑 ink - [", L"]", L"要进行初始化吗？", L"校准文件 (*.clb)", L"通道 1",
         false};
     return language() == "ja" ? japanese : language() == "zh" ? chinese : english;
 }
@@ -55,7 +56,12 @@ const Words& words() {
 int32_t edit(const CalibSet& set, const Drive& drive, HWND owner = nullptr) {
     ::SetCursorPos(0, 0);  // what the pointer says on its own is then outside every graph
     int32_t result = -1;
-    openDialog([&] { result = jKoCalibEditCurveDlg(owner, set.get()); }, drive);
+    openDialog([&] { result = jKoCalibEditCurveDlg(owner, set.get()); },
+               [&](const DialogWindow& dialog) {
+                   drive(dialog);
+                   // Cancel would offer to take the changes back; OK leaves them in the set.
+                   if (dialog.isOpen()) dialog.leave(IDOK);
+               });
     return result;
 }
 
@@ -335,6 +341,20 @@ TEST(CalibDialog, AddStoresTheTypedPairAndChangesItAgain) {
     EXPECT_EQ(tonesOf(set, 1), (Tones{{0, 0}, {100, 60}, {255, 255}}));
 }
 
+TEST(CalibDialog, ANumberOutOfRangeIsSaidWhereItIsLimited) {
+    const CalibSet set = inkSet();
+    edit(set, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_VALUE_X, L"300");
+        EXPECT_EQ(dialog.text(IDC_VALUE_X), L"255");
+        EXPECT_EQ(dialog.text(IDC_STATUS), shown(L"0 ～ 255 に制限しました。"));
+        dialog.enter(IDC_VALUE_X, L"\uff14\uff10");
+        EXPECT_EQ(dialog.text(IDC_VALUE_X), L"40");
+        EXPECT_EQ(dialog.text(IDC_STATUS), L"");
+        dialog.enter(IDC_VALUE_Y, L"much");
+        EXPECT_EQ(dialog.text(IDC_STATUS), shown(L"数値ではありません。"));
+    });
+}
+
 TEST(CalibDialog, InitialisingNeedsNoConfirmation) {
     const CalibSet set = inkSet(2);
     give(set, 1, {{0, 9}, {100, 60}, {255, 9}});
@@ -367,7 +387,7 @@ TEST(CalibDialog, NewAsksFirstAndThenForgetsTheFile) {
         dialog.waitForQuiet();
         EXPECT_EQ(dialog.text(IDC_TITLE), L"");
         EXPECT_EQ(dialog.text(IDC_DATE), L"-");
-        EXPECT_EQ(dialog.caption(), words().captionStart + words().captionEnd);
+        EXPECT_EQ(dialog.caption(), words().captionStart + words().captionEnd + L" *");
         EXPECT_EQ(tonesOf(set, 0), (Tones{{0, 0}, {255, 255}}));
         dialog.press(IDC_SAVE);  // has no file now, so it asks
         dialog.asked().press(IDCANCEL);
@@ -389,7 +409,7 @@ TEST(CalibDialog, SavesTheEditedSetToItsFile) {
         dialog.type(IDC_VALUE_Y, L"60");
         dialog.click(IDC_ADD);
         dialog.click(IDC_SAVE);
-        dialog.click(IDOK);
+        dialog.leave(IDOK);
     });
     EXPECT_EQ(result, 1);
     EXPECT_NE(readText(path), before);
@@ -414,7 +434,7 @@ TEST(CalibDialog, SaveAsTakesTheNameFromTheFileDialogAndAddsTheExtension) {
         dialog.press(IDC_SAVE_AS);
         dialog.asked().chooseFile("BIG.CLB");
         dialog.waitForQuiet();
-        dialog.click(IDOK);
+        dialog.leave(IDOK);
     });
     EXPECT_EQ(result, 1);
     EXPECT_EQ(readText(folder.path("new.clb")), fileOf(set));
@@ -444,25 +464,50 @@ TEST(CalibDialog, AFileThatCannotBeWrittenStaysAsItWas) {
     ASSERT_NE(reader, INVALID_HANDLE_VALUE);
     edit(set, [&](const DialogWindow& dialog) {
         dialog.enter(IDC_TITLE, L"other");
-        dialog.click(IDC_SAVE);
-        dialog.waitForQuiet();  // silent
-        dialog.click(IDOK);
+        dialog.press(IDC_SAVE);
+        const DialogWindow problem = dialog.asked();
+        EXPECT_NE(problem.text(0xffff).find(wide(path)), std::wstring::npos);
+        problem.press(IDCANCEL);
+        dialog.waitForQuiet();
+        dialog.leave(IDOK);
     });
     ::CloseHandle(reader);
     EXPECT_EQ(readText(path), before);
     EXPECT_STREQ(set->title, "other");
 }
 
-TEST(CalibDialog, CancelKeepsTheEditsAndReturns0) {
+TEST(CalibDialog, CancelOffersToTakeTheEditsBack) {
+    for (const int answer : {IDYES, IDNO}) {  // keep them, take them back
+        const CalibSet set = inkSet(1);
+        const int32_t result = edit(set, [&](const DialogWindow& dialog) {
+            dialog.type(IDC_VALUE_X, L"100");
+            dialog.type(IDC_VALUE_Y, L"60");
+            dialog.click(IDC_ADD);
+            dialog.press(IDCANCEL);
+            dialog.asked().press(IDCANCEL);  // back to editing
+            dialog.waitForQuiet();
+            dialog.press(IDCANCEL);
+            dialog.asked().press(answer);
+            EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+        });
+        EXPECT_EQ(result, 0);
+        const Tones kept = {{0, 0}, {100, 60}, {255, 255}}, before = {{0, 0}, {255, 255}};
+        EXPECT_EQ(tonesOf(set, 0), answer == IDYES ? kept : before);
+    }
+}
+
+TEST(CalibDialog, ALetterTypedOnTheGraphInitialisesNothing) {
     const CalibSet set = inkSet(1);
-    const int32_t result = edit(set, [&](const DialogWindow& dialog) {
+    edit(set, [&](const DialogWindow& dialog) {
         dialog.type(IDC_VALUE_X, L"100");
         dialog.type(IDC_VALUE_Y, L"60");
         dialog.click(IDC_ADD);
-        dialog.click(IDCANCEL);
+        dialog.focus(IDC_GRAPH);
+        ::PostMessageW(dialog.item(IDC_GRAPH), WM_CHAR, 'i', 0);
+        ::PostMessageW(dialog.item(IDC_GRAPH), WM_KEYDOWN, VK_RIGHT, 0);
+        EXPECT_TRUE(eventually([&] { return dialog.text(IDC_VALUE_X) == L"255"; }));
+        EXPECT_EQ(tonesOf(set, 0).size(), 3u);
     });
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(tonesOf(set, 0), (Tones{{0, 0}, {100, 60}, {255, 255}}));
 }
 
 TEST(CalibDialog, ReturnSavesAndEscapeCancels) {
@@ -506,7 +551,7 @@ TEST(CalibDialog, OddSetsAreShownAndEditedWithoutHarm) {
                 dialog.click(IDC_ADD);
                 pictureOf(dialog);
             }
-            dialog.click(IDOK);
+            dialog.leave(IDOK);
         });
         EXPECT_EQ(result, 1) << range;
     }
@@ -544,7 +589,7 @@ TEST(CalibDialog, MessagesInAnyOrderDoNoHarm) {
                 }
             }
             ::EnableWindow(dialog.item(IDC_GRAPH), TRUE);
-            dialog.click(IDOK);
+            dialog.leave(IDOK);
         });
         EXPECT_EQ(result, 1) << seed;
         for (int32_t channel = 0; channel < 3; ++channel) {
@@ -659,7 +704,7 @@ TEST(CalibDialogLifetime, TwoHundredOpeningsLeaveNothingBehind) {
             choose(dialog, 2);
             ::RedrawWindow(dialog.handle(), nullptr, nullptr,
                            RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-            dialog.click(IDCANCEL);
+            dialog.leave(IDCANCEL);
         });
     };
     use();  // what is made once
@@ -713,11 +758,11 @@ TEST(CalibDialogLifetime, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFirst
             other.enter(IDC_VALUE_X, L"300");
             EXPECT_EQ(other.text(IDC_VALUE_X), L"100");
             other.click(IDC_ADD);
-            other.click(IDOK);
+            other.leave(IDOK);
             EXPECT_TRUE(eventually([&] { return !other.isOpen(); }));
             EXPECT_EQ(dialog.text(IDC_VALUE_X), L"30");
             dialog.click(IDC_ADD);
-            dialog.click(IDOK);
+            dialog.leave(IDOK);
         },
         owner);
     ::DestroyWindow(owner);

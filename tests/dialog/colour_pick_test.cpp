@@ -8,6 +8,7 @@
 #include <commctrl.h>
 
 #include "tests/dialog/layout.h"
+#include "tests/dialog/language.h"
 #include "tests/dialog/lifetime.h"
 
 using namespace ko::test;
@@ -63,9 +64,9 @@ std::wstring textsOf(const DialogWindow& dialog) {
 
 TEST(ColourPickDialog, OpensWithTheColourGivenInPercent) {
     pick(0x0080ff33, [](const DialogWindow& dialog) {
-        EXPECT_EQ(dialog.caption(), L"ｶﾗｰ選択");
+        EXPECT_EQ(dialog.caption(), shown(L"ｶﾗｰ選択"));
         EXPECT_EQ(textsOf(dialog), L"0 50 100 20 ");
-        EXPECT_EQ(dialog.text(IDC_PICK_SCALE), L"網点 %");
+        EXPECT_EQ(dialog.text(IDC_PICK_SCALE), shown(L"網点 %"));
         for (const int unit : kUnits) EXPECT_EQ(dialog.text(unit), L"%");
         EXPECT_FALSE(dialog.isChecked(IDC_PICK_256));
     });
@@ -110,11 +111,24 @@ TEST(ColourPickDialog, ATypedThreeHundredOf256LevelsIsFullInk) {
 
 TEST(ColourPickDialog, ReturnTakesTheFieldThatIsBeingTyped) {
     const uint32_t result = pick(0, [](const DialogWindow& dialog) {
-        dialog.type(IDC_PICK_Y, L"40");
+        dialog.type(IDC_PICK_Y, L"040");
         ::PostMessageW(dialog.item(IDC_PICK_Y), WM_KEYDOWN, VK_RETURN, 0);
-        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+        EXPECT_TRUE(eventually([&] { return dialog.text(IDC_PICK_Y) == L"40"; }));
+        EXPECT_TRUE(dialog.isOpen());
+        dialog.click(IDOK);
     });
     EXPECT_EQ(result, 0x00006600u);
+}
+
+TEST(ColourPickDialog, ANumberOutOfRangeIsSaidWhereItIsLimited) {
+    pick(0, [](const DialogWindow& dialog) {
+        dialog.enter(IDC_PICK_C, L"130", IDC_PICK_M);
+        EXPECT_EQ(dialog.text(IDC_PICK_C), L"100");
+        EXPECT_EQ(dialog.text(IDC_STATUS), shown(L"0 ～ 100 に制限しました。"));
+        dialog.enter(IDC_PICK_C, L"\uff14\uff10", IDC_PICK_M);  // full-width digits
+        EXPECT_EQ(dialog.text(IDC_PICK_C), L"40");
+        EXPECT_EQ(dialog.text(IDC_STATUS), L"");
+    });
 }
 
 TEST(ColourPickDialog, AnAccessKeyTakesTheFieldThatIsBeingTyped) {
@@ -133,7 +147,7 @@ TEST(ColourPickDialog, TheBoxChangesUnitsFieldsAndSpinRanges) {
         for (const int limit : {255, 100, 255}) {
             dialog.click(IDC_PICK_256);
             EXPECT_EQ(textsOf(dialog), limit == 255 ? L"128 255 0 51 " : L"50 100 0 20 ");
-            EXPECT_EQ(dialog.text(IDC_PICK_SCALE), limit == 255 ? L"ﾋﾟｸｾﾙ値" : L"網点 %");
+            EXPECT_EQ(dialog.text(IDC_PICK_SCALE), limit == 255 ? shown(L"ﾋﾟｸｾﾙ値") : shown(L"網点 %"));
             for (const int unit : kUnits) EXPECT_EQ(dialog.text(unit), limit == 255 ? L"" : L"%");
             for (const int spin : kSpins)
                 EXPECT_EQ(::SendMessageW(dialog.item(spin), UDM_GETRANGE, 0, 0), MAKELRESULT(limit, 0));

@@ -1,4 +1,5 @@
 #include "tests/dialog/device_link.h"
+#include "tests/dialog/language.h"
 
 #include <gtest/gtest.h>
 
@@ -35,13 +36,19 @@ int32_t lookAtLink(CmsLinkSettings settings, const Drive& drive) {
     return editLink(settings, drive);
 }
 
+// Answers questions with Yes on the way; without the reason that follows an empty line.
 std::wstring closeMessage(const DialogWindow& dialog) {
     constexpr int kMessageText = 0xffff;
-    const DialogWindow message = dialog.asked();
-    EXPECT_EQ(message.caption(), L"ﾃﾞﾊﾞｲｽﾘﾝｸ");
+    DialogWindow message = dialog.asked();
+    while (message.item(IDYES)) {
+        message.press(IDYES);
+        if (!eventually([&] { return !message.isOpen(); })) break;
+        message = dialog.asked();
+    }
+    EXPECT_EQ(message.caption(), shown(L"ﾃﾞﾊﾞｲｽﾘﾝｸ"));
     const std::wstring text = message.text(kMessageText);
     message.press(IDOK);
-    return text;
+    return text.substr(0, text.find(L"\n\n"));
 }
 
 std::wstring create(const DialogWindow& dialog) {

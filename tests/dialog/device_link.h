@@ -6,14 +6,16 @@
 
 #include "kolink/device_link_dialog.h"
 #include "tests/dialog/driver.h"
+#include "tests/dialog/language.h"
 
 namespace ko::test {
 
 constexpr char kDebian[] = "Z:\\usr\\share\\color\\icc\\ghostscript\\default_cmyk.icc";
-constexpr wchar_t kNotMade[] = L"ﾌﾟﾛﾌｧｲﾙ作成に失敗しました。\nﾊﾟﾗﾒｰﾀを確かめてください。";
-constexpr wchar_t kNotWritten[] =
-    L"ﾌﾟﾛﾌｧｲﾙ書き込みに失敗しました。\n作成ﾌﾟﾛﾌｧｲﾙﾊﾟｽを確かめてください。";
-constexpr wchar_t kMade[] = L"ﾌﾟﾛﾌｧｲﾙを作成しました。";
+inline const std::wstring kNotMade =
+    shown(L"ﾌﾟﾛﾌｧｲﾙ作成に失敗しました。\nﾊﾟﾗﾒｰﾀを確かめてください。");
+inline const std::wstring kNotWritten =
+    shown(L"ﾌﾟﾛﾌｧｲﾙ書き込みに失敗しました。\n作成ﾌﾟﾛﾌｧｲﾙﾊﾟｽを確かめてください。");
+inline const std::wstring kMade = shown(L"ﾌﾟﾛﾌｧｲﾙを作成しました。");
 
 constexpr int kLinkEdits[] = {IDC_LINK_BASE, IDC_LINK_SOURCE, IDC_LINK_DESTINATION, IDC_LINK_BLACK,
                               IDC_LINK_OUTPUT};

@@ -1,9 +1,12 @@
 // The paths of the device-link dialog: typed, chosen, dropped, in every code page.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 #include "tests/dialog/device_link.h"
+#include "tests/dialog/language.h"
 #include "tests/dialog/layout.h"
 
 #include <shlobj.h>
@@ -30,9 +33,11 @@ std::wstring offered(const DialogWindow& ask) {
 
 TEST(DeviceLinkDialog, EachBrowseButtonOffersItsFilesAndShowsTheChosenOne) {
     const TempFolder folder;
-    const std::wstring icc = L"ICCﾌﾟﾛﾌｧｲﾙ (*.icc, *.icm)\n";
-    const std::wstring kinds[] = {icc + L"LUTﾌｧｲﾙ (*.LUT)\n", icc + L"NQPﾌｧｲﾙ (*.nqp)\n",
-                                  icc + L"DCCﾌｧｲﾙ (*.dcc)\n", L"LUTﾌｧｲﾙ (*.bkc)\n", icc};
+    const std::wstring icc = L"ICCﾌﾟﾛﾌｧｲﾙ (*.icc, *.icm)|*.icc;*.icm|";
+    const std::wstring kinds[] = {
+        shownKinds(icc + L"LUTﾌｧｲﾙ (*.LUT)|*.lut|"), shownKinds(icc + L"NQPﾌｧｲﾙ (*.nqp)|*.nqp|"),
+        shownKinds(icc + L"DCCﾌｧｲﾙ (*.dcc)|*.dcc|"), shownKinds(L"BKCﾌｧｲﾙ (*.bkc)|*.bkc|"),
+        shownKinds(icc)};
     const char* const names[] = {"a.lut", "b.nqp", "c.dcc", "d.bkc", "e.icc"};
     for (const char* const name : names) writeFile(folder.path(name), "content");
     lookAtLink(writingTo(""), [&](const DialogWindow& dialog) {
@@ -137,10 +142,11 @@ TEST(DeviceLinkDialog, ALinkInAFolderNamedInTheSystemsLanguageIsWrittenAndShown)
                        EXPECT_EQ(create(dialog), kMade);
                    }),
               1);
-    EXPECT_EQ(wide(settings.outputPath), output);
-    EXPECT_NE(::GetFileAttributesW(output.c_str()), INVALID_FILE_ATTRIBUTES);
+    const std::wstring written = output + L".icc";
+    EXPECT_EQ(wide(settings.outputPath), written);
+    EXPECT_NE(::GetFileAttributesW(written.c_str()), INVALID_FILE_ATTRIBUTES);
     lookAtLink(settings, [&](const DialogWindow& dialog) {
-        EXPECT_EQ(dialog.text(IDC_LINK_OUTPUT), output);
+        EXPECT_EQ(dialog.text(IDC_LINK_OUTPUT), written);
     });
 }
 
@@ -201,19 +207,49 @@ TEST(DeviceLinkDialog, BlanksAndQuotationMarksAroundAPathGo) {
     });
 }
 
-TEST(DeviceLinkDialog, PathsOf260BytesAreCutAtAWholeCharacter) {
-    lookAtLink(writingTo(""), [](const DialogWindow& dialog) {
-        const wchar_t character = ::GetACP() == 1252 ? L'\xe9' : L'\x4e00';
-        const size_t bytes = ::GetACP() == 1252 ? 1 : 2;
-        for (const int field : kLinkEdits) {
-            const std::wstring text = L"a" + std::wstring(400, character);
-            ::SendMessageW(dialog.item(field), WM_SETTEXT, 0,
-                           reinterpret_cast<LPARAM>(text.c_str()));
-            dialog.focus(field);
-            dialog.focus(IDCANCEL);
-            EXPECT_EQ(dialog.text(field), L"a" + std::wstring(258 / bytes, character));
-        }
-    });
+// Letters in red, also where they are so fine that no pixel is wholly of their colour.
+int countReddish(const Picture& picture) {
+    return static_cast<int>(
+        std::count_if(picture.pixels.begin(), picture.pixels.end(), [](uint32_t pixel) {
+            const int red = pixel >> 16 & 255, green = pixel >> 8 & 255;
+            return red - green > 60;
+        }));
+}
+
+TEST(DeviceLinkDialog, APathOf260BytesIsRefusedInWordsAndNothingIsWrittenElsewhere) {
+    const TempFolder folder;
+    CmsLinkSettings settings = writingTo(folder.path("before.icc"));
+    EXPECT_EQ(editLink(settings,
+                   [&](const DialogWindow& dialog) {
+                       // Half of its characters take two bytes, where the code page has them.
+                       const wchar_t character = ::GetACP() == 1252 ? L'\xe9' : L'\x8868';
+                       const size_t bytes = ::GetACP() == 1252 ? 1 : 2;
+                       const std::wstring start = wide(folder.path("a"));
+                       const auto pathOf = [&](size_t whole) {
+                           return start + std::wstring((whole - start.size()) / bytes, character) +
+                                  std::wstring((whole - start.size()) % bytes, L'b');
+                       };
+                       for (const int field : kLinkEdits) {
+                           dialog.enter(field, pathOf(260), IDCANCEL);
+                           EXPECT_EQ(dialog.text(field), pathOf(260));
+                           EXPECT_EQ(dialog.text(IDC_STATUS),
+                                     shown(L"ﾊﾟｽが259ﾊﾞｲﾄを超えています。"));
+                           EXPECT_GT(countReddish(pictureOf(dialog)), 5);
+                           EXPECT_EQ(create(dialog),
+                                     field == IDC_LINK_OUTPUT ? kNotWritten : kNotMade);
+                           EXPECT_EQ(dialog.focused(), field);
+                           dialog.enter(field, pathOf(259), IDCANCEL);
+                           EXPECT_EQ(dialog.text(field), pathOf(259));
+                           EXPECT_EQ(dialog.text(IDC_STATUS), L"");
+                           EXPECT_EQ(countReddish(pictureOf(dialog)), 0);
+                           dialog.enter(field, L"", IDCANCEL);
+                       }
+                       // Nor one that is too long with its extension.
+                       dialog.enter(IDC_LINK_OUTPUT, pathOf(256), IDCANCEL);
+                       EXPECT_EQ(create(dialog), kNotWritten);
+                       EXPECT_TRUE(std::filesystem::is_empty(folder.folder()));
+                   }),
+              0);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "tests/dialog/device_link.h"
+#include "tests/dialog/language.h"
 #include "tests/dialog/layout.h"
 
 using namespace ko::test;
@@ -41,7 +42,7 @@ TEST(DeviceLinkDialog, ShowsTheRecord) {
     settings.intent = 1;
     settings.preservation = 2;
     lookAtLink(settings, [](const DialogWindow& dialog) {
-        EXPECT_EQ(dialog.caption(), L"ﾃﾞﾊﾞｲｽﾘﾝｸ");
+        EXPECT_EQ(dialog.caption(), shown(L"ﾃﾞﾊﾞｲｽﾘﾝｸ"));
         for (size_t at = 0; at < 5; ++at)
             EXPECT_EQ(dialog.text(kLinkEdits[at]), L"Z:\\folder\\file" + std::to_wstring(at));
         for (int number = 0; number < 3; ++number) {
@@ -50,9 +51,9 @@ TEST(DeviceLinkDialog, ShowsTheRecord) {
             EXPECT_EQ(dialog.isChecked(kWhites[number]), number == 2);
         }
         EXPECT_EQ(dialog.text(IDC_LINK_AMOUNT), L"78");  // 200 of 255
-        EXPECT_EQ(dialog.text(IDOK), L"作成(&C)");
-        EXPECT_EQ(dialog.text(IDCANCEL), L"ｷｬﾝｾﾙ");
-        for (const int browse : kLinkBrowse) EXPECT_EQ(dialog.text(browse), L"参照");
+        EXPECT_EQ(dialog.text(IDOK), shown(L"作成(&C)"));
+        EXPECT_EQ(dialog.text(IDCANCEL), shown(L"ｷｬﾝｾﾙ"));
+        for (const int browse : kLinkBrowse) EXPECT_EQ(dialog.text(browse), shown(L"参照"));
     });
 }
 
@@ -127,6 +128,7 @@ TEST(DeviceLinkDialog, AnAmountTypedAs500IsStoredAs1020AndShownAs400UntilReopene
                    [](const DialogWindow& dialog) {
                        dialog.enter(IDC_LINK_AMOUNT, L"500", IDCANCEL);
                        EXPECT_EQ(dialog.text(IDC_LINK_AMOUNT), L"400");
+                       EXPECT_EQ(dialog.text(IDC_STATUS), shown(L"0 % ～ 400 % に制限しました。"));
                        EXPECT_EQ(create(dialog), kMade);
                    }),
               1);

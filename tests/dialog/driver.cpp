@@ -66,11 +66,11 @@ DWORD threadOf(HWND window) { return ::GetWindowThreadProcessId(window, nullptr)
 }  // namespace
 
 const ToneDialogKind kBkc = {"bkc", jKoToneBkcCurveDlg, 1, 64, ".bkc", L"K補正ﾃｰﾌﾞﾙの編集 - [",
-                             L"BKCﾌｧｲﾙ (*.BKC)", L"ﾄｰﾝｶｰﾌﾞﾌｧｲﾙが見つかりません。\n["};
+                             L"BKCﾌｧｲﾙ (*.BKC)|*.bkc|", L"ﾄｰﾝｶｰﾌﾞﾌｧｲﾙが見つかりません。\n["};
 const ToneDialogKind kTnc = {"tnc", jKoToneCmykToneCurveDlg, 4, 16, ".tnc", L"ﾌｧｲﾙ編集 - [",
-                             L"ﾄｰﾝｶｰﾌﾞﾌｧｲﾙ (*.tnc)", L"ﾄｰﾝｶｰﾌﾞﾌｧｲﾙが見つかりません。\n["};
+                             L"ﾄｰﾝｶｰﾌﾞﾌｧｲﾙ (*.tnc)|*.tnc|", L"ﾄｰﾝｶｰﾌﾞﾌｧｲﾙが見つかりません。\n["};
 const ToneDialogKind kDcc = {"dcc", jKoToneDccDlg, 6, 16, ".dcc", L"DCCﾌｧｲﾙ編集 - [",
-                             L"DCCﾌｧｲﾙ (*.dcc)", L"DCCﾌｧｲﾙが見つかりません。\n["};
+                             L"DCCﾌｧｲﾙ (*.dcc)|*.dcc|", L"DCCﾌｧｲﾙが見つかりません。\n["};
 
 bool eventually(const std::function<bool()>& holds) {
     const ULONGLONG end = ::GetTickCount64() + kPatience;
@@ -106,6 +106,13 @@ void DialogWindow::focus(int id) const {
     send(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(item(id)), TRUE);
 }
 
+HWND DialogWindow::focusedWindow() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    ::GetGUIThreadInfo(threadOf(window_), &info);
+    return info.hwndFocus;
+}
+
 void DialogWindow::type(int id, std::wstring_view text) const {
     focus(id);
     send(item(id), EM_SETSEL, 0, -1);
@@ -129,8 +136,28 @@ void DialogWindow::pressKey(int id, WPARAM key) const {
     ::PostMessageW(item(id), WM_KEYDOWN, key, 0);
 }
 
+void DialogWindow::pressControlAnd(int id, BYTE key) const {
+    focus(id);
+    ::keybd_event(VK_CONTROL, 0, 0, 0);
+    ::keybd_event(key, 0, 0, 0);
+    ::keybd_event(key, 0, KEYEVENTF_KEYUP, 0);
+    ::keybd_event(VK_CONTROL, 0, KEYEVENTF_KEYUP, 0);
+}
+
 void DialogWindow::click(int id) const { send(item(id), BM_CLICK); }
 void DialogWindow::press(int id) const { ::PostMessageW(item(id), BM_CLICK, 0, 0); }
+
+void DialogWindow::leave(int id) const {
+    press(id);
+    HWND question = nullptr;
+    const auto left = [&] {
+        return !isOpen() || (question = dialogOf(threadOf(window_), window_, false)) != nullptr;
+    };
+    if (!eventually(left)) throw std::runtime_error("the dialog stays open");
+    if (!question) return;
+    ::PostMessageW(::GetDlgItem(question, IDNO), BM_CLICK, 0, 0);
+    if (!eventually([&] { return !isOpen(); })) throw std::runtime_error("the dialog stays open");
+}
 
 DialogWindow DialogWindow::asked() const {
     HWND opened = nullptr;
@@ -198,7 +225,8 @@ void openDialog(const std::function<void()>& call,
         }
         if (eventually([&] {
                 const HWND open = closed ? nullptr : dialogOf(thread, nullptr, true);
-                if (open) ::PostMessageW(open, WM_COMMAND, IDCANCEL, 0);
+                const int answer = open && ::GetDlgItem(open, IDNO) ? IDNO : IDCANCEL;
+                if (open) ::PostMessageW(open, WM_COMMAND, static_cast<WPARAM>(answer), 0);
                 return closed.load();
             }))
             return;

@@ -46,12 +46,17 @@ public:
     bool isChecked(int id) const;
 
     void focus(int id) const;
+    HWND focusedWindow() const;  // wherever in its thread
+    int focused() const { return ::GetDlgCtrlID(focusedWindow()); }
     void type(int id, std::wstring_view text) const;  // in place of what the field holds
     void enter(int id, std::wstring_view text, int leaveFor = IDC_GRAPH) const;  // types and leaves
     void key(int id, WPARAM key) const;                // handled by the control itself
     void pressKey(int id, WPARAM key) const;           // queued, as from the keyboard
+    void pressControlAnd(int id, BYTE key) const;      // on the keyboard itself
     void click(int id) const;                          // waits until it is handled
     void press(int id) const;  // does not wait: what it opens holds the thread
+    // OK or Cancel; what no file holds is discarded when that is asked.
+    void leave(int id) const;
     DialogWindow asked() const;  // the window that this one has opened
     void waitForQuiet() const;   // until no window of its own is open and all is handled
 

@@ -3,7 +3,9 @@
 
 #include "kolink.h"
 #include "tests/calib/sets.h"
+#include "tests/dialog/device_link.h"
 #include "tests/dialog/host.h"
+#include "tests/dialog/language.h"
 #include "tests/dialog/layout.h"
 #include "tests/dialog/profile.h"
 
@@ -46,7 +48,7 @@ TEST(Host, EditsToneFiles) {
         const std::string path =
             freshFile(editing.kind, folder, std::string("curve") + editing.kind.extension);
         const DialogWindow dialog = host.open(editing.open, path);
-        EXPECT_EQ(dialog.caption(), editing.kind.caption + wide(path) + L"]");
+        EXPECT_EQ(dialog.caption(), shown(editing.kind.caption) + wide(path) + L"]");
         dialog.press(IDOK);
         host.waitUntilClosed();
         EXPECT_EQ(host.lastCall(), result(editing.function, 1, path));
@@ -135,7 +137,7 @@ TEST(Host, ConvertsThroughTheLinkThatWasMade) {
     const DialogWindow dialog = host.open(IDM_LINK);
     dialog.enter(IDC_LINK_OUTPUT, wide(path), IDC_LINK_BASE);
     dialog.press(IDOK);
-    dialog.asked().press(IDOK);
+    EXPECT_EQ(closeMessage(dialog), kMade);
     host.waitUntilClosed();
     EXPECT_EQ(host.lastCall(), result(L"jCmsDeviceLinkDlg", 1, path));
     EXPECT_THAT(host.window().text(IDC_SETTINGS), HasSubstr(L"output: " + wide(path)));
@@ -154,7 +156,7 @@ TEST(Host, ForgetsTheSettingsOfALink) {
     const DialogWindow dialog = host.open(IDM_LINK);
     dialog.enter(IDC_LINK_OUTPUT, wide(folder.path("link.icc")), IDC_LINK_BASE);
     dialog.press(IDOK);
-    dialog.asked().press(IDOK);
+    EXPECT_EQ(closeMessage(dialog), kMade);
     host.waitUntilClosed();
     EXPECT_NE(host.window().text(IDC_SETTINGS), fresh);
     host.order(IDM_LINK_RESET);

@@ -33,7 +33,5 @@ Picture pictureOf(const DialogWindow& dialog);
 void keepPicture(const Picture& picture, const std::string& name);
 // "ja", "en" or "zh", as the dialogs with several languages choose it.
 std::string language();
-// What every dialog asks, in that language, before it starts again.
-std::wstring resetQuestion();
 
 }  // namespace ko::test

@@ -12,7 +12,7 @@ void useAndClose(const ToneDialogKind& kind) {
         dialog.drag(dialog.point(0, kind.last, 0), dialog.point(0, kind.last, 100));
         ::RedrawWindow(dialog.handle(), nullptr, nullptr,
                        RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-        dialog.click(IDCANCEL);
+        dialog.leave(IDCANCEL);
     });
 }
 
@@ -76,11 +76,11 @@ TEST(DialogLifetime, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFirst) {
                 EXPECT_EQ(other.text(IDC_PERCENT_K), L"0");
                 other.enter(IDC_PERCENT_K, L"60");
                 other.click(IDC_SAVE);
-                other.click(IDOK);
+                other.leave(IDOK);
                 EXPECT_TRUE(eventually([&] { return !other.isOpen(); }));
                 EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"30");
                 dialog.click(IDC_SAVE);
-                dialog.click(IDOK);
+                dialog.leave(IDOK);
             },
             owner);
         ::DestroyWindow(owner);

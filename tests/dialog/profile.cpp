@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "resources/dialog_ids.h"
+#include "tests/dialog/language.h"
 
 namespace ko::test {
 
@@ -50,6 +51,8 @@ DialogWindow pageOf(const DialogWindow& dialog) {
     throw std::runtime_error("no page is shown");
 }
 
-std::wstring profileCaption(const std::string& path) { return L"ﾌﾟﾛﾌｧｲﾙ編集 - [" + wide(path) + L"]"; }
+std::wstring profileCaption(const std::string& path) {
+    return shown(L"ﾌﾟﾛﾌｧｲﾙ編集 - [") + wide(path) + L"]";
+}
 
 }  // namespace ko::test

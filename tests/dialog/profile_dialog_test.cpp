@@ -1,5 +1,6 @@
 // The CMYK profile dialog in its real window: files, texts and the frame around its pages.
 #include "tests/dialog/profile.h"
+#include "tests/dialog/language.h"
 
 #include <gtest/gtest.h>
 
@@ -43,7 +44,7 @@ TEST(ProfileDialog, OpensOnANewProfileWithItsTwoTabs) {
         EXPECT_EQ(dialog.text(IDC_TITLE), L"無題");
         EXPECT_EQ(dialog.text(IDC_COMMENT), L"");
         EXPECT_EQ(::SendMessageW(dialog.item(IDC_PAGES), TCM_GETITEMCOUNT, 0, 0), 2);
-        const wchar_t* const titles[] = {L"ﾄｰﾝｶｰﾌﾞ", L"ｶﾗｰｺﾚｸｼｮﾝ"};
+        const std::wstring titles[] = {shown(L"ﾄｰﾝｶｰﾌﾞ"), shown(L"ｶﾗｰｺﾚｸｼｮﾝ")};
         for (int tab = 0; tab < 2; ++tab) {
             wchar_t text[40] = {};
             TCITEMW item{};
@@ -52,7 +53,7 @@ TEST(ProfileDialog, OpensOnANewProfileWithItsTwoTabs) {
             item.cchTextMax = 40;
             ::SendMessageW(dialog.item(IDC_PAGES), TCM_GETITEMW, static_cast<WPARAM>(tab),
                            reinterpret_cast<LPARAM>(&item));
-            EXPECT_STREQ(item.pszText, titles[tab]);
+            EXPECT_EQ(std::wstring(item.pszText), titles[tab]);
         }
         EXPECT_NE(pageOf(dialog).item(IDC_GRAPH), nullptr);
     });
@@ -78,8 +79,8 @@ TEST(ProfileDialog, AMissingFileIsToldAndNoDialogShown) {
     const TempFolder folder;
     const std::string path = folder.path("missing.icc");
     const Outcome outcome = edit(path, [](const DialogWindow& message) {
-        EXPECT_EQ(message.caption(), L"ﾌﾟﾛﾌｧｲﾙｴﾗｰ");
-        EXPECT_EQ(message.text(kMessageText), L"ﾌﾟﾛﾌｧｲﾙが見つかりません。");
+        EXPECT_EQ(message.caption(), shown(L"ﾌﾟﾛﾌｧｲﾙｴﾗｰ"));
+        EXPECT_EQ(message.text(kMessageText), shown(L"ﾌﾟﾛﾌｧｲﾙが見つかりません。"));
         EXPECT_EQ(message.item(IDC_PAGES), nullptr);
         ::SendMessageW(message.handle(), WM_CLOSE, 0, 0);
     });
@@ -139,8 +140,8 @@ TEST(ProfileDialog, NewAsksFirstAndThenForgetsTheFile) {
         for (int step = 0; step < 32; ++step) page.key(IDC_GRAPH, VK_RIGHT);
         dialog.press(IDC_NEW);
         const DialogWindow question = dialog.asked();
-        EXPECT_EQ(question.caption(), L"ﾌﾟﾛﾌｧｲﾙ");
-        EXPECT_EQ(question.text(kMessageText), resetQuestion());
+        EXPECT_EQ(question.caption(), shown(L"ﾌﾟﾛﾌｧｲﾙ"));
+        EXPECT_EQ(question.text(kMessageText), shown(L"初期化します。いいですか？"));
         question.press(IDNO);
         dialog.waitForQuiet();
         EXPECT_EQ(dialog.text(IDC_TITLE), L"press");
@@ -148,7 +149,7 @@ TEST(ProfileDialog, NewAsksFirstAndThenForgetsTheFile) {
         dialog.press(IDC_NEW);
         dialog.asked().press(IDYES);
         dialog.waitForQuiet();
-        EXPECT_EQ(dialog.caption(), profileCaption(""));
+        EXPECT_EQ(dialog.caption(), profileCaption("") + L" *");
         EXPECT_EQ(dialog.text(IDC_TITLE), L"無題");
         EXPECT_EQ(dialog.text(IDC_COMMENT), L"");
         EXPECT_EQ(page.text(IDC_PERCENT_C), L"50");
@@ -184,7 +185,7 @@ TEST(ProfileDialog, SaveWithoutAFileStartsFromTheRootFolder) {
         dialog.press(IDC_SAVE);
         const DialogWindow ask = dialog.asked();
         EXPECT_LE(folderShown(ask).size(), 3u) << "not a root";
-        EXPECT_EQ(ask.text(0x470), L"ICCﾌﾟﾛﾌｧｲﾙ (*.ICC)");
+        EXPECT_EQ(ask.text(0x470) + L"\n", shownKinds(L"ICCﾌﾟﾛﾌｧｲﾙ (*.ICC)|*.icc|"));
         answerWith(dialog, folder.path("chosen.ICC"));
         EXPECT_EQ(dialog.caption(), profileCaption(folder.path("chosen.ICC")));
     });
@@ -210,21 +211,22 @@ TEST(ProfileDialog, OkSavesAndReturns1) {
     writeLink(path);
     const Outcome outcome = edit(path, [](const DialogWindow& dialog) {
         dialog.type(IDC_TITLE, L"typed");  // the field keeps the focus
-        dialog.click(IDOK);
+        dialog.leave(IDOK);
     });
     EXPECT_EQ(outcome.result, 1);
     EXPECT_EQ(outcome.path, path);
     EXPECT_STREQ(loadedLink(path)->name, "typed");
 }
 
-TEST(ProfileDialog, OkWithoutAFileAsksForOneAndClosesAllTheSame) {
+TEST(ProfileDialog, OkWithoutAFileAsksForOneAndStaysOpenWithoutIt) {
     const TempFolder folder;
     Outcome outcome = edit("", [&](const DialogWindow& dialog) {
         dialog.press(IDOK);
         dialog.asked().press(IDCANCEL);
-        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+        dialog.waitForQuiet();
+        EXPECT_TRUE(dialog.isOpen());
     });
-    EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(outcome.result, 0);
     EXPECT_EQ(outcome.path, "");
     outcome = edit("", [&](const DialogWindow& dialog) {
         dialog.press(IDOK);
@@ -243,7 +245,7 @@ TEST(ProfileDialog, CancelLeavesTheFileAsItWas) {
     const Bytes before = readFile(path);
     const Outcome outcome = edit(path, [](const DialogWindow& dialog) {
         dialog.enter(IDC_TITLE, L"other", IDOK);
-        dialog.click(IDCANCEL);
+        dialog.leave(IDCANCEL);
     });
     EXPECT_EQ(outcome.result, 0);
     EXPECT_EQ(outcome.path, path);
@@ -255,7 +257,7 @@ TEST(ProfileDialog, CancelAfterASaveReportsTheFile) {
     const Outcome outcome = edit("", [&](const DialogWindow& dialog) {
         dialog.press(IDC_SAVE_AS);
         answerWith(dialog, folder.path("kept.icc"));
-        dialog.click(IDCANCEL);
+        dialog.leave(IDCANCEL);
     });
     EXPECT_EQ(outcome.result, 0);
     EXPECT_EQ(outcome.path, folder.path("kept.icc"));
@@ -272,13 +274,17 @@ TEST(ProfileDialog, AFileThatCannotBeWrittenStaysAsItWas) {
                                0, nullptr);
         ASSERT_NE(reader, INVALID_HANDLE_VALUE);
         dialog.enter(IDC_TITLE, L"other", IDOK);
-        dialog.click(IDC_SAVE);
-        dialog.waitForQuiet();  // silent
+        dialog.press(IDC_SAVE);
+        const DialogWindow problem = dialog.asked();
+        EXPECT_NE(problem.text(kMessageText).find(wide(path)), std::wstring::npos);
+        EXPECT_EQ(problem.item(IDNO), nullptr);  // nothing is closing: nothing to discard
+        problem.press(IDCANCEL);
+        dialog.waitForQuiet();
         EXPECT_EQ(dialog.text(IDC_TITLE), L"other");
-        dialog.click(IDOK);
+        dialog.leave(IDCANCEL);
     });
     ::CloseHandle(reader);
-    EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(outcome.result, 0);
     EXPECT_EQ(readFile(path), before);
 }
 
@@ -291,7 +297,7 @@ TEST(ProfileDialog, ReopensWhereItWasClosed) {
     for (const POINT corner : {POINT{31, 47}, POINT{60, 20}}) {
         edit("", [&](const DialogWindow& dialog) {
             ::SetWindowPos(dialog.handle(), nullptr, corner.x, corner.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-            dialog.click(IDCANCEL);
+            dialog.leave(IDCANCEL);
         });
         edit("", [&](const DialogWindow& dialog) {
             EXPECT_EQ(place(dialog).left, corner.x);
@@ -300,19 +306,79 @@ TEST(ProfileDialog, ReopensWhereItWasClosed) {
     }
 }
 
-TEST(ProfileDialog, ReturnPressesOkAndEscapeCancels) {
+TEST(ProfileDialog, ReturnInAFieldTakesItOverAndLeavesTheFileAlone) {
     const TempFolder folder;
     const std::string path = folder.path("press.icc");
     writeLink(path);
-    for (const auto& [key, result] : {std::pair{VK_ESCAPE, 0}, {VK_RETURN, 1}}) {
-        const Outcome outcome = edit(path, [&](const DialogWindow& dialog) {
-            dialog.type(IDC_TITLE, L"by key");
-            ::PostMessageW(dialog.item(IDC_TITLE), WM_KEYDOWN, static_cast<WPARAM>(key), 0);
-            EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
-        });
-        EXPECT_EQ(outcome.result, result);
-        EXPECT_STREQ(loadedLink(path)->name, result ? "by key" : "press");
-    }
+    edit(path, [&](const DialogWindow& dialog) {
+        dialog.type(IDC_TITLE, L" by key ");
+        dialog.pressKey(IDC_TITLE, VK_RETURN);
+        EXPECT_TRUE(eventually([&] { return dialog.text(IDC_TITLE) == L"by key"; }));
+        EXPECT_TRUE(dialog.isOpen());
+    });
+    EXPECT_STREQ(loadedLink(path)->name, "press");
+}
+
+TEST(ProfileDialog, EscapeOverChangesAsksAndStaysWhenThatIsChosen) {
+    const TempFolder folder;
+    const std::string path = folder.path("press.icc");
+    writeLink(path);
+    const Outcome outcome = edit(path, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_TITLE, L"mine", IDOK);
+        EXPECT_TRUE(dialog.caption().ends_with(L" *"));
+        dialog.pressKey(IDC_TITLE, VK_ESCAPE);
+        dialog.asked().press(IDCANCEL);
+        dialog.waitForQuiet();
+        EXPECT_EQ(dialog.text(IDC_TITLE), L"mine");
+        dialog.pressKey(IDC_TITLE, VK_ESCAPE);
+        dialog.asked().press(IDYES);  // saves
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_STREQ(loadedLink(path)->name, "mine");
+}
+
+// A press profile would be overwritten by a link that prints nothing.
+TEST(ProfileDialog, APressProfileIsRefusedAndStaysAsItIs) {
+    const TempFolder folder;
+    const std::string path = folder.path("press.icc");
+    const std::string content = readText(testData("CGATS001Compat-v2-micro.icc"));
+    writeFile(path, content);
+    const Outcome outcome = edit(path, [&](const DialogWindow& message) {
+        const std::wstring text = message.text(kMessageText);
+        EXPECT_NE(text.find(wide(path)), text.npos);
+        EXPECT_NE(text.find(L"CMYK"), text.npos);
+        EXPECT_NE(text.find(L"Lab"), text.npos);
+        EXPECT_EQ(message.item(IDC_PAGES), nullptr);
+        ::SendMessageW(message.handle(), WM_CLOSE, 0, 0);
+    });
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(readText(path), content);
+}
+
+TEST(ProfileDialog, OkDoesNotCloseOverAProfileThatCannotBeSaved) {
+    const TempFolder folder;
+    const std::string path = folder.path("press.icc");
+    writeLink(path);
+    const Outcome outcome = edit(path, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_TITLE, L"mine", IDOK);
+        const HANDLE other = ::CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                           0, nullptr);
+        ASSERT_NE(other, INVALID_HANDLE_VALUE);
+        dialog.press(IDOK);
+        const DialogWindow problem = dialog.asked();
+        EXPECT_NE(problem.text(kMessageText).find(wide(path)), std::wstring::npos);
+        problem.press(IDCANCEL);
+        dialog.waitForQuiet();
+        EXPECT_TRUE(dialog.isOpen());
+        dialog.press(IDOK);
+        const DialogWindow again = dialog.asked();
+        ::CloseHandle(other);
+        again.press(IDRETRY);
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    EXPECT_EQ(outcome.result, 1);
+    EXPECT_STREQ(loadedLink(path)->name, "mine");
 }
 
 TEST(ProfileDialog, ReturnInTheCommentBeginsALine) {
@@ -409,10 +475,10 @@ TEST(ProfileDialogLifetime, ASecondOpeningFromTheMessageLoopDoesNotDisturbTheFir
         const DialogWindow other(second);
         EXPECT_EQ(pageOf(other).text(IDC_PERCENT_K), L"0");
         pageOf(other).enter(IDC_PERCENT_K, L"60");
-        other.click(IDOK);
+        other.leave(IDOK);
         EXPECT_TRUE(eventually([&] { return !other.isOpen(); }));
         EXPECT_EQ(pageOf(dialog).text(IDC_PERCENT_K), L"30");
-        dialog.click(IDOK);
+        dialog.leave(IDOK);
     }, owner);
     ::DestroyWindow(owner);
     EXPECT_EQ(outcome.result, 1);
@@ -464,7 +530,7 @@ TEST(ProfileDialogLifetime, TwoHundredOpeningsLeaveNothingBehind) {
             ::RedrawWindow(dialog.handle(), nullptr, nullptr,
                            RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
             choosePage(dialog, kCorrectionPage);
-            dialog.click(IDCANCEL);
+            dialog.leave(IDCANCEL);
         });
     };
     useAndClose();  // what is made once

@@ -17,7 +17,7 @@ using Texts = std::vector<std::wstring>;
 
 namespace {
 
-// What a language shows. Chinese and English have no words of their own for the intents.
+// What a language shows.
 struct Words {
     const wchar_t *caption, *notSet, *intentLabel, *cancel;
     Texts intents;
@@ -26,9 +26,11 @@ Words words() {
     if (language() == "ja")
         return {L"ﾌﾟﾛﾌｧｲﾙ設定", L"未設定", L"ｲﾝﾃﾝﾄ(&I)：", L"ｷｬﾝｾﾙ",
                 {L"視覚的", L"相対的色彩", L"彩度", L"絶対的色彩"}};
-    const Texts intents = {L"Perceptual", L"Relative", L"Saturation", L"Absolute"};
-    if (language() == "zh") return {L"配置文件设置", L"无", L"意图(&I)：", L"取消", intents};
-    return {L"Profile setting", L"None", L"&Intent:", L"Cancel", intents};
+    if (language() == "zh")
+        return {L"配置文件设置", L"无", L"意图(&I)：", L"取消",
+                {L"可感知", L"相对比色", L"饱和度", L"绝对比色"}};
+    return {L"Profile setting", L"None", L"&Intent:", L"Cancel",
+            {L"Perceptual", L"Relative", L"Saturation", L"Absolute"}};
 }
 
 std::filesystem::path loadedLibrary() {

@@ -5,7 +5,7 @@
 
 #include "resources/dialog_ids.h"
 #include "tests/dialog/driver.h"
-#include "tests/dialog/layout.h"
+#include "tests/dialog/language.h"
 
 using namespace ko::test;
 
@@ -14,7 +14,7 @@ namespace {
 constexpr int kMessageText = 0xffff;
 
 std::wstring captionWith(const ToneDialogKind& kind, const std::string& path) {
-    return kind.caption + wide(path) + L"]";
+    return shown(kind.caption) + wide(path) + L"]";
 }
 
 // Answers the file dialog that a button has opened.
@@ -49,7 +49,7 @@ TEST_P(ToneDialogs, AFolderOpensAnIdentityCurveAndSaveThenAsksForANameInThatFold
         dialog.press(IDC_SAVE);
         answerWith(dialog, "new");
         EXPECT_EQ(dialog.caption(), captionWith(kind(), file("new")));
-        dialog.click(IDOK);
+        dialog.leave(IDOK);
     });
     EXPECT_EQ(outcome.result, 1);
     EXPECT_EQ(outcome.path, file("new"));
@@ -64,7 +64,7 @@ TEST_P(ToneDialogs, Typing50InAPercentageFieldStores128) {
         EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
         EXPECT_EQ(dialog.text(IDC_INPUT_K), kind().last == 64 ? L"5 %" : L"19 %");
         dialog.click(IDC_SAVE);
-        dialog.click(IDOK);
+        dialog.leave(IDOK);
     });
     EXPECT_EQ(outcome.result, 1);
     EXPECT_EQ(outcome.path, path);
@@ -129,7 +129,7 @@ TEST_P(ToneDialogs, CancelAfterASaveReturns0ButThePathOfTheSavedFile) {
     const Outcome outcome = open("", [&](const DialogWindow& dialog) {
         dialog.press(IDC_SAVE_AS);
         answerWith(dialog, file("kept"));
-        dialog.click(IDCANCEL);
+        dialog.leave(IDCANCEL);
     });
     EXPECT_EQ(outcome.result, 0);
     EXPECT_EQ(outcome.path, file("kept"));
@@ -161,8 +161,8 @@ TEST_P(ToneDialogs, ADragMovesThePointAndMarksIt) {
 TEST_P(ToneDialogs, AMissingFileIsToldAndNoDialogShown) {
     const std::string path = file("missing");
     const Outcome outcome = open(path, [&](const DialogWindow& message) {
-        EXPECT_EQ(message.caption(), L"ﾌﾟﾛﾌｧｲﾙｴﾗｰ");
-        EXPECT_EQ(message.text(kMessageText), kind().missingFile + wide(path) + L"]");
+        EXPECT_EQ(message.caption(), shown(L"ﾌﾟﾛﾌｧｲﾙｴﾗｰ"));
+        EXPECT_EQ(message.text(kMessageText), shown(kind().missingFile) + wide(path) + L"]");
         EXPECT_EQ(message.item(IDC_GRAPH), nullptr);
         EXPECT_NE(message.item(IDOK) ? message.item(IDOK) : message.item(IDCANCEL), nullptr);
         ::SendMessageW(message.handle(), WM_CLOSE, 0, 0);
@@ -178,22 +178,22 @@ TEST_P(ToneDialogs, NewAsksFirstAndThenForgetsTheFile) {
         dialog.enter(IDC_PERCENT_K, L"50");
         dialog.press(IDC_NEW);
         const DialogWindow question = dialog.asked();
-        EXPECT_EQ(question.caption(), L"ﾌﾟﾛﾌｧｲﾙ");
-        EXPECT_EQ(question.text(kMessageText), resetQuestion());
+        EXPECT_EQ(question.caption(), shown(L"ﾌﾟﾛﾌｧｲﾙ"));
+        EXPECT_EQ(question.text(kMessageText), shown(L"初期化します。いいですか？"));
         question.press(IDNO);
         dialog.waitForQuiet();
         EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
-        EXPECT_EQ(dialog.caption(), captionWith(kind(), path));
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), path) + L" *");
         dialog.press(IDC_NEW);
         dialog.asked().press(IDYES);
         dialog.waitForQuiet();
         EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"0");
         EXPECT_EQ(dialog.text(IDC_TITLE), L"無題");
-        EXPECT_EQ(dialog.caption(), captionWith(kind(), ""));
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), "") + L" *");
         dialog.press(IDC_SAVE);  // has no file now, so it asks
         dialog.asked().press(IDCANCEL);
         dialog.waitForQuiet();
-        dialog.click(IDOK);
+        dialog.leave(IDOK);
     });
     EXPECT_EQ(outcome.result, 1);
     EXPECT_EQ(outcome.path, "");
@@ -215,7 +215,7 @@ TEST_P(ToneDialogs, AFileThatIsNotReplacedKeepsItsContent) {
     EXPECT_EQ(readText(path), "theirs");
 }
 
-TEST_P(ToneDialogs, AFileThatCannotBeWrittenStaysAsItWas) {
+TEST_P(ToneDialogs, AFileThatCannotBeWrittenStaysAsItWasAndTheWorkIsKept) {
     const std::string path = fresh("curve");
     const std::string before = readText(path);
     const HANDLE reader = ::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
@@ -223,14 +223,90 @@ TEST_P(ToneDialogs, AFileThatCannotBeWrittenStaysAsItWas) {
     ASSERT_NE(reader, INVALID_HANDLE_VALUE);
     const Outcome outcome = open(path, [&](const DialogWindow& dialog) {
         dialog.enter(IDC_PERCENT_K, L"50");
-        dialog.click(IDC_SAVE);
-        dialog.waitForQuiet();  // silent
+        dialog.press(IDC_SAVE);
+        const DialogWindow problem = dialog.asked();
+        EXPECT_NE(problem.text(kMessageText).find(wide(path)), std::wstring::npos);
+        problem.press(IDC_SAVE_AS);
+        EXPECT_TRUE(eventually([&] { return !problem.isOpen(); }));
+        answerWith(dialog, file("other"));
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), file("other")));
         EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
-        dialog.click(IDOK);
+        dialog.leave(IDOK);
     });
     ::CloseHandle(reader);
     EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(outcome.path, file("other"));
     EXPECT_EQ(readText(path), before);
+    EXPECT_EQ(loaded(kind(), file("other")).value(kind().channels == 1 ? 0 : 3, 0), 128);
+}
+
+TEST_P(ToneDialogs, ClosingOverChangesAsksWhetherToSaveThem) {
+    const std::string path = fresh("curve");
+    const Outcome outcome = open(path, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_PERCENT_K, L"50");
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), path) + L" *");
+        for (const int button : {IDOK, IDCANCEL}) {
+            dialog.press(button);
+            dialog.asked().press(IDCANCEL);  // back to editing
+            dialog.waitForQuiet();
+            EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
+        }
+        ::PostMessageW(dialog.handle(), WM_CLOSE, 0, 0);
+        dialog.asked().press(IDYES);
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(loaded(kind(), path).value(kind().channels == 1 ? 0 : 3, 0), 128);
+}
+
+TEST_P(ToneDialogs, AProfileIsNoCurveFile) {
+    const std::string path = file("profile");
+    const std::string content = readText(testData("CGATS001Compat-v2-micro.icc"));
+    writeFile(path, content);
+    const Outcome outcome = open(path, [&](const DialogWindow& message) {
+        EXPECT_EQ(message.item(IDC_GRAPH), nullptr);
+        EXPECT_NE(message.text(kMessageText).find(wide(path)), std::wstring::npos);
+        ::SendMessageW(message.handle(), WM_CLOSE, 0, 0);
+    });
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(readText(path), content);
+}
+
+TEST_P(ToneDialogs, FullWidthDigitsAreDigitsAndACommaIsADecimalMark) {
+    open(fresh("curve"), [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_PERCENT_K, L"\uff15\uff10");
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
+        dialog.enter(IDC_PERCENT_K, L"12,8");
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"13");
+        EXPECT_EQ(dialog.text(IDC_STATUS), L"");
+        dialog.enter(IDC_PERCENT_K, L"130");
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"100");
+        EXPECT_EQ(dialog.text(IDC_STATUS), shown(L"0 % ～ 100 % に制限しました。"));
+    });
+}
+
+TEST_P(ToneDialogs, CtrlZTakesTheResetBackAndCtrlYCarriesItOutAgain) {
+    open(fresh("curve"), [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_PERCENT_K, L"50");
+        dialog.click(IDC_RESET);
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"0");
+        dialog.pressControlAnd(IDC_GRAPH, 'Z');
+        EXPECT_TRUE(eventually([&] { return dialog.text(IDC_PERCENT_K) == L"50"; }));
+        dialog.pressControlAnd(IDC_GRAPH, 'Y');
+        EXPECT_TRUE(eventually([&] { return dialog.text(IDC_PERCENT_K) == L"0"; }));
+    });
+}
+
+TEST_P(ToneDialogs, ALetterTypedOnTheGraphIsNoAccessKey) {
+    open(fresh("curve"), [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_PERCENT_K, L"50");
+        dialog.focus(IDC_GRAPH);
+        ::PostMessageW(dialog.item(IDC_GRAPH), WM_CHAR, 'r', 0);  // of the button that resets
+        ::PostMessageW(dialog.item(IDC_GRAPH), WM_KEYDOWN, VK_RIGHT, 0);
+        EXPECT_TRUE(eventually([&] { return dialog.text(IDC_INPUT_K) != L"0 %"; }));
+        dialog.key(IDC_GRAPH, VK_LEFT);
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
+    });
 }
 
 TEST_P(ToneDialogs, AnExtensionInCapitalsIsNotAddedAgain) {
@@ -254,16 +330,28 @@ TEST_P(ToneDialogs, ResetKeepsTitleAndPath) {
         dialog.enter(IDC_PERCENT_K, L"90");
         dialog.click(IDC_RESET);
         EXPECT_EQ(dialog.text(IDC_TITLE), L"press 3");
-        EXPECT_EQ(dialog.caption(), captionWith(kind(), path));
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), path) + L" *");
         EXPECT_EQ(dialog.text(IDC_PERCENT_K), kind().last == 64 ? L"3" : L"13");
         dialog.click(IDC_SAVE);
     });
     EXPECT_EQ(loaded(kind(), path).table, loaded(kind(), fresh("expected")).table);
 }
 
-TEST_P(ToneDialogs, ReturnPressesOk) {
-    const Outcome outcome = open(fresh("curve"), [&](const DialogWindow& dialog) {
+TEST_P(ToneDialogs, ReturnInAFieldTakesItOverAndNeverClosesTheDialog) {
+    open(fresh("curve"), [&](const DialogWindow& dialog) {
         dialog.pressKey(IDC_GRAPH, VK_RETURN);
+        dialog.pressKey(IDC_GRAPH, VK_RIGHT);
+        EXPECT_TRUE(eventually([&] { return dialog.text(IDC_INPUT_K) != L"0 %"; }));
+        dialog.type(IDC_PERCENT_K, L"050");
+        dialog.pressKey(IDC_PERCENT_K, VK_RETURN);
+        EXPECT_TRUE(eventually([&] { return dialog.text(IDC_PERCENT_K) == L"50"; }));
+        EXPECT_TRUE(dialog.isOpen());
+    });
+}
+
+TEST_P(ToneDialogs, ReturnOnTheButtonPressesOk) {
+    const Outcome outcome = open(fresh("curve"), [&](const DialogWindow& dialog) {
+        dialog.pressKey(IDOK, VK_RETURN);
         EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
     });
     EXPECT_EQ(outcome.result, 1);

@@ -3,6 +3,7 @@
 
 #include "resources/dialog_ids.h"
 #include "tests/dialog/driver.h"
+#include "tests/dialog/language.h"
 
 using namespace ko::test;
 
@@ -192,10 +193,10 @@ TEST(ToneDialogDifferences, TheFileDialogOffersTheKindOfFile) {
     inEach([](const ToneDialogKind& kind, const DialogWindow& dialog) {
         dialog.press(IDC_SAVE_AS);
         const DialogWindow ask = dialog.asked();
-        EXPECT_EQ(ask.text(kFilterBox), kind.filter);
+        EXPECT_EQ(ask.text(kFilterBox) + L"\n", shownKinds(kind.filter));
         ask.press(IDCANCEL);
         dialog.waitForQuiet();
-        EXPECT_EQ(dialog.caption(), kind.caption + std::wstring(L"]"));
+        EXPECT_EQ(dialog.caption(), shown(kind.caption) + L"]");
     });
 }
 

@@ -1,4 +1,5 @@
 #include "frame/language.h"
+#include "frame/settings.h"
 
 #include <gtest/gtest.h>
 
@@ -34,17 +35,17 @@ struct Entry {
 constexpr Entry kEntries[] = {
     {"KOSELECTDLG", "KOSELECTDLG_ENG", "KOSELECTDLG_CHN"},
     {kNotSet, "None", "\xce\xde"},
-    {kPerceptual, "Perceptual", "Perceptual"},
-    {kRelative, "Relative", "Relative"},
-    {kSaturation, "Saturation", "Saturation"},
-    {kAbsolute, "Absolute", "Absolute"},
+    {kPerceptual, "Perceptual", "\xbf\xc9\xb8\xd0\xd6\xaa"},
+    {kRelative, "Relative", "\xcf\xe0\xb6\xd4\xb1\xc8\xc9\xab"},
+    {kSaturation, "Saturation", "\xb1\xa5\xba\xcd\xb6\xc8"},
+    {kAbsolute, "Absolute", "\xbe\xf8\xb6\xd4\xb1\xc8\xc9\xab"},
     {kChannel, "Channel %d", "\xcd\xa8\xb5\xc0 %d"},
     {"CALIBDLG", "CALIBDLG_ENG", "CALIBDLG_CHN"},
-    {kAllChannels, "All Channel", "\xc8\xab\xcd\xa8\xb5\xc0"},
-    {kChannels, "%d Channel", "%d \xcd\xa8\xb5\xc0"},
+    {kAllChannels, "All channels", "\xc8\xab\xcd\xa8\xb5\xc0"},
+    {kChannels, "%d channels", "%d \xcd\xa8\xb5\xc0"},
     {kEdit, "Edit %s - [%s]", "\xb1\xe0\xbc\xad %s - [%s]"},
-    {kInitialise, "Initialize. Sure?",
-     "\xd2\xaa\xbd\xf8\xd0\xd0\xb3\xf5\xc6\xda\xbb\xaf\xc2\xf0\xa3\xbf"},
+    {kInitialise, "Everything is reset. Is that all right?",
+     "\xd2\xaa\xbd\xf8\xd0\xd0\xb3\xf5\xca\xbc\xbb\xaf\xc2\xf0\xa3\xbf"},
 };
 
 TEST(Language, TablesAreCarriedByTheModule) {
@@ -52,6 +53,31 @@ TEST(Language, TablesAreCarriedByTheModule) {
     EXPECT_TRUE(resource("TEXT_ENGLISH").starts_with("<english>"));
     EXPECT_TRUE(resource("TEXT_CHINESE").starts_with("<chinese>"));
     EXPECT_TRUE(resource("TEXT_KLINGON").empty());
+}
+
+TEST(Language, EveryTextIsInAllThreeLanguagesWithItsPlaceholders) {
+    const SettingsTree japanese = SettingsTree::parse(resource("TEXT_JAPANESE"));
+    const auto placeholders = [](std::string_view text) {
+        std::string found;
+        for (size_t at = 0; (at = text.find('%', at)) != text.npos; at += 2)
+            found += text.substr(at, 2);
+        return found;
+    };
+    for (const char* const name : {"TEXT_ENGLISH", "TEXT_CHINESE"}) {
+        const SettingsTree other = SettingsTree::parse(resource(name));
+        const auto& texts = japanese.root().directories.front().keys;
+        EXPECT_EQ(other.root().directories.front().keys.size(), texts.size());
+        for (const auto& text : texts) {
+            const auto* const translation = other.root().directories.front().findKey(text.name);
+            ASSERT_NE(translation, nullptr) << text.name;
+            EXPECT_EQ(placeholders(translation->value), placeholders(text.value)) << text.name;
+        }
+    }
+}
+
+TEST(Language, ATextOfSeveralLinesStandsInOneLineOfATable) {
+    const LanguageTable table("<a>\n    k(1) = one<br>two\n</a>", "<b>\n    k(1) = 1<br>2\n</b>");
+    EXPECT_STREQ(table.translated("one\ntwo"), "1\n2");
 }
 
 TEST(Language, EveryTextIsTranslatedIntoEnglish) {

@@ -33,6 +33,18 @@ struct Answers : DeviceLinkHost {
         told.emplace_back(text);
         lastIcon = icon;
     }
+    void tellProblem(std::string_view text, const cmyk::LinkProblem& problem) override {
+        told.emplace_back(text);
+        problems.push_back(problem);
+        lastIcon = Icon::exclamation;
+    }
+    bool ask(std::string_view question, std::string_view) override {
+        asked.emplace_back(question);
+        return yes;
+    }
+    std::vector<cmyk::LinkProblem> problems;
+    std::vector<std::string> asked;
+    bool yes = true;
     std::optional<TypedPath> path;
     Choice chosenFor{};
     std::string startedFrom, offered;
@@ -109,14 +121,15 @@ TEST(DeviceLinkModel, BlanksAndQuotationMarksAroundAPathGo) {
     }
 }
 
-TEST(DeviceLinkModel, APathOf260BytesIsCutAndEndsInItsField) {
+TEST(DeviceLinkModel, APathOf260BytesIsRefusedAndNotCutToAnotherFile) {
     DeviceLinkModel model(newSettings());
     const CmsLinkSettings before = model.settings();
     model.leavePath(LinkPath::base, std::string(259, 'a'));
     EXPECT_EQ(model.path(LinkPath::base), std::string(259, 'a'));
     for (const size_t length : {260u, 261u, 10000u}) {
         model.leavePath(LinkPath::base, std::string(length, 'b'));
-        EXPECT_EQ(model.path(LinkPath::base), std::string(259, 'b'));
+        EXPECT_EQ(model.path(LinkPath::base), std::string(259, 'a'));
+        EXPECT_EQ(model.refusal(LinkPath::base), Problem{texts::kPathTooLong});
     }
     EXPECT_EQ(std::memcmp(model.settings().sourcePath, before.sourcePath, 260), 0);
 }
@@ -303,7 +316,7 @@ TEST(DeviceLinkModel, EachFieldIsBrowsedWithItsFilter) {
     EXPECT_TRUE(filterOf(LinkPath::source).ends_with("(*.nqp)|*.nqp|"));
     EXPECT_TRUE(filterOf(LinkPath::destination).starts_with(icc + "DCC"));
     EXPECT_TRUE(filterOf(LinkPath::destination).ends_with("(*.dcc)|*.dcc|"));
-    EXPECT_TRUE(filterOf(LinkPath::black).starts_with("LUT"));
+    EXPECT_TRUE(filterOf(LinkPath::black).starts_with("BKC"));
     EXPECT_TRUE(filterOf(LinkPath::black).ends_with("(*.bkc)|*.bkc|"));
     EXPECT_EQ(filterOf(LinkPath::black).find("icc"), std::string::npos);
 }
@@ -332,21 +345,118 @@ TEST(DeviceLinkModel, CreateWritesTheLinkThatTheSettingsStandForAndSaysSo) {
     EXPECT_NE(written->grid[0], 0u);  // the paper colour is in it
 }
 
-TEST(DeviceLinkModel, WithProfilesThatCannotBeReadNothingIsMade) {
+// What kept a link from being made.
+void expectRefused(Making& making, LinkPath field, const char* sentence) {
+    making.host.problems.clear();
+    EXPECT_FALSE(making.model.create(making.host));
+    ASSERT_EQ(making.host.problems.size(), 1u);
+    EXPECT_EQ(making.host.problems[0].field, field);
+    EXPECT_STREQ(making.host.problems[0].problem.sentence, sentence);
+    EXPECT_EQ(making.model.failedField(), field);
+    EXPECT_EQ(making.host.lastIcon, Answers::Icon::exclamation);
+    EXPECT_EQ(making.host.told.back(),
+              field == LinkPath::output ? texts::kLinkNotWritten : texts::kLinkNotMade);
+}
+
+TEST(DeviceLinkModel, AFileThatIsNotThereIsNamedBeforeTheWork) {
     for (const LinkPath which : {LinkPath::base, LinkPath::source, LinkPath::black}) {
         Making making;
-        making.model.leavePath(which, making.folder.path("missing.icc"));
-        making.model.leavePath(LinkPath::destination, making.folder.path("missing.icc"));
-        EXPECT_FALSE(making.model.create(making.host));
-        EXPECT_EQ(making.host.told, std::vector<std::string>{texts::kLinkNotMade});
-        EXPECT_EQ(making.host.lastIcon, Answers::Icon::exclamation);
+        const std::string missing = making.folder.path("missing.icc");
+        making.model.leavePath(which, missing);
+        if (which == LinkPath::source) making.model.leavePath(LinkPath::destination, missing);
+        expectRefused(making, which, texts::kFileMissing);
+        EXPECT_EQ(making.host.problems[0].path, missing);
         EXPECT_FALSE(test::exists(making.output));
     }
 }
 
+TEST(DeviceLinkModel, APressProfileAsCorrectionLinkIsRefused) {
+    Making making;
+    making.model.leavePath(LinkPath::base, test::testData("CGATS001Compat-v2-micro.icc"));
+    expectRefused(making, LinkPath::base, texts::kNoLink);
+    EXPECT_EQ(making.host.problems[0].problem.details,
+              (std::vector<std::string>{"CMYK", "Lab"}));
+}
+
+TEST(DeviceLinkModel, AnRgbProfileAsTargetIsRefused) {
+    Making making;
+    making.model.leavePath(LinkPath::source, test::testData("sRGB-v2-magic.icc"));
+    making.model.leavePath(LinkPath::destination, test::testData("sRGB-v2-magic.icc"));
+    expectRefused(making, LinkPath::source, texts::kWrongSpace);
+    EXPECT_EQ(making.host.problems[0].problem.details, std::vector<std::string>{"RGB"});
+}
+
+TEST(DeviceLinkModel, ATargetWithoutAPrinterIsRefused) {
+    Making making;
+    making.model.leavePath(LinkPath::source, test::testData("CGATS001Compat-v2-micro.icc"));
+    expectRefused(making, LinkPath::destination, texts::kNeedsPrinter);
+}
+
+TEST(DeviceLinkModel, ATextFileAsBlackCorrectionIsRefused) {
+    Making making;
+    const std::string text = making.folder.path("letter.txt");
+    test::writeFile(text, "Dear customer,\r\nTONE is not what this is about.\r\n");
+    making.model.leavePath(LinkPath::black, text);
+    expectRefused(making, LinkPath::black, texts::kNoBlackCurve);
+}
+
+TEST(DeviceLinkModel, AFileThatTheLinkIsMadeFromIsNotOverwritten) {
+    Making making;
+    ASSERT_TRUE(making.model.create(making.host));
+    const std::string before = test::readText(making.output);
+    making.model.leavePath(LinkPath::base, making.output);
+    making.model.chooseWhiteMode(1);
+    expectRefused(making, LinkPath::output, texts::kOutputIsInput);
+    EXPECT_EQ(test::readText(making.output), before);
+}
+
+TEST(DeviceLinkModel, AnOutputPathAloneIsQuestioned) {
+    Making making;
+    making.host.yes = false;
+    EXPECT_FALSE(making.model.create(making.host));
+    EXPECT_EQ(making.host.asked, std::vector<std::string>{texts::kNothingToLink});
+    EXPECT_FALSE(test::exists(making.output));
+}
+
+TEST(DeviceLinkModel, AFileOfATypedNameIsReplacedOnlyAfterAQuestion) {
+    Making making;
+    making.model.chooseWhiteMode(2);
+    test::writeFile(making.output, "theirs");
+    making.host.yes = false;
+    EXPECT_FALSE(making.model.create(making.host));
+    EXPECT_EQ(making.host.asked, std::vector<std::string>{texts::kReplaceQuestion});
+    EXPECT_EQ(making.model.failedField(), LinkPath::output);
+    EXPECT_EQ(test::readText(making.output), "theirs");
+    making.host.yes = true;
+    EXPECT_TRUE(making.model.create(making.host));
+}
+
+TEST(DeviceLinkModel, AFileThatWasChosenForReplacingIsNotAskedForAgain) {
+    Making making;
+    making.model.chooseWhiteMode(2);
+    test::writeFile(making.output, "theirs");
+    making.host.path = TypedPath(making.output);
+    making.model.browse(LinkPath::output, making.host);
+    EXPECT_TRUE(making.model.create(making.host));
+    EXPECT_EQ(making.host.asked, std::vector<std::string>{});
+}
+
+TEST(DeviceLinkModel, TheExtensionIsPutBehindBeforeTheQuestion) {
+    Making making;
+    making.model.chooseWhiteMode(2);
+    test::writeFile(making.output, "theirs");
+    making.model.leavePath(LinkPath::output, making.folder.path("made"));
+    making.host.yes = false;
+    EXPECT_FALSE(making.model.create(making.host));
+    EXPECT_EQ(making.host.asked, std::vector<std::string>{texts::kReplaceQuestion});
+    EXPECT_EQ(making.model.path(LinkPath::output), making.output);
+    EXPECT_EQ(test::readText(making.output), "theirs");
+}
+
 TEST(DeviceLinkModel, AnIntentThatIsNotOfferedIsAParameterToCheck) {
     const std::string profile = test::testData("CGATS001Compat-v2-micro.icc");
-    CmsLinkSettings settings = newSettings();
+    Making making;
+    CmsLinkSettings settings = making.model.settings();
     settings.intent = 3;
     DeviceLinkModel model(settings);
     model.leavePath(LinkPath::source, profile);
@@ -356,16 +466,19 @@ TEST(DeviceLinkModel, AnIntentThatIsNotOfferedIsAParameterToCheck) {
     EXPECT_EQ(host.told, std::vector<std::string>{texts::kLinkNotMade});
 }
 
-TEST(DeviceLinkModel, AnOutputThatCannotBeWrittenIsTold) {
+TEST(DeviceLinkModel, AnOutputWithoutANameIsRefused) {
     Making making;
-    for (const std::string& output : {std::string(), making.folder.path("missing/made.icc"),
-                                      making.folder.folder().string()}) {
-        making.model.leavePath(LinkPath::output, output);
-        making.host.told.clear();
-        EXPECT_FALSE(making.model.create(making.host)) << output;
-        EXPECT_EQ(making.host.told, std::vector<std::string>{texts::kLinkNotWritten}) << output;
-        EXPECT_EQ(making.host.lastIcon, Answers::Icon::exclamation);
-    }
+    making.model.leavePath(LinkPath::output, "");
+    expectRefused(making, LinkPath::output, texts::kNeedsOutput);
+}
+
+TEST(DeviceLinkModel, AnOutputThatCannotBeWrittenIsToldWithItsReason) {
+    Making making;
+    making.model.leavePath(LinkPath::output, making.folder.path("missing/made.icc"));
+    EXPECT_FALSE(making.model.create(making.host));
+    EXPECT_EQ(making.host.told, std::vector<std::string>{texts::kLinkNotWritten});
+    ASSERT_EQ(making.host.problems.size(), 1u);
+    EXPECT_EQ(making.host.problems[0].field, LinkPath::output);
 }
 
 TEST(DeviceLinkModel, AfterAFailureTheSameModelCanMakeTheLink) {
@@ -374,22 +487,17 @@ TEST(DeviceLinkModel, AfterAFailureTheSameModelCanMakeTheLink) {
     EXPECT_FALSE(making.model.create(making.host));
     making.model.leavePath(LinkPath::black, "");
     EXPECT_TRUE(making.model.create(making.host));
+    EXPECT_EQ(making.model.failedField(), std::nullopt);
     EXPECT_TRUE(test::exists(making.output));
 }
 
-TEST(DeviceLinkModel, TheLinkMayReplaceTheProfileThatItIsMadeFrom) {
-    Making making;
-    ASSERT_TRUE(making.model.create(making.host));
-    making.model.leavePath(LinkPath::base, making.output);
-    making.model.chooseWhiteMode(1);
-    EXPECT_TRUE(making.model.create(making.host));
-}
-
-TEST(DeviceLinkModel, AnyNameWillDoForTheLink) {
-    for (const char* const name : {"link", "link.lut", "link.amt", "a b.c.icc"}) {
+TEST(DeviceLinkModel, ANameWithoutTheExtensionGetsIt) {
+    for (const auto& [name, made] : {std::pair{"link", "link.icc"}, {"link.lut", "link.lut.icc"},
+                                     {"a b.c.icc", "a b.c.icc"}, {"LINK.ICM", "LINK.ICM"}}) {
         Making making;
         making.model.leavePath(LinkPath::output, making.folder.path(name));
         EXPECT_TRUE(making.model.create(making.host)) << name;
+        EXPECT_TRUE(test::exists(making.folder.path(made))) << name;
     }
 }
 
@@ -400,8 +508,7 @@ TEST(DeviceLinkModel, APathThatCannotBeNamedLeavesTheOldOneAndKeepsTheLinkFromBe
     EXPECT_TRUE(making.model.isRefused(LinkPath::base));
     EXPECT_EQ(making.model.firstRefused(), LinkPath::base);
     EXPECT_EQ(making.model.path(LinkPath::base), "");
-    EXPECT_FALSE(making.model.create(making.host));
-    EXPECT_EQ(making.host.told, std::vector<std::string>{texts::kLinkNotMade});
+    expectRefused(making, LinkPath::base, texts::kPathUnnameable);
     EXPECT_FALSE(test::exists(making.output));
     making.model.leavePath(LinkPath::base, "");
     EXPECT_EQ(making.model.firstRefused(), std::nullopt);
@@ -411,8 +518,7 @@ TEST(DeviceLinkModel, APathThatCannotBeNamedLeavesTheOldOneAndKeepsTheLinkFromBe
 TEST(DeviceLinkModel, AnOutputThatCannotBeNamedIsNotWrittenUnderItsOldName) {
     Making making;
     making.model.leavePath(LinkPath::output, std::nullopt);
-    EXPECT_FALSE(making.model.create(making.host));
-    EXPECT_EQ(making.host.told, std::vector<std::string>{texts::kLinkNotWritten});
+    expectRefused(making, LinkPath::output, texts::kPathUnnameable);
     EXPECT_FALSE(test::exists(making.output));
 }
 

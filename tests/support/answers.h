@@ -22,7 +22,27 @@ struct Answers : dialog::EditorHost {
         filter = pattern;
         return path;
     }
+    bool askReplace(std::string_view path) override {
+        replaced = path;
+        return yes;
+    }
+    dialog::Unsaved askUnsaved(std::string_view) override { return ++unsavedAsked, unsaved; }
+    dialog::NotSaved tellNotSaved(std::string_view, std::string_view which, const Problem& why,
+                                  bool) override {
+        notSavedPath = which;
+        reason = why;
+        const dialog::NotSaved answer = notSaved;
+        notSaved = dialog::NotSaved::stay;  // once
+        return answer;
+    }
+    dialog::Unsaved askTakeBack(std::string_view) override { return ++unsavedAsked, unsaved; }
+
     bool yes = true;
+    dialog::Unsaved unsaved = dialog::Unsaved::discard;
+    dialog::NotSaved notSaved = dialog::NotSaved::stay;
+    int unsavedAsked = 0;
+    std::string notSavedPath, replaced;
+    std::optional<Problem> reason;
     std::optional<std::string> path;
     int questions = 0, saves = 0;
     std::string caption, asked, startedFrom, filter;

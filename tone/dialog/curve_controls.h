@@ -28,7 +28,7 @@ public:
     CurveControls(CurveEditor& editor, std::span<const ChannelControls> channels, FieldRule rule)
         : editor_(editor), channels_(channels), rule_(rule) {}
 
-    void attach(const dialog::Dialog& dialog);  // when it has opened
+    void attach(dialog::Dialog& dialog);  // when it has opened
     std::vector<dialog::Control> controls();    // for the dialog's table
     static bool draw(const DRAWITEMSTRUCT& drawing) {  // the strips
         return dialog::paintGraphStrip(drawing, RGB(0, 0, 0));
@@ -38,9 +38,8 @@ private:
     HWND window() const noexcept { return dialog_ ? dialog_->window() : nullptr; }
     void leave(int32_t channel);
     void showGraph() { ::InvalidateRect(::GetDlgItem(window(), IDC_GRAPH), nullptr, FALSE); }
-    void show();  // after what happens on the graph
-    void showIf(bool changed) {
-        if (changed) show();
+    void showIf(bool changed) {  // after what happens on the graph
+        if (changed) dialog_->show();
     }
     void showChannel(int32_t channel);
     void paintSurface(HWND graph, HDC dc, dialog::Size size, bool hasFocus) override;
@@ -56,7 +55,7 @@ private:
     CurveEditor& editor_;
     std::span<const ChannelControls> channels_;
     FieldRule rule_;
-    const dialog::Dialog* dialog_ = nullptr;
+    dialog::Dialog* dialog_ = nullptr;
 };
 
 }  // namespace ko::tone

@@ -1,3 +1,4 @@
+#include "frame/dialog/ask_win.h"
 #include "resources/dialog_ids.h"
 #include "tone/dialog/curve_controls.h"
 
@@ -19,7 +20,7 @@ constexpr ChannelControls kChannelControls[] = {
 
 std::span<const ChannelControls> channelControls() noexcept { return kChannelControls; }
 
-void CurveControls::attach(const Dialog& dialog) {
+void CurveControls::attach(Dialog& dialog) {
     dialog_ = &dialog;
     makeGraphSquare(window());
     attachSurface(window(), IDC_GRAPH, *this);
@@ -35,6 +36,7 @@ void CurveControls::attach(const Dialog& dialog) {
 std::vector<Control> CurveControls::controls() {
     std::vector<Control> all = {
         {.id = IDC_GRAPH, .show = [this] { showGraph(); }},
+        {.id = IDC_STATUS, .show = [this] { showNotice(window(), editor_.notice()); }},
         {.id = IDC_CONTRAST,
          .press = [this] { editor_.setContrast(isChecked(window(), IDC_CONTRAST)); }},
         {.id = IDC_ALL_INKS, .press = [this] { editor_.selectAll(); }},
@@ -50,7 +52,7 @@ std::vector<Control> CurveControls::controls() {
 
 void CurveControls::leave(int32_t at) {
     const int field = channel(at).percent;
-    const std::string text = asciiOf(window(), field);
+    const std::string text = numberOf(window(), field);
     const bool typed = ::SendDlgItemMessageW(window(), field, EM_GETMODIFY, 0, 0) ||
                        text != editor_.fieldText(at);
     if (typed || rule_ == FieldRule::whenLeft) editor_.leaveField(at, text);
@@ -60,11 +62,6 @@ void CurveControls::leave(int32_t at) {
 void CurveControls::showChannel(int32_t at) {
     setText(window(), channel(at).percent, editor_.fieldText(at));
     setText(window(), channel(at).input, editor_.inputText());
-}
-
-void CurveControls::show() {
-    for (int32_t at = 0; at < editor_.channels(); ++at) showChannel(at);
-    showGraph();
 }
 
 void CurveControls::paintSurface(HWND, HDC dc, Size size, bool hasFocus) {
@@ -82,7 +79,11 @@ void CurveControls::surfacePressed(HWND, Size size, Point at) { showIf(editor_.p
 void CurveControls::surfaceMoved(HWND, Size size, Point at, bool) {
     showIf(editor_.move(size, at));
 }
-void CurveControls::surfaceReleased(HWND) { editor_.release(); }
+void CurveControls::surfaceReleased(HWND) {
+    const bool dragging = editor_.isDragging();
+    editor_.release();
+    showIf(dragging);
+}
 void CurveControls::surfacePressedRight(HWND, Size size, Point at) {
     showIf(editor_.pressRight(size, at));
 }

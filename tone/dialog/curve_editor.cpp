@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "frame/dialog/typed.h"
 #include "frame/scan.h"
 
 namespace ko::tone {
@@ -49,7 +50,8 @@ bool CurveEditor::press(Size graph, Point at) {
         for (int32_t index = 0; index <= lastIndex_; ++index) {
             if (!dialog::isNear(pointAt(graph, channel, index), at, tolerance_)) continue;
             index_ = index;
-            keepForUndo();
+            notice_.reset();
+            keepCurves();
             dragging_ = true;
             return true;
         }
@@ -69,6 +71,11 @@ bool CurveEditor::move(Size graph, Point at) {
     return true;
 }
 
+void CurveEditor::release() {
+    if (!std::exchange(dragging_, false)) return;
+    curvesEdited();
+}
+
 void CurveEditor::setPoint(int32_t channel, int32_t index, int32_t level) {
     setLevel(channel, index, clampTo(level, 0, 255));
     mark(channel, index, true);
@@ -79,11 +86,12 @@ bool CurveEditor::pressRight(Size graph, Point at) {
         for (int32_t channel = 0; channel < channels_; ++channel)
             if (isSelected(channel)) restore(channel);
         evaluate(selection_);
-        dragging_ = false;
+        release();
         return true;
     }
     if (!dialog::isInsideGraph(graph, at)) return false;
     uint32_t changed = 0;
+    keepCurves();
     for (int32_t channel = 0; channel < channels_; ++channel) {
         if (!isSelected(channel)) continue;
         for (int32_t index = 1; index < lastIndex_; ++index) {
@@ -94,6 +102,7 @@ bool CurveEditor::pressRight(Size graph, Point at) {
         }
     }
     if (changed) evaluate(changed);
+    curvesEdited();
     return changed != 0;
 }
 
@@ -105,30 +114,39 @@ bool CurveEditor::stepIndex(int32_t by) {
 
 bool CurveEditor::stepLevel(int32_t by) {
     if (dragging_) return false;
-    for (int32_t channel = 0; channel < channels_; ++channel)
-        if (isSelected(channel)) setPoint(channel, index_, levelOf(channel, index_) + by);
-    evaluate(selection_);
+    edit([&] {
+        for (int32_t channel = 0; channel < channels_; ++channel)
+            if (isSelected(channel)) setPoint(channel, index_, levelOf(channel, index_) + by);
+        evaluate(selection_);
+    });
     return selection_ != 0;
 }
 
 bool CurveEditor::unmark() {
     if (dragging_ || isEnd(index_)) return false;
     uint32_t changed = 0;
+    keepCurves();
     for (int32_t channel = 0; channel < channels_; ++channel) {
         if (!isSelected(channel) || !isMarked(channel, index_)) continue;
         mark(channel, index_, false);
         changed |= 1u << channel;
     }
     if (changed) evaluate(changed);
+    curvesEdited();
     return changed != 0;
 }
 
 void CurveEditor::leaveField(int32_t channel, std::string_view percent) {
-    if (!percent.empty())
-        setPoint(channel, index_, truncateToInt32(realIn(percent) * 255 / 100 + 0.5));
-    else if (!isEnd(index_))
-        mark(channel, index_, false);
-    evaluate(1u << channel);
+    release();
+    notice_ = dialog::numberNotice(percent, 0, 100, "0 %", "100 %");
+    const double typed = typedRealIn(percent);
+    edit([&] {
+        if (!percent.empty())
+            setPoint(channel, index_, truncateToInt32(typed * 255 / 100 + 0.5));
+        else if (!isEnd(index_))
+            mark(channel, index_, false);
+        evaluate(1u << channel);
+    });
 }
 
 }  // namespace ko::tone

@@ -4,11 +4,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/dialog/graph_picture.h"
+#include "frame/problem.h"
 
 namespace ko::tone {
 
@@ -23,6 +25,8 @@ public:
     int32_t selectedIndex() const noexcept { return index_; }
     bool isDragging() const noexcept { return dragging_; }
     bool contrast() const noexcept { return contrast_; }
+    // What is to be said about what was typed last: that it was limited, or is no number.
+    const std::optional<Problem>& notice() const noexcept { return notice_; }
     std::string inputText() const;                 // of the selected position: "50 %"
     std::string fieldText(int32_t channel) const;  // the channel's percentage there
     int32_t gridLevel(int32_t index) const noexcept;  // the input level of a grid index
@@ -32,7 +36,7 @@ public:
     // What the person does. Each says whether anything shown has changed.
     bool press(dialog::Size graph, dialog::Point at);
     bool move(dialog::Size graph, dialog::Point at);
-    void release() noexcept { dragging_ = false; }
+    void release();
     bool pressRight(dialog::Size graph, dialog::Point at);
     bool stepIndex(int32_t by);  // keyboard: the next or the previous position
     bool stepLevel(int32_t by);  // keyboard: the selected position up or down
@@ -50,22 +54,31 @@ protected:
           allChannels_(allChannels), selection_(allChannels) {}
 
     int32_t lastIndex() const noexcept { return lastIndex_; }
+    void setNotice(std::optional<Problem> notice) { notice_ = std::move(notice); }
 
 private:
     virtual int32_t levelOf(int32_t channel, int32_t index) const noexcept = 0;
     virtual bool isMarked(int32_t channel, int32_t index) const noexcept = 0;
     virtual void setLevel(int32_t channel, int32_t index, int32_t level) = 0;  // 0..255
     virtual void mark(int32_t channel, int32_t index, bool on) = 0;
-    virtual void keepForUndo() = 0;  // the curves as they are when a drag begins
+    virtual void keepCurves() = 0;  // as they are when an edit begins
     virtual void restore(int32_t channel) = 0;
+    virtual void curvesEdited() = 0;  // the edit has ended: the way back to what was kept
     // Contrast: the curve as it was kept, scaled so that its end is at level.
     virtual void scaleToEnd(int32_t channel, int32_t level) = 0;
     virtual void evaluate(uint32_t channels) = 0;  // anew from the control points
     virtual std::vector<dialog::Point> lineOf(dialog::Size graph, int32_t channel) const = 0;
 
+    template <class Edit>
+    void edit(Edit&& change) {
+        keepCurves();
+        change();
+        curvesEdited();
+    }
     bool isEnd(int32_t index) const noexcept { return index == 0 || index == lastIndex_; }
     void setPoint(int32_t channel, int32_t index, int32_t level);
 
+    std::optional<Problem> notice_;
     int32_t channels_;
     int32_t lastIndex_;
     dialog::Size tolerance_;

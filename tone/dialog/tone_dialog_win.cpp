@@ -3,8 +3,7 @@
 #include <array>
 #include <span>
 
-#include "frame/dialog/ask_win.h"
-#include "frame/dialog/dialog_win.h"
+#include "frame/dialog/editor_win.h"
 #include "frame/dialog/text_win.h"
 #include "frame/path.h"
 #include "frame/text.h"
@@ -38,10 +37,11 @@ std::span<const ChannelControls> controlsOf(const ToneEditorKind& kind) {
     return kind.channels == 1 ? all.subspan(3, 1) : all.first(static_cast<size_t>(kind.channels));
 }
 
-class ToneDialog final : public ModalDialog {
+class ToneDialog final : public EditorDialog {
 public:
     explicit ToneDialog(ToneEditor& editor)
-        : editor_(editor), curves_(editor, controlsOf(editor.kind()), FieldRule::whenLeft) {}
+        : EditorDialog(editor), editor_(editor),
+          curves_(editor, controlsOf(editor.kind()), FieldRule::whenLeft) {}
 
 private:
     const ToneEditorKind& kind() const { return editor_.kind(); }
@@ -54,13 +54,10 @@ private:
             {.id = IDC_TITLE,
              .show = [this] { setText(window(), IDC_TITLE, editor_.title()); },
              .leave = [this] { editor_.leaveTitle(shiftJisText(textOf(window(), IDC_TITLE))); }},
-            {.id = IDOK, .press = [this] { end(1); }},
-            {.id = IDCANCEL, .press = [this] { end(0); }},
             {.id = IDC_RESET, .press = [this] { editor_.reset(); }},
-            {.id = IDC_NEW, .press = [this] { editor_.startNew(host_); }},
-            {.id = IDC_SAVE, .press = [this] { editor_.save(host_); }},
-            {.id = IDC_SAVE_AS, .press = [this] { editor_.saveAs(host_); }},
+            {.id = IDC_NEW, .press = [this] { editor_.startNew(host()); }},
         });
+        addFileButtons();
         for (const SettingControl& setting : kSettings)
             if (item(setting.control)) addSetting(setting);
         add(curves_.controls());
@@ -75,12 +72,12 @@ private:
                   },
               .leave =
                   [=, this] {
-                      editor_.leaveSetting(setting.field, asciiOf(window(), setting.control));
+                      editor_.leaveSetting(setting.field, numberOf(window(), setting.control));
                   }}});
     }
 
     void shown() override {
-        ::SetWindowTextW(window(), filled(kind().caption, widePath(editor_.path())).c_str());
+        setCaption(filled(wideTranslated(kind().caption), {widePath(editor_.path())}));
     }
 
     void closing() override { placeOf(kind()).remember(window()); }
@@ -88,7 +85,6 @@ private:
 
     ToneEditor& editor_;
     CurveControls curves_;
-    WindowHost host_{*this};
 };
 
 const wchar_t* templateOf(const ToneEditorKind& kind) {
@@ -105,11 +101,18 @@ int32_t editFile(HWND owner, const ToneEditorKind& kind, char* path) {
     settings.curves = curve.get();
     const bool dcc = kind.channels == 6;
     if (!fileNameOf(path).empty() && !kind.load(*curve, &settings, path)) {
-        showMessage(owner, wideText(texts::kProfileErrorCaption),
-                    filled(dcc ? texts::kDccFileMissing : texts::kToneFileMissing, widePath(path)),
+        showMessage(owner, wideTranslated(texts::kProfileErrorCaption),
+                    filled(wideTranslated(dcc ? texts::kDccFileMissing : texts::kToneFileMissing),
+                           {widePath(path)}),
                     MB_OK | MB_ICONEXCLAMATION);
         return 0;
     }
+    if (!fileNameOf(path).empty())
+        if (const auto problem = whyNoCurveFile(kind.channels, path)) {
+            showMessage(owner, wideTranslated(texts::kProfileErrorCaption),
+                        wideProblem(widePath(path), *problem), MB_OK | MB_ICONEXCLAMATION);
+            return 0;
+        }
     if (!copyPath(curve->path, path)) return 0;
     registerSurfaceClass();
     ToneEditor editor(kind, *curve, dcc ? &settings : nullptr);

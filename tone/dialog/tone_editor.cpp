@@ -42,8 +42,8 @@ ToneEditor::ToneEditor(const ToneEditorKind& kind, ToneCurve& curve, DccSettings
       curve_(curve), settings_(settings) {
     const std::string path(textIn(curve.path));
     startFolder_ = folderOf(path);
-    hasFile_ = !fileNameOf(path).empty();
-    if (!hasFile_) copyText(curve_.path, "");
+    setHasFile(!fileNameOf(path).empty());
+    if (!hasFile()) copyText(curve_.path, "");
 }
 
 namespace {
@@ -78,17 +78,36 @@ void ToneEditor::mark(int32_t channel, int32_t index, bool on) {
     flagsOf(curve_, channel)[static_cast<size_t>(gridLevel(index))] = on;
 }
 
-void ToneEditor::keepForUndo() {
-    undo_.assign(curve_.table, curve_.table + kind_.channels * kChannelEntries);
+ToneEditor::State ToneEditor::capture() const {
+    State state{{curve_.table, curve_.table + kind_.channels * kChannelEntries},
+                std::string(title()), {}};
+    if (settings_)
+        state.settings = {settings_->DPIX, settings_->DPIY, settings_->WINK, settings_->LCLM};
+    return state;
 }
 
+void ToneEditor::restore(const State& state) {
+    std::copy(state.table.begin(), state.table.end(), curve_.table);
+    copyText(curve_.title, state.title);
+    if (!settings_) return;
+    const auto& [dpiX, dpiY, totalInk, lightInk] = state.settings;
+    settings_->DPIX = dpiX;
+    settings_->DPIY = dpiY;
+    settings_->WINK = totalInk;
+    settings_->LCLM = lightInk;
+}
+
+void ToneEditor::keepCurves() { kept_ = capture(); }
+
+void ToneEditor::curvesEdited() { dialog::addStep(history(), *this, std::move(kept_)); }
+
 void ToneEditor::restore(int32_t channel) {
-    const auto from = undo_.begin() + channel * kChannelEntries;
+    const auto from = kept_.table.begin() + channel * kChannelEntries;
     std::copy(from, from + kChannelEntries, curve_.table + channel * kChannelEntries);
 }
 
 void ToneEditor::scaleToEnd(int32_t channel, int32_t level) {
-    const int16_t* const saved = undo_.data() + channel * kChannelEntries + kLevels;
+    const int16_t* const saved = kept_.table.data() + channel * kChannelEntries + kLevels;
     const int32_t end = saved[255];
     if (end == 0) return;
     const auto values = valuesOf(curve_, channel);
@@ -106,46 +125,74 @@ void ToneEditor::scaleToEnd(int32_t channel, int32_t level) {
 void ToneEditor::evaluate(uint32_t) { encode(curve_, Interpolation::spline, 255); }
 
 void ToneEditor::leaveTitle(std::string_view title) {
-    copyText(curve_.title, title);
-    correctTyped(curve_.title);
+    if (title != this->title() && kind_.channels == 4) setNotice(Problem{texts::kNoTitleKept});
+    editAll([&] {
+        copyText(curve_.title, title);
+        correctTyped(curve_.title);
+    });
 }
 
 void ToneEditor::leaveSetting(DccField field, std::string_view number) {
-    if (settings_) fieldOf(*settings_, field) = integerIn(number);
+    if (!settings_) return;
+    setNotice(std::nullopt);
+    const int32_t typed = typedIntegerIn(number);
+    const int32_t most = field == DccField::totalInk ? 255 : field == DccField::lightInk ? 100 : 0;
+    if (!number.empty() && !isTypedNumber(number))
+        setNotice(Problem{texts::kNoNumber});
+    else if (typed < 0 || (most > 0 && typed > most))  // kept as it is typed
+        setNotice(most > 0 ? Problem{texts::kOutside, {"0", std::to_string(most)}}
+                           : Problem{texts::kBelow, {"0"}});
+    editAll([&] { fieldOf(*settings_, field) = typed; });
 }
 
-void ToneEditor::reset() {
-    release();
-    for (int32_t channel = 0; channel < kind_.channels; ++channel) {
-        const auto flags = flagsOf(curve_, channel);
-        const auto values = valuesOf(curve_, channel);
+namespace {
+void makeStraight(ToneCurve& curve, int32_t channels) {
+    for (int32_t channel = 0; channel < channels; ++channel) {
+        const auto flags = flagsOf(curve, channel);
+        const auto values = valuesOf(curve, channel);
         std::fill(flags.begin(), flags.end(), int16_t{0});
         flags.front() = flags.back() = 1;
         for (size_t x = 0; x < values.size(); ++x) values[x] = static_cast<int16_t>(x);
     }
 }
+}  // namespace
+
+void ToneEditor::reset() {
+    editAll([&] { makeStraight(curve_, kind_.channels); });
+}
 
 bool ToneEditor::startNew(dialog::EditorHost& host) {
     if (!host.ask(texts::kProfileCaption, texts::kResetQuestion)) return false;
+    release();
+    // The step back takes the file along.
+    struct File {
+        std::string path;
+        bool has;
+    };
+    State before = capture();
+    File file{std::string(path()), hasFile()};
     initToneCurve(curve_);
-    hasFile_ = false;
-    reset();
+    setHasFile(false);
+    makeStraight(curve_, kind_.channels);
+    history().add([this, other = std::move(before), file = std::move(file)]() mutable {
+        State now = capture();
+        File left{std::string(path()), hasFile()};
+        restore(other);
+        copyText(curve_.path, file.path);
+        setHasFile(file.has);
+        other = std::move(now);
+        file = std::move(left);
+    });
     return true;
 }
 
-void ToneEditor::save(dialog::EditorHost& host) {
-    if (!hasFile_) return saveAs(host);
-    const std::string path(textIn(curve_.path));
-    (void)saveTo(path.c_str());  // a failed save is silent: the file keeps its old content
-}
+std::string_view ToneEditor::questionCaption() const noexcept { return texts::kProfileCaption; }
 
-void ToneEditor::saveAs(dialog::EditorHost& host) {
-    auto path = host.chooseSavePath(startFolder_ + platform::kSeparator, kind_.filter);
-    if (!path) return;
-    if (!hasExtension(path->c_str(), kind_.extension)) path->append(kind_.extension);
-    if (saveTo(path->c_str())) hasFile_ = true;
+std::optional<Problem> ToneEditor::write(const std::string& path) {
+    release();
+    platform::setLastError(0);
+    if (kind_.save(curve_, settings_, path.c_str())) return std::nullopt;
+    return fileProblem(platform::lastError());
 }
-
-bool ToneEditor::saveTo(const char* path) { return kind_.save(curve_, settings_, path); }
 
 }  // namespace ko::tone

@@ -3,12 +3,13 @@
 // no window. What differs between the dialogs stands in ToneEditorKind.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "frame/dialog/host.h"
+#include "frame/dialog/document.h"
 #include "frame/text.h"
 #include "tone/dialog/curve_editor.h"
 #include "tone/tone.h"
@@ -34,8 +35,16 @@ extern const ToneEditorKind kDccEditor;
 
 enum class DccField { dpiX, dpiY, totalInk, lightInk };
 
-class ToneEditor final : public CurveEditor {
+class ToneEditor final : public CurveEditor, public dialog::Document {
 public:
+    // All that a person edits.
+    struct State {
+        std::vector<int16_t> table;
+        std::string title;
+        std::array<int32_t, 4> settings;
+        bool operator==(const State&) const = default;
+    };
+
     // Edits the curve in place; settings are the DCC's, null otherwise. An empty path, or one that
     // ends in a separator, means a new file in that folder.
     ToneEditor(const ToneEditorKind& kind, ToneCurve& curve, DccSettings* settings);
@@ -53,10 +62,26 @@ public:
 
     void reset();
     bool startNew(dialog::EditorHost& host);
-    void save(dialog::EditorHost& host);
-    void saveAs(dialog::EditorHost& host);
+
+    State capture() const;
+    void restore(const State& state);
 
 private:
+    template <class Edit>
+    void editAll(Edit&& change) {
+        release();
+        State before = capture();
+        change();
+        dialog::addStep(history(), *this, std::move(before));
+    }
+    bool isBusy() const noexcept override { return isDragging(); }
+    std::string_view questionCaption() const noexcept override;
+    std::string currentPath() const override { return std::string(path()); }
+    const char* fileFilter() const noexcept override { return kind_.filter; }
+    const char* fileExtension() const noexcept override { return kind_.extension; }
+    std::string startOfSave() const override { return startOfSaveAs(); }
+    std::string startOfSaveAs() const override { return startFolder_ + platform::kSeparator; }
+    std::optional<Problem> write(const std::string& path) override;
     int32_t levelOf(int32_t channel, int32_t index) const noexcept override {
         return level(channel, gridLevel(index));
     }
@@ -65,19 +90,18 @@ private:
     }
     void setLevel(int32_t channel, int32_t index, int32_t level) override;
     void mark(int32_t channel, int32_t index, bool on) override;
-    void keepForUndo() override;
+    void keepCurves() override;
     void restore(int32_t channel) override;
+    void curvesEdited() override;
     void scaleToEnd(int32_t channel, int32_t level) override;
     void evaluate(uint32_t channels) override;
     std::vector<dialog::Point> lineOf(dialog::Size graph, int32_t channel) const override;
-    bool saveTo(const char* path);
 
     const ToneEditorKind& kind_;
     ToneCurve& curve_;
     DccSettings* settings_;
     std::string startFolder_;
-    bool hasFile_ = false;
-    std::vector<int16_t> undo_;  // flags and values of every channel, from when the drag began
+    State kept_;  // from when the edit of the curves began
 };
 
 }  // namespace ko::tone
