@@ -21,5 +21,5 @@ make_press B 310 -0 0.88 -1 0.9 -2 0.86 -3 0.92
 make_press C 280 -0 1.12 -1 1.06 -2 1.1 -3 1.15
 script/build linux kolink_precise_bench > /dev/null
 p=build/presses
-build/linux/bin/kolink_precise_bench build $p/A.icc $p/B.icc $p/B.icc $p/A.icc $p/C.icc $p/A.icc \
-    $p/B.icc "$printer"
+build/linux/bin/kolink_precise_bench build $p/A.icc $p/B.icc $p/B.icc $p/A.icc \
+    $p/C.icc $p/A.icc $p/A.icc $p/C.icc $p/B.icc "$printer" "$printer" $p/B.icc

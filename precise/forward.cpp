@@ -164,9 +164,9 @@ template <size_t inputs>
 inline Evaluator::Cell Evaluator::cellOf(Four x) const noexcept {
     x = x > 0 ? x : Four{};
     x = x < 1 ? x : Four{1, 1, 1, 1};
-    const Four position = x * last_;
+    const Four position = x * loaded(last_);
     FourInt index = __builtin_convertvector(position, FourInt);
-    index += index > top_;
+    index += index > loaded(top_);
     const Four rest = position - __builtin_convertvector(index, Four);
     Cell cell;
     cell.low = grid_->nodes.data();
@@ -225,7 +225,7 @@ Slopes Evaluator::slopesAt(const Colour& in) const noexcept {
         const Cell cell = cellOf<3>(place);
         sum = inCell<3, true>(*grid_, cell.low, cell.rests.data(), slopes);
     }
-    steep *= steps_;
+    steep *= loaded(steps_);
     Slopes result;
     result.value = widened(out_.at(sum * static_cast<float>(grid_->scale), slope));
     for (size_t axis = 0; axis < kMostChannels; ++axis)

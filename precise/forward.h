@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -12,6 +13,20 @@ namespace ko::precise {
 // Four floats at once, each an IEEE float by itself on every target.
 using Four = float __attribute__((vector_size(16)));
 using FourInt = int32_t __attribute__((vector_size(16)));
+
+// What objects keep of them: memory from the heap is not everywhere aligned for the vectors.
+using FourKept = std::array<float, 4>;
+using FourIntKept = std::array<int32_t, 4>;
+inline Four loaded(const FourKept& kept) noexcept {
+    Four four;
+    std::memcpy(&four, kept.data(), sizeof four);
+    return four;
+}
+inline FourInt loaded(const FourIntKept& kept) noexcept {
+    FourInt four;
+    std::memcpy(&four, kept.data(), sizeof four);
+    return four;
+}
 
 // Four sampled curves side by side, for one argument each. Floats throughout; arguments are
 // limited to 0..1, and the two entries around them blended.
@@ -26,7 +41,7 @@ public:
     Four at(Four x, Four& slope) const noexcept {
         const Places places = placesOf(x);
         const Four rise = places.high - places.low;
-        slope = rise * last_;
+        slope = rise * loaded(last_);
         return places.low + places.rest * rise;
     }
 
@@ -37,9 +52,9 @@ private:
     Places placesOf(Four x) const noexcept {
         x = x > 0 ? x : Four{};
         x = x < 1 ? x : Four{1, 1, 1, 1};
-        const Four position = x * last_;
+        const Four position = x * loaded(last_);
         FourInt index = __builtin_convertvector(position, FourInt);
-        index += index > top_;  // a comparison that holds is -1
+        index += index > loaded(top_);  // a comparison that holds is -1
         Places places;
         places.rest = position - __builtin_convertvector(index, Four);
         for (size_t channel = 0; channel < 4; ++channel) {
@@ -49,8 +64,8 @@ private:
         }
         return places;
     }
-    Four last_ = {1, 1, 1, 1};
-    FourInt top_ = {0, 0, 0, 0};
+    FourKept last_ = {1, 1, 1, 1};
+    FourIntKept top_ = {0, 0, 0, 0};
     std::array<std::vector<float>, 4> entries_ = {{{0, 1}, {0, 1}, {0, 1}, {0, 1}}};
 };
 
@@ -87,8 +102,8 @@ private:
     size_t lead_ = 0;  // stages before the curves of the table
     QuickCurves in_, out_;
     const Grid* grid_ = nullptr;
-    Four last_{}, steps_{};  // cells an axis; times the grid's scale
-    FourInt top_{};
+    FourKept last_{}, steps_{};  // cells an axis; times the grid's scale
+    FourIntKept top_{};
 };
 
 }  // namespace ko::precise

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Reads the export table of a built library and holds it against the lists in cmake/ and against
 # the prototypes in the headers.
-#   exports.sh linux LIBRARY | exports.sh win32|win64 LIBRARY
+#   exports.sh linux|win32|win64 LIBRARY [precise]     the second library with the last word
 set -uo pipefail
-readonly target=$1 library=$2
+readonly target=$1 library=$2 kind=${3-}
 top=$(cd "$(dirname "$0")/../.." && pwd)
 . "$top/tests/support/checks.sh"
 
@@ -11,18 +11,24 @@ case $target in
     linux) compiler=cc ;;
     win32) compiler=i686-w64-mingw32-gcc-posix objdump=i686-w64-mingw32-objdump ;;
     win64) compiler=x86_64-w64-mingw32-gcc-posix objdump=x86_64-w64-mingw32-objdump ;;
-    *) echo "usage: exports.sh linux|win32|win64 LIBRARY" >&2; exit 2 ;;
+    *) echo "usage: exports.sh linux|win32|win64 LIBRARY [precise]" >&2; exit 2 ;;
 esac
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 lists=("$top/cmake/exports.txt")  # on Windows the dialogs are exported as well
 [ "$target" = linux ] || lists+=("$top/cmake/exports_windows.txt")
+headers=(kolink.h $(cd "$top/include" && echo kolink/*_dialog.h))
+names='(j[A-Z]|Value[0-9])' soname=libkolink.so.1
+if [ "$kind" = precise ]; then
+    lists=("$top/cmake/exports_precise.txt") headers=(kolink/precise.h)
+    names='koPrecise[A-Z]' soname=libkolink-precise.so.1
+fi
 grep -hE '^[A-Za-z]' "${lists[@]}" | sort > "$scratch/list"
 
 # Every function that the headers declare, with KOLINK_API or without: what the preprocessor
 # leaves of our own files, records and attributes taken out, up to each parameter list.
-{ echo '#include "kolink.h"'; cd "$top/include" && printf '#include "%s"\n' kolink/*_dialog.h; } |
+printf '#include "%s"\n' "${headers[@]}" |
     "$compiler" -E -I "$top/include" - |
     awk '/^# [0-9]+ "/ { ours = /include\/kolink[^"]*\.h"/; next } ours' |
     tr '\n' ' ' | sed -E 's/__attribute__ ?\(\([^;{}]*\)\)\)//g; s/\{[^{}]*\}//g' | tr ';' '\n' |
@@ -42,11 +48,11 @@ same() { [ -s "$1" ] && diff "$1" "$2" | head -20 && cmp -s "$1" "$2"; }
 check "$target: exactly the listed functions are exported" same "$scratch/list" "$scratch/exported"
 check "$target: exactly the declared functions are exported" \
     same "$scratch/headers" "$scratch/exported"
-plain() { [ -s "$1" ] && ! grep -vE '^(j[A-Z]|Value[0-9])[A-Za-z0-9_]*$' "$1"; }
+plain() { [ -s "$1" ] && ! grep -vE "^$names[A-Za-z0-9_]*$" "$1"; }
 check "$target: exported names are plain" plain "$scratch/exported"
 
 if [ "$target" = linux ]; then
-    soname() { readelf -d "$library" | grep -F 'soname: [libkolink.so.1]'; }
+    soname() { readelf -d "$library" | grep -F "soname: [$soname]"; }
     check "linux: the soname carries the major version" soname
     own_runtime() {
         readelf -d "$library" | grep -q SONAME &&

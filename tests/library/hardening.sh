@@ -10,9 +10,12 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 case $target in
-    linux) library=lib/libkolink.so.1.0.0 tool=bin/kolink prefix= ;;
-    win32) library=bin/KoLink.dll tool=bin/kolink.exe prefix=i686-w64-mingw32- ;;
-    win64) library=bin/KoLink.dll tool=bin/kolink.exe prefix=x86_64-w64-mingw32- ;;
+    linux) libraries=(lib/libkolink.so.1.0.0 lib/libkolink-precise.so.1.0.0)
+           tool=bin/kolink prefix= ;;
+    win32) libraries=(bin/KoLink.dll bin/KoLinkPrecise.dll)
+           tool=bin/kolink.exe prefix=i686-w64-mingw32- ;;
+    win64) libraries=(bin/KoLink.dll bin/KoLinkPrecise.dll)
+           tool=bin/kolink.exe prefix=x86_64-w64-mingw32- ;;
     *) echo "usage: hardening.sh linux|win32|win64 BUILD" >&2; exit 2 ;;
 esac
 
@@ -23,10 +26,12 @@ own_exceptions() {  # none of what the runtime would allocate for each thread, o
     symbols | grep __cxa_get_globals > /dev/null &&
         ! symbols | grep -E 'eh_globals|emutls|emergency_pool|__freeres'
 }
-check "$target: the library keeps its exceptions in its own memory" own_exceptions
+for library in "${libraries[@]}"; do
+    check "$target: $library keeps its exceptions in its own memory" own_exceptions
+done
 
 if [ "$target" = linux ]; then
-    for file in "$library" "$tool"; do
+    for file in "${libraries[@]}" "$tool"; do
         bound_at_once() { readelf -dW "$build/$file" | grep -E 'BIND_NOW|FLAGS.*NOW'; }
         check "linux: $file binds its symbols at once" bound_at_once
         read_only() { readelf -lW "$build/$file" | grep GNU_RELRO; }
@@ -39,17 +44,22 @@ if [ "$target" = linux ]; then
         check "linux: $file checks the sizes that it copies" fortified
     done
     landing() {  # at the start of every exported function
-        objdump -d --no-show-raw-insn "$build/$library" | grep -A1 -E '^[0-9a-f]+ <j[A-Za-z0-9]+>:' |
-            awk '/>:$/ { name = $2; next } /^--/ { next } $2 != "endbr64" { print name; bad = 1 }
-                 { ++seen } END { exit bad || seen < 50 }'
+        local exported
+        exported=$(dynamic "$library" | grep -cE ' T (j|koPrecise)[A-Z]')
+        objdump -d --no-show-raw-insn "$build/$library" |
+            grep -A1 -E '^[0-9a-f]+ <(j|koPrecise)[A-Z][A-Za-z0-9_]+>:' |
+            awk -v exported="$exported" '/>:$/ { name = $2; next } /^--/ { next }
+                 $2 != "endbr64" { print name; bad = 1 } { ++seen } END { exit bad || seen < 20 || seen < exported }'
     }
-    check "linux: exported functions are where control may land" landing
+    at_start() { ! readelf -rW "$build/$library" | grep -E 'DTPMOD|TLSDESC'; }
+    for library in "${libraries[@]}"; do
+        check "linux: exported functions of $library are where control may land" landing
+        check "linux: what $library keeps for a thread is there from its start" at_start
+    done
     anywhere() { readelf -hW "$build/$1" | grep -E 'Type: +DYN'; }
     check "linux: the tool runs at any address" anywhere "$tool"
-    at_start() { ! readelf -rW "$build/$library" | grep -E 'DTPMOD|TLSDESC'; }
-    check "linux: what the library keeps for a thread is there from its start" at_start
 else
-    for file in "$library" "$tool"; do
+    for file in "${libraries[@]}" "$tool"; do
         characteristics() { "${prefix}objdump" -p "$build/$file" | grep -w "$1" > /dev/null; }
         check "$target: $file runs at any address" characteristics DYNAMIC_BASE
         check "$target: data of $file is no code" characteristics NX_COMPAT
@@ -59,14 +69,16 @@ else
         check "$target: $file carries no date" undated
     done
     guarded() { symbols | grep __stack_chk_fail; }
-    check "$target: the library guards its stack" guarded
     fortified() { symbols | grep __memcpy_chk; }
-    check "$target: the library checks the sizes that it copies" fortified
     no_thread_library() { ! symbols | grep -E 'pthread_(self|key_create|getspecific|cond_wait)'; }
-    check "$target: no thread library is inside" no_thread_library
+    for library in "${libraries[@]}"; do
+        check "$target: $library guards its stack" guarded
+        check "$target: $library checks the sizes that it copies" fortified
+        check "$target: no thread library is inside $library" no_thread_library
+    done
 fi
 
-# The library linked once more from the same objects, a second later; and some objects compiled
+# Each library linked once more from the same objects, a second later; and some objects compiled
 # once more from a copy of the sources in another folder.
 relinked() {
     local again="$scratch/again" command
@@ -77,7 +89,9 @@ relinked() {
     sleep 1
     (cd "$build" && eval "$command") && cmp "$build/$library" "$again/$library"
 }
-check "$target: the library linked twice is the same" relinked
+for library in "${libraries[@]}"; do
+    check "$target: $library linked twice is the same" relinked
+done
 recompiled() {
     local other="$scratch/other" object command count=0
     mkdir -p "$other" && cp -r "$top"/{frame,icc,link,include,resources,cmake} "$other/" || return

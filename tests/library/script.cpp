@@ -27,6 +27,7 @@
 #endif
 
 #include "kolink.h"
+#include "kolink/precise.h"
 
 namespace {
 
@@ -699,6 +700,79 @@ void convertThroughTables() {
     jKoRgbReleaseRgbLut(rgb);
 }
 
+// The second library: transforms, inversions and links of every kind.
+void makePrecisely() {
+    Results out("precise.txt");
+    KoPreciseError error;
+    std::array<KoPreciseProfile*, 2> profiles = {koPreciseOpenProfile("printer.icc", &error),
+                                                 koPreciseOpenProfile("source.icc", &error)};
+    require(profiles[0] && profiles[1], "no profile");
+    Random random(12);
+    for (int32_t intent = 0; intent < 4; ++intent)
+        for (int32_t from = 0; from < 3; ++from) {
+            KoPreciseTransform* const transform = koPreciseMakeTransform(
+                from == 2 ? nullptr : profiles[static_cast<size_t>(from)],
+                from == 1 ? nullptr : profiles[0], intent, intent % 2, &error);
+            require(transform, error.text);
+            for (int n = 0; n < 200; ++n) {
+                std::array<float, 4> in{}, seen{};
+                for (float& value : in) value = static_cast<float>(random.fraction());
+                if (from == 2) in = {in[0] * 100, in[1] * 160 - 80, in[2] * 160 - 80, 0};
+                koPreciseTransformFloats(transform, in.data(), seen.data(), 1);
+                for (const float value : seen) out.bits(value);
+                out.endLine();
+            }
+            koPreciseReleaseTransform(transform);
+        }
+    for (int n = 0; n < 200; ++n) {
+        const double lab[3] = {random.fraction() * 100, random.fraction() * 120 - 60,
+                               random.fraction() * 120 - 60};
+        double inks[4] = {};
+        out.bits(koPreciseInvert(profiles[0], lab, n % 2 ? -1 : random.fraction(), 3, inks, &error));
+        for (const double ink : inks) out.bits(ink);
+        out.endLine();
+    }
+    struct Case {
+        int32_t black, bits, gridPoints, preserve, intent;
+        double saveInk, inkLimit;
+    };
+    constexpr Case kCases[] = {
+        {KO_PRECISE_BLACK_PLANE, 8, 33, 0, KO_PRECISE_RELATIVE, 0, KO_PRECISE_LIMIT_PROFILE},
+        {KO_PRECISE_BLACK_PLANE, 16, 17, 0, KO_PRECISE_RELATIVE, 60, 240},
+        {KO_PRECISE_BLACK_MATCH, 16, 17, 3, KO_PRECISE_ABSOLUTE, 0, KO_PRECISE_LIMIT_NONE},
+        {KO_PRECISE_BLACK_NONE, 16, 17, 0, KO_PRECISE_RELATIVE, 0, KO_PRECISE_LIMIT_PROFILE},
+        {KO_PRECISE_BLACK_NONE, 16, 9, 0, KO_PRECISE_PERCEPTUAL, 0, KO_PRECISE_LIMIT_PROFILE}};
+    int made = 0;
+    for (const Case& one : kCases) {
+        KoPreciseOptions options;
+        koPreciseInitOptions(&options);
+        options.black = one.black;
+        options.bits = one.bits;
+        options.gridPoints = one.gridPoints;
+        options.preserve = one.preserve;
+        options.intent = one.intent;
+        options.saveInk = one.saveInk;
+        options.inkLimit = one.inkLimit;
+        KoPreciseLink* const link =
+            koPreciseMakeLink(profiles[1], profiles[0], nullptr, &options, &error);
+        require(link, error.text);
+        KoPreciseFileOptions file{};
+        file.size = sizeof file;
+        file.editable = one.bits == 8;
+        const std::string path = "precise-" + std::to_string(++made) + ".icc";
+        require(koPreciseSaveLink(link, path.c_str(), &file, &error) == 1, error.text);
+        for (int n = 0; n < 200; ++n) {
+            std::array<uint16_t, 4> in{}, levels{};
+            for (uint16_t& level : in) level = static_cast<uint16_t>(random.between(0, 65535));
+            koPreciseLinkRow16(link, in.data(), levels.data(), 1);
+            for (const uint16_t level : levels) out.number(level);
+            out.endLine();
+        }
+        koPreciseReleaseLink(link);
+    }
+    for (KoPreciseProfile* profile : profiles) koPreciseReleaseProfile(profile);
+}
+
 void runAll() {
     evaluateLuts();
     convertColours();
@@ -710,6 +784,7 @@ void runAll() {
     convertForHosts();
     saveDevice();
     convertThroughTables();
+    makePrecisely();
 }
 
 void onASmallStack([[maybe_unused]] void (*run)()) {
