@@ -13,6 +13,7 @@ namespace ko::cli {
 
 Option& Option::called(const char* value) { option_->type_name(value); return *this; }
 Option& Option::required() { option_->required(); return *this; }
+Option& Option::valueMayLack() { option_->expected(0, 1)->default_str(""); return *this; }
 Option& Option::between(int lowest, int highest) { option_->check(CLI::Range(lowest, highest)); return *this; }
 Option& Option::separatedBy(char delimiter) { option_->delimiter(delimiter); return *this; }
 Option& Option::oneOf(std::initializer_list<std::string> words, bool listed) {

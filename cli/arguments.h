@@ -22,6 +22,7 @@ public:
     explicit Option(CLI::Option* option) : option_(option) {}
     Option& called(const char* value);  // what stands for the value in the help
     Option& required();
+    Option& valueMayLack();  // an empty text then
     Option& between(int lowest, int highest);
     Option& separatedBy(char delimiter);
     // One of these words; listed: the help names them after the option.

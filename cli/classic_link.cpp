@@ -25,7 +25,8 @@ void requireConnectionSpace(const IccInput& profile, const char* role) {
                                     "; the " + role + " must be a profile that connects to Lab or XYZ");
 }
 
-// The table of the intent, of the right shape.
+}  // namespace
+
 void requireTable(const IccInput& profile, bool toConnectionSpace, int intent) {
     static constexpr uint32_t kTags[2][3] = {
         {fourcc("B2A0"), fourcc("B2A1"), fourcc("B2A2")},
@@ -55,7 +56,27 @@ void requireTable(const IccInput& profile, bool toConnectionSpace, int intent) {
                                         std::to_string(in) + " to " + std::to_string(out) + " are needed");
 }
 
-}  // namespace
+void requireClassicRgb(const IccInput& profile, int intent) {
+    const std::string& path = profile.file().path;
+    const uint32_t table = fourcc("A2B0") + static_cast<uint32_t>(intent);
+    requireConnectionSpace(profile, "source");
+    if (profile.find(table)) {
+        (void)profile.lut(table);
+        return;
+    }
+    if (profile.header().connectionSpace != fourcc("XYZ "))
+        failOn(path, "has no " + signatureText(table) + " and connects to Lab by a matrix, which --method classic cannot");
+    for (const auto& [tag, type] : {std::pair(fourcc("rTRC"), fourcc("curv")), std::pair(fourcc("gTRC"), fourcc("curv")),
+                                    std::pair(fourcc("bTRC"), fourcc("curv")), std::pair(fourcc("rXYZ"), fourcc("XYZ ")),
+                                    std::pair(fourcc("gXYZ"), fourcc("XYZ ")), std::pair(fourcc("bXYZ"), fourcc("XYZ "))}) {
+        const IccTagEntry* const entry = profile.find(tag);
+        if (!entry)
+            failOn(path, "has neither " + signatureText(table) + " nor " + signatureText(tag) + "; --method classic needs one");
+        if (const uint32_t found = profile.elementType(*entry); found != type)
+            failOn(path, "tag " + signatureText(tag) + " is of type '" + signatureText(found) +
+                             "'; --method classic reads '" + signatureText(type) + "' alone");
+    }
+}
 
 void checkBase(const InputFile& file) {
     if (file.type == FileType::cmykTable || file.type == FileType::amatchTable) {

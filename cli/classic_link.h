@@ -16,6 +16,10 @@ namespace ko::cli {
 void checkBase(const InputFile& file);
 void requireBlackCurve(const InputFile& file);
 
+// The table of the intent, of the right shape; and what RGB goes through to the connection space.
+void requireTable(const IccInput& profile, bool toConnectionSpace, int intent);
+void requireClassicRgb(const IccInput& profile, int intent);
+
 // Whether source and destination, which may be missing, are a foreign table with DCC settings.
 bool isForeignPair(const InputFile* source, const InputFile* destination);
 

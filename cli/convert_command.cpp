@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "cli/arguments.h"
 #include "cli/command.h"
@@ -24,47 +26,45 @@ constexpr char kExamples[] =
     "  kolink convert --builtin --grey 255,0,0\n"
     "\n"
     "Colours are numbers 0..255, or 0..100 with --percent, with blanks, tabs or commas between\n"
-    "them: C M Y K or R G B. Fractions are rounded to the nearest of 256 levels. Standard input is\n"
-    "read when no colour is given, a colour a line; empty lines and lines that begin with # are\n"
-    "left out.\n";
+    "them: C M Y K or R G B; of L*a*b* and XYZ they are their own numbers. Standard input is read\n"
+    "when no colour is given, a colour a line; empty lines and lines that begin with # are left\n"
+    "out. To CMYK the result is that of the link that kolink link would make; with --percent or\n"
+    "--precision, of one of 16 bits.\n";
 
 constexpr size_t kBatch = 8192;  // colours that are converted at once
 
 constexpr bool isBetween(char c) { return c == ' ' || c == '\t' || c == ','; }
 
-// Reads one colour's numbers into levels; the number of them, or nothing for a line that is none.
+// Reads one colour's numbers; the number of them, or nothing for a line that is none.
 class LineParser {
 public:
     explicit LineParser(bool percent) : percent_(percent) {}
 
-    // Up to four levels of a line; more numbers, words and numbers out of range are refused.
-    int parse(const char* at, const char* end, uint8_t (&levels)[4]) const {
+    // Up to four numbers of a line; more and words are refused.
+    int parse(const char* at, const char* end, double (&values)[4]) const {
         int count = 0;
         for (;;) {
             while (at != end && isBetween(*at)) ++at;
             if (at == end) return count;
             if (count == 4) return -1;
-            if (!number(at, end, levels[count++])) return -1;
+            if (!number(at, end, values[count++])) return -1;
             if (at != end && !isBetween(*at)) return -1;
         }
     }
 
 private:
-    bool number(const char*& at, const char* end, uint8_t& level) const {
+    bool number(const char*& at, const char* end, double& value) const {
         // Most are whole numbers of up to three digits.
         unsigned whole = 0;
         const char* digit = at;
         while (digit != end && *digit >= '0' && *digit <= '9' && digit - at < 4) whole = whole * 10 + unsigned(*digit++ - '0');
-        if (!percent_ && digit != at && digit - at <= 3 && (digit == end || isBetween(*digit))) {
-            if (whole > 255) return false;
-            level = static_cast<uint8_t>(whole);
+        if (digit != at && digit - at <= 3 && (digit == end || isBetween(*digit))) {
+            value = whole;
             at = digit;
             return true;
         }
-        double value = 0;
         const auto read = std::from_chars(at, end, value);
-        if (read.ec != std::errc() || !(value >= 0 && value <= (percent_ ? 100 : 255))) return false;
-        level = static_cast<uint8_t>((percent_ ? value * 2.55 : value) + 0.5);
+        if (read.ec != std::errc() || !(value >= -1e9 && value <= 1e9)) return false;
         at = read.ptr;
         if (percent_ && at != end && *at == '%') ++at;
         return true;
@@ -73,75 +73,119 @@ private:
     bool percent_;
 };
 
+// What numbers of a colour mean.
+struct Scale {
+    double low[4] = {0, 0, 0, 0}, high[4] = {255, 255, 255, 255};
+    double unit = 255;  // of a level; 1 for the spaces with numbers of their own
+    int decimals = 0;
+    std::string range = "from 0 to 255";
+
+    Scale(ColourSpace space, bool percent, std::optional<int> precision) {
+        if (space == ColourSpace::lab) {
+            *this = {{0, -128, -128, 0}, {100, 128, 128, 0}, 1, 2, "L* 0 to 100, a* and b* -128 to 128"};
+        } else if (space == ColourSpace::xyz) {
+            *this = {{0, 0, 0, 0}, {2, 2, 2, 0}, 1, 4, "from 0 to 2"};
+        } else if (percent) {
+            *this = {{0, 0, 0, 0}, {100, 100, 100, 100}, 100, 2, "from 0 to 100"};
+        }
+        if (precision) decimals = *precision;
+    }
+
+private:
+    Scale(std::initializer_list<double> from, std::initializer_list<double> to, double one, int digits, const char* words)
+        : unit(one), decimals(digits), range(words) {
+        std::copy(from.begin(), from.end(), low);
+        std::copy(to.begin(), to.end(), high);
+    }
+};
+
+// How numbers are read and written.
+struct Numbers {
+    bool percent = false;
+    std::optional<int> precision;
+    bool isFine() const { return percent || precision; }
+};
+
 // Collects colours, converts them together, prints them.
 class Pipeline {
 public:
-    Pipeline(const ConversionOptions& options, std::optional<ColourSpace> from, bool percent)
-        : options_(options), from_(from), percent_(percent), parser_(percent) {}
+    Pipeline(const ConversionOptions& options, std::optional<ColourSpace> from, const Numbers& numbers)
+        : options_(options), from_(from), numbers_(numbers), parser_(numbers.percent) {}
 
-    // where names the line or the argument in an error.
+    // A line or an argument; where says which, for what goes wrong.
     template <class Where>
     void add(const char* begin, const char* end, const Where& where) {
-        uint8_t levels[4];
-        const int count = parser_.parse(begin, end, levels);
+        double values[4];
+        const int count = parser_.parse(begin, end, values);
         if (count == 0) return;
         if (!conversion_) start(count);
-        if (count != inputs_)
+        bool fits = count == inputs_;
+        for (int at = 0; fits && at < count; ++at)
+            fits = values[at] >= in_->low[at] && values[at] <= in_->high[at];
+        if (!fits)
             throw Failure(where() + ": '" + printable(std::string_view(begin, static_cast<size_t>(std::min<std::ptrdiff_t>(end - begin, 60)))) +
-                          "' is not " + std::to_string(inputs_) + " numbers from 0 to " +
-                          (percent_ ? "100" : "255") + " (" + nameOf(conversion_->input) + ")");
-        std::memcpy(&input_[colours_++ * static_cast<size_t>(inputs_)], levels, static_cast<size_t>(inputs_));
+                          "' is not " + std::to_string(inputs_) + " numbers " + in_->range + " (" +
+                          nameOf(conversion_->input) + ")");
+        const size_t at = colours_++ * static_cast<size_t>(inputs_);
+        for (size_t i = 0; i < static_cast<size_t>(inputs_); ++i) {
+            isWhole_ = isWhole_ && values[i] == static_cast<double>(static_cast<uint8_t>(values[i] > 0 ? values[i] : 0));
+            input_[at + i] = static_cast<float>(values[i] / in_->unit);
+        }
         if (colours_ == kBatch) flush();
     }
 
     void flush() {
         if (colours_ == 0) return;
-        conversion_->convert(input_.data(), static_cast<int32_t>(colours_), output_.data());
-        const size_t outputs = static_cast<size_t>(channelsOf(conversion_->output));
-        char* at = text_.data();
-        for (size_t value = 0; value < colours_ * outputs; ++value) {
-            at = print(at, output_[value]);
-            *at++ = (value + 1) % outputs == 0 ? '\n' : ' ';
+        const size_t inputs = static_cast<size_t>(inputs_), outputs = static_cast<size_t>(channelsOf(conversion_->output));
+        // Whole levels are a picture's: what comes out is what a picture gets.
+        if (isWhole_ && !numbers_.isFine() && hasLevels(conversion_->input) && hasLevels(conversion_->output)) {
+            for (size_t at = 0; at < colours_ * inputs; ++at) levels_[at] = static_cast<uint8_t>(input_[at] * 255 + 0.5f);
+            conversion_->convert8(levels_.data(), colours_, levelsOut_.data());
+            for (size_t at = 0; at < colours_ * outputs; ++at) {
+                char text[4];
+                text_.append(text, std::to_chars(text, text + sizeof text, levelsOut_[at]).ptr);
+                text_ += (at + 1) % outputs == 0 ? '\n' : ' ';
+            }
+        } else {
+            conversion_->convertFloats(input_.data(), colours_, output_.data());
+            for (size_t at = 0; at < colours_ * outputs; ++at) {
+                text_ += number(static_cast<double>(output_[at]) * out_->unit, out_->decimals);
+                text_ += (at + 1) % outputs == 0 ? '\n' : ' ';
+            }
         }
-        writeOut({text_.data(), static_cast<size_t>(at - text_.data())});
+        writeOut(text_);
+        text_.clear();
         colours_ = 0;
+        isWhole_ = true;
     }
 
 private:
     void start(int count) {
-        if (count < 0) count = 0;
-        auto hint = from_;
-        if (!hint && (count == 3 || count == 4)) hint = count == 3 ? ColourSpace::rgb : ColourSpace::cmyk;
-        conversion_ = options_.make(hint);
+        ConversionNeeds needs;
+        needs.isFine = numbers_.isFine();
+        needs.input = from_;
+        if (!needs.input && (count == 3 || count == 4)) needs.input = count == 3 ? ColourSpace::rgb : ColourSpace::cmyk;
+        conversion_ = options_.make(needs);
         inputs_ = channelsOf(conversion_->input);
         if (from_ && *from_ != conversion_->input)
             throw UsageFailure(std::string("--from ") + nameOf(*from_) + " contradicts the conversion, which takes " +
                                nameOf(conversion_->input));
-    }
-
-    // A whole level, or percent with two decimals at most; rounded half up.
-    char* print(char* at, uint32_t value16) const {
-        if (!percent_) return std::to_chars(at, at + 8, std::min(255u, (value16 + 8) / 16)).ptr;
-        const uint32_t hundredths = (std::min(value16, 4080u) * 20000 + 4080) / 8160;
-        at = std::to_chars(at, at + 8, hundredths / 100).ptr;
-        if (const uint32_t rest = hundredths % 100) {
-            *at++ = '.';
-            *at++ = static_cast<char>('0' + rest / 10);
-            if (rest % 10) *at++ = static_cast<char>('0' + rest % 10);
-        }
-        return at;
+        in_.emplace(conversion_->input, numbers_.percent, numbers_.precision);
+        out_.emplace(conversion_->output, numbers_.percent, numbers_.precision);
     }
 
     const ConversionOptions& options_;
     std::optional<ColourSpace> from_;
-    bool percent_;
+    Numbers numbers_;
     LineParser parser_;
     std::unique_ptr<Conversion> conversion_;
+    std::optional<Scale> in_, out_;
     int inputs_ = 0;
     size_t colours_ = 0;
-    std::array<uint8_t, kBatch * 4> input_{};
-    std::array<uint16_t, kBatch * 4> output_{};
-    std::array<char, kBatch * 4 * 8> text_{};
+    bool isWhole_ = true;
+    std::array<float, kBatch * 4> input_{}, output_{};
+    std::array<uint8_t, kBatch * 4> levels_{}, levelsOut_{};
+    std::string text_;
 };
 
 void convertInput(Pipeline& pipeline) {
@@ -185,7 +229,7 @@ void addConvertCommand(Command& app) {
         ConversionOptions conversion;
         std::vector<std::string> colours;
         std::string from;
-        bool percent = false;
+        Numbers numbers;
     };
     const auto options = std::make_shared<Options>();
     Command command = app.command("convert", "Convert colours, from arguments or standard input");
@@ -194,11 +238,14 @@ void addConvertCommand(Command& app) {
     options->conversion.addTo(command);
     command.option("--from", options->from, "With --builtin or --grey alone: what the colours are")
         .oneOf({"rgb", "cmyk"});
-    command.flag("--percent", options->percent, "Numbers are percent, in and out");
+    command.flag("--percent", options->numbers.percent, "Numbers are percent, in and out");
+    command.option("--precision", options->numbers.precision, "Decimals of the results, 0 to 6; colours are not rounded before")
+        .called("DIGITS")
+        .between(0, 6);
     command.does([options] {
         std::optional<ColourSpace> from;
         if (!options->from.empty()) from = options->from == "rgb" ? ColourSpace::rgb : ColourSpace::cmyk;
-        const auto pipeline = std::make_unique<Pipeline>(options->conversion, from, options->percent);
+        const auto pipeline = std::make_unique<Pipeline>(options->conversion, from, options->numbers);
         if (options->colours.empty()) convertInput(*pipeline);
         for (const std::string& colour : options->colours)
             pipeline->add(colour.data(), colour.data() + colour.size(), [] { return std::string("argument"); });

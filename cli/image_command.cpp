@@ -1,6 +1,9 @@
 // kolink image: a TIFF picture converted row by row, in constant memory.
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <memory>
+#include <optional>
 #include <span>
 
 #include "cli/arguments.h"
@@ -8,6 +11,7 @@
 #include "cli/conversion.h"
 #include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/icc_input.h"
 #include "cli/progress.h"
 #include "cli/tiff_picture.h"
 
@@ -16,12 +20,15 @@ namespace {
 
 constexpr char kExamples[] =
     "Examples:\n"
-    "  kolink image photo.tif print.tif --source srgb.icc --destination press.icc --embed\n"
+    "  kolink image photo.tif print.tif --destination press.icc --embed\n"
+    "  kolink image scan.tif print.tif --source scanner.icc --destination press.icc --bpc\n"
     "  kolink image page.tif proof.tif --link proof.icc\n"
     "  kolink image photo.tif grey.tif --grey\n"
     "\n"
-    "RGB and CMYK pictures of 8 or 16 bits a sample, in strips or tiles, one page or several.\n"
-    "Resolution and descriptions are kept. 16-bit samples are converted with 8-bit precision in.\n";
+    "RGB, CMYK and grey pictures of 8 or 16 bits a sample, in strips or tiles, one page or several.\n"
+    "Resolution and descriptions are kept. The profile in the picture is the source unless --source\n"
+    "names one. 16-bit samples are converted in 16 bits, but for --table, --builtin, --grey and\n"
+    "--method classic and system, which know 8.\n";
 
 constexpr int kMostPages = 1000;
 
@@ -76,19 +83,41 @@ void prepareOutput(TIFF* out, const Page& page, ColourSpace space, uint16_t bits
     TIFFSetField(out, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(out, 0));
 }
 
-// The converter's 16-scale to samples. Grey ink becomes lightness, as pictures have it.
-void toSamples(const uint16_t* from, size_t count, bool isGrey, uint16_t bits, uint8_t* to) {
-    for (size_t at = 0; at < count; ++at) {
-        uint32_t value = std::min<uint32_t>(from[at], 4080);
-        if (isGrey) value = 4080 - value;
-        if (bits == 8) {
-            to[at] = static_cast<uint8_t>((value + 8) / 16);
-        } else {
-            const auto sample = static_cast<uint16_t>((value * 65535 + 2040) / 4080);
-            std::copy_n(reinterpret_cast<const uint8_t*>(&sample), 2, to + 2 * at);
-        }
+// Rows of one page through a conversion, of 8 or 16 bits on either side.
+class RowConverter {
+public:
+    RowConverter(Conversion& conversion, const Page& page, uint16_t bits)
+        : conversion_(conversion), width_(page.width), bitsIn_(page.bits), bitsOut_(bits),
+          in_(width_ * static_cast<size_t>(channelsOf(conversion.input)) * (page.bits / 8u)),
+          out_(width_ * static_cast<size_t>(channelsOf(conversion.output)) * (bits / 8u)) {
+        if (bitsIn_ == 8 && bitsOut_ == 8) return;
+        wideIn_.resize(width_ * static_cast<size_t>(channelsOf(conversion.input)));
+        wideOut_.resize(width_ * static_cast<size_t>(channelsOf(conversion.output)));
     }
-}
+    uint8_t* input() { return in_.data(); }
+    uint8_t* convert() {
+        if (wideIn_.empty()) {
+            conversion_.convert8(in_.data(), width_, out_.data());
+        } else {
+            if (bitsIn_ == 8) std::transform(in_.begin(), in_.end(), wideIn_.begin(), [](uint8_t level) { return static_cast<uint16_t>(level * 257); });
+            else std::memcpy(wideIn_.data(), in_.data(), in_.size());
+            conversion_.convert16(wideIn_.data(), width_, wideOut_.data());
+            if (bitsOut_ == 8) std::transform(wideOut_.begin(), wideOut_.end(), out_.begin(), [](uint16_t level) { return static_cast<uint8_t>((level + 128u) / 257); });
+            else std::memcpy(out_.data(), wideOut_.data(), out_.size());
+        }
+        // Grey ink becomes lightness, as pictures have it.
+        if (conversion_.givesInk)
+            for (uint8_t& byte : out_) byte = static_cast<uint8_t>(~byte);
+        return out_.data();
+    }
+
+private:
+    Conversion& conversion_;
+    size_t width_;
+    uint16_t bitsIn_, bitsOut_;
+    std::vector<uint8_t> in_, out_;
+    std::vector<uint16_t> wideIn_, wideOut_;
+};
 
 // With the system's reason, where the file has one: the picture's library does not know it.
 [[noreturn]] void failToWrite(const std::string& path, NewFile& made) {
@@ -99,28 +128,76 @@ void toSamples(const uint16_t* from, size_t count, bool isGrey, uint16_t bits, u
 struct Options {
     ConversionOptions conversion;
     std::string input, output;
+    std::optional<std::string> embed;  // empty: the destination profile
     int bits = 0;
-    bool embed = false, quiet = false;
+    bool quiet = false;
 };
+
+// The conversion of one page; the one before serves as long as the embedded profile is the same.
+class PageConversion {
+public:
+    explicit PageConversion(const Options& options) : options_(options) {}
+
+    Conversion& of(const InputFile& file, const Page& page, TIFF* tiff) {
+        std::vector<uint8_t> embedded = embeddedProfile(tiff);
+        const bool isFine = options_.bits == 16 || page.bits == 16;
+        const bool isSource = !options_.conversion.hasSource() && !embedded.empty();
+        if (conversion_ && (!isSource || embedded == embedded_) && isFine == isFine_) return *conversion_;
+        ConversionNeeds needs{page.space, std::nullopt, isFine, true};
+        if (isSource) needs.embedded = inMemory(file.path, embedded);
+        std::unique_ptr<Conversion> made = options_.conversion.make(needs);
+        if (conversion_ && made->output != conversion_->output)
+            failOn(file.path, "has pages that become different colours");
+        if (!conversion_ && !embedded.empty() && options_.conversion.hasSource() && made->sourceProfile &&
+            !std::ranges::equal(embedded, made->sourceProfile->bytes))
+            std::fputs(("kolink: " + printable(file.path) + ": the profile in the picture is not used, since --source names another\n").c_str(), stderr);
+        conversion_ = std::move(made);
+        embedded_ = std::move(embedded);
+        isFine_ = isFine;
+        return *conversion_;
+    }
+
+private:
+    const Options& options_;
+    std::unique_ptr<Conversion> conversion_;
+    std::vector<uint8_t> embedded_;
+    bool isFine_ = false;
+};
+
+// The profile that the result gets.
+std::optional<InputFile> profileToEmbed(const Options& options, const Conversion& conversion) {
+    if (!options.embed) return std::nullopt;
+    if (options.embed->empty()) {
+        if (!conversion.destinationProfile)
+            throw UsageFailure("--embed needs --source and --destination, or the name of a profile: there is no profile of the result otherwise");
+        return conversion.destinationProfile;
+    }
+    const IccInput profile(openInput(*options.embed));
+    static constexpr uint32_t kSpaces[] = {fourcc("RGB "), fourcc("CMYK"), fourcc("GRAY")};
+    const uint32_t space = profile.header().colourSpace;
+    const auto wanted = static_cast<size_t>(conversion.output);
+    if (wanted >= std::size(kSpaces) || space != kSpaces[wanted] || profile.header().deviceClass == fourcc("link"))
+        failOn(*options.embed, "is " + std::string(profile.header().deviceClass == fourcc("link") ? "a link" : "a profile for " + signatureText(space)) +
+                                   ", and the result is " + nameOf(conversion.output));
+    return profile.file();
+}
 
 void convertImage(const Options& options) {
     const InputFile file = lookAt(options.input);
     TiffPtr in = openTiff(file.path);
     Page page = readPage(file, in.get());
-    const auto conversion = options.conversion.make(page.space);
-    std::span<const uint8_t> profile;
-    if (options.embed) {
-        if (!conversion->destinationProfile)
-            throw UsageFailure("--embed needs --source and --destination: there is no profile of the result otherwise");
-        profile = conversion->destinationProfile->bytes;
-    }
+    PageConversion conversions(options);
+    Conversion* conversion = &conversions.of(file, page, in.get());
+    const std::optional<InputFile> embedded = profileToEmbed(options, *conversion);
+    const std::span<const uint8_t> profile = embedded ? embedded->bytes : std::span<const uint8_t>();
 
     std::vector<std::string> inputs = conversion->files;
     inputs.push_back(options.input);
+    if (options.embed && !options.embed->empty()) inputs.push_back(*options.embed);
     checkOutput(options.output, inputs);
-    const std::string libraryPath = toLibraryPath(options.output);
     const system::Making making;
-    NewFile made(libraryPath.c_str(), false);
+    const system::Writing place(options.output);
+    NewFile made(place.path().c_str(), false);
     forgetTiffError();
     // Beyond 4 GB only the larger form of TIFF has room.
     const uint64_t estimate = uint64_t{page.width} * page.height * 4 * (options.bits == 16 || page.bits == 16 ? 2 : 1);
@@ -129,6 +206,7 @@ void convertImage(const Options& options) {
     if (!out) failWith(options.output, "cannot be written");
 
     for (int number = 0;; ++number) {
+        if (number > 0) conversion = &conversions.of(file, page, in.get());
         if (page.space != conversion->input)
             failOn(file.path, std::string("is ") + nameOf(page.space) + (number ? " on page " + std::to_string(number + 1) : "") +
                                   ", and the conversion takes " + nameOf(conversion->input));
@@ -140,16 +218,11 @@ void convertImage(const Options& options) {
 
         std::vector<TiffPtr> more;
         RowReader reader(file.path, page, channelHandles(file.path, page, in.get(), number, more));
-        const size_t outputs = static_cast<size_t>(channelsOf(conversion->output));
-        std::vector<uint8_t> row(size_t{page.width} * static_cast<size_t>(channelsOf(page.space)));
-        std::vector<uint16_t> converted(page.width * outputs);
-        std::vector<uint8_t> samples(page.width * outputs * (bits / 8u));
+        RowConverter rows(*conversion, page, bits);
         Progress progress(fromPath(toPath(options.output).filename()), page.height, options.quiet);
         for (uint32_t y = 0; y < page.height; ++y) {
-            reader.read(y, row.data());
-            conversion->convert(row.data(), static_cast<int32_t>(page.width), converted.data());
-            toSamples(converted.data(), converted.size(), conversion->output == ColourSpace::grey, bits, samples.data());
-            if (TIFFWriteScanline(out.get(), samples.data(), y, 0) < 0) failToWrite(options.output, made);
+            reader.read(y, rows.input());
+            if (TIFFWriteScanline(out.get(), rows.convert(), y, 0) < 0) failToWrite(options.output, made);
             progress.advanceTo(y + 1);
             if (const int signal = system::interruption()) throw Interrupted{signal};
         }
@@ -175,7 +248,9 @@ void addImageCommand(Command& app) {
     options->conversion.addTo(command);
     command.option("--bits", options->bits, "Bits a sample of the result, 8 or 16; those of the picture")
         .oneOf({8, 16});
-    command.flag("--embed", options->embed, "Embed the destination profile");
+    command.option("--embed", options->embed, "Embed the destination profile, or this one, which a link needs")
+        .called("[FILE]")
+        .valueMayLack();
     command.flag("-q,--quiet", options->quiet, "No progress bar");
     command.does([options] { convertImage(*options); });
 }

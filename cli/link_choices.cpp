@@ -141,6 +141,19 @@ std::string LinkChoices::onlyPrecise() const {
     return {};
 }
 
+std::string LinkChoices::first() const {
+    const std::pair<bool, const char*> all[] = {
+        {base.has_value(), "--base"}, {method.has_value(), "--method"}, {intent.has_value(), "--intent"},
+        {compensatesBlack, "--bpc"}, {black.has_value(), "--black"}, {preserve.has_value(), "--preserve"},
+        {inkLimit.has_value(), "--ink-limit"}, {saveInk.has_value(), "--save-ink"},
+        {saveInkAbove.has_value(), "--save-ink-above"}, {clip.has_value(), "--clip"},
+        {white.has_value(), "--white"}, {paper.has_value(), "--paper"}, {fade.has_value(), "--fade"},
+        {grid.has_value(), "--grid"}};
+    for (const auto& [given, name] : all)
+        if (given) return name;
+    return {};
+}
+
 KoPreciseOptions LinkChoices::preciseOptions() const {
     KoPreciseOptions options;
     koPreciseInitOptions(&options);

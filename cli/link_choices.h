@@ -33,6 +33,8 @@ struct LinkChoices {
     void check() const;
     // The first of the choices that only the precise way knows, as it is spelt; empty: none.
     std::string onlyPrecise() const;
+    // The first of the choices that was made, for where none has a meaning; empty: none.
+    std::string first() const;
     // For a curve as black, its levels; where it is not one of the words.
     bool blackIsFile() const;
     // For a link from and to these spaces; black's curve is left as it is.

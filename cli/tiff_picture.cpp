@@ -159,12 +159,23 @@ Page readPage(const InputFile& file, TIFF* tiff) {
     }
     if (photometric == PHOTOMETRIC_RGB && page.samples >= 3) page.space = ColourSpace::rgb;
     else if (photometric == PHOTOMETRIC_SEPARATED && page.samples >= 4 && inks == INKSET_CMYK) page.space = ColourSpace::cmyk;
-    else failOn(path, "is neither an RGB nor a CMYK picture (photometric interpretation " +
+    else if (photometric == PHOTOMETRIC_MINISBLACK || photometric == PHOTOMETRIC_MINISWHITE) {
+        page.space = ColourSpace::grey;
+        page.whiteIsZero = photometric == PHOTOMETRIC_MINISWHITE;
+    } else failOn(path, "is neither an RGB, a CMYK nor a grey picture (photometric interpretation " +
                           std::to_string(photometric) + ", " + std::to_string(page.samples) + " samples)");
     if (page.samples > 32) failOn(path, "has " + std::to_string(page.samples) + " samples a pixel");
     requireWholeReading(path);
     requirePixels(file, page);
     return page;
+}
+
+std::vector<uint8_t> embeddedProfile(TIFF* tiff) {
+    uint32_t size = 0;
+    const void* data = nullptr;
+    if (!TIFFGetField(tiff, TIFFTAG_ICCPROFILE, &size, &data) || !data) return {};
+    const auto* const bytes = static_cast<const uint8_t*>(data);
+    return {bytes, bytes + size};
 }
 
 std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIFF* tiff, int number,
@@ -183,7 +194,7 @@ std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIF
 
 RowReader::RowReader(const std::string& path, const Page& page, std::vector<TIFF*> handles)
     : path_(path), page_(page), handles_(std::move(handles)),
-      channels_(static_cast<size_t>(channelsOf(page.space))) {
+      channels_(static_cast<size_t>(channelsOf(page.space))), sample_(page.bits / 8u) {
     uint64_t size = 0;
     if (page.tiled) {
         TIFFGetField(handles_[0], TIFFTAG_TILEWIDTH, &tileWidth_);
@@ -209,21 +220,15 @@ void RowReader::read(uint32_t row, uint8_t* pixels) {
     for (size_t channel = 0; channel < channels_; ++channel) {
         const size_t step = page_.planar ? 1 : page_.samples;
         const uint8_t* const from = &buffer_[page_.planar ? channel * plane : channel * (page_.bits / 8)];
-        take(from, step, page_.width, pixels + channel);
+        take(from, step, page_.width, pixels + channel * sample_);
     }
 }
 
-// Samples step apart, reduced to 8 bits, to every channels_-th byte.
+// Samples step apart, to every channels_-th sample.
 void RowReader::take(const uint8_t* from, size_t step, uint32_t count, uint8_t* to) const {
-    if (page_.bits == 8) {
-        for (uint32_t x = 0; x < count; ++x, to += channels_) *to = from[x * step];
-        return;
-    }
-    for (uint32_t x = 0; x < count; ++x, to += channels_) {
-        uint16_t sample;
-        std::copy_n(from + 2 * x * step, 2, reinterpret_cast<uint8_t*>(&sample));
-        *to = static_cast<uint8_t>((sample + 128u) / 257);
-    }
+    const auto flip = static_cast<uint8_t>(page_.whiteIsZero ? 0xff : 0);
+    for (uint32_t x = 0; x < count; ++x, from += step * sample_, to += channels_ * sample_)
+        for (size_t byte = 0; byte < sample_; ++byte) to[byte] = static_cast<uint8_t>(from[byte] ^ flip);
 }
 
 void RowReader::readTiled(uint32_t row, uint8_t* pixels) {
@@ -236,15 +241,14 @@ void RowReader::readTiled(uint32_t row, uint8_t* pixels) {
                                  row, 0, static_cast<uint16_t>(plane)) < 0)
                     failWith(path_, "cannot be read at row " + std::to_string(row + 1));
     requireWholeReading(path_);
-    const size_t sample = page_.bits / 8u;
     const size_t step = page_.planar ? 1 : page_.samples;
-    const size_t line = size_t{row % tileHeight_} * tileWidth_ * step * sample;
+    const size_t line = size_t{row % tileHeight_} * tileWidth_ * step * sample_;
     for (uint32_t tile = 0; tile < across; ++tile) {
         const uint32_t x = tile * tileWidth_, count = std::min(tileWidth_, page_.width - x);
         for (size_t channel = 0; channel < channels_; ++channel) {
             const size_t plane = page_.planar ? channel : 0;
-            const size_t at = (plane * across + tile) * tileBytes_ + line + (page_.planar ? 0 : channel * sample);
-            take(&buffer_[at], step, count, pixels + x * channels_ + channel);
+            const size_t at = (plane * across + tile) * tileBytes_ + line + (page_.planar ? 0 : channel * sample_);
+            take(&buffer_[at], step, count, pixels + (x * channels_ + channel) * sample_);
         }
     }
 }

@@ -36,6 +36,7 @@ struct Page {
     uint32_t width = 0, height = 0;
     uint16_t bits = 0, samples = 0, compression = COMPRESSION_NONE;
     bool planar = false, tiled = false;
+    bool whiteIsZero = false;  // of grey
     ColourSpace space = ColourSpace::rgb;
 };
 
@@ -47,11 +48,15 @@ Page readPage(const InputFile& file, TIFF* tiff);
 std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIFF* tiff, int number,
                                   std::vector<TiffPtr>& more);
 
-// The rows of a page, one after the other, as interleaved 8-bit samples of its colour channels.
+// The ICC profile of the handle's present page; empty when there is none.
+std::vector<uint8_t> embeddedProfile(TIFF* tiff);
+
+// The rows of a page, one after the other, as interleaved samples of its colour channels, of the
+// bits that the page has. White is the top level of grey.
 class RowReader {
 public:
     RowReader(const std::string& path, const Page& page, std::vector<TIFF*> handles);
-    void read(uint32_t row, uint8_t* pixels);  // rows in rising order
+    void read(uint32_t row, uint8_t* pixels);  // rows in rising order; samples of 8 or 16 bits
 
 private:
     void take(const uint8_t* from, size_t step, uint32_t count, uint8_t* to) const;
@@ -60,7 +65,7 @@ private:
     const std::string& path_;
     const Page& page_;
     std::vector<TIFF*> handles_;
-    size_t channels_;
+    size_t channels_, sample_;  // bytes of a sample
     std::vector<uint8_t> buffer_;
     uint32_t tileWidth_ = 0, tileHeight_ = 0;
     uint64_t tileBytes_ = 0;

@@ -10,7 +10,6 @@ says_of() {  # says_of WANTED INPUT ARGUMENTS...: the same, with that on standar
     shift 2
     printf '%b' "$input" | kolink "$@" > "$out" 2> "$err" && [ "$(tr -d '\r' < "$out")" = "$wanted" ] || { cat "$out" "$err"; return 1; }
 }
-readonly screen=/usr/share/color/icc/ghostscript/srgb.icc
 
 # ---- convert ----------------------------------------------------------------------------------
 check "convert --help shows an example" shows "  kolink convert " convert --help
@@ -28,15 +27,16 @@ check "grey ink through the built-in tables" says "0" convert --builtin --grey 2
 check "a pair of profiles, white stays clean" says "0 0 0 0" convert --source "$screen" --destination "$printer" 255,255,255
 check "a pair through the system: paper white is RGB white" says "255 255 255" \
     convert --source "$printer" --destination "$screen" --intent relative 0,0,0,0
-own_near_system() {
-    kolink convert --source "$screen" --destination "$printer" --white profile --intent relative < rgb.txt > own.txt &&
-        kolink convert --source "$screen" --destination "$printer" --engine system --intent relative < rgb.txt > system.txt &&
+near_system() {  # HOW...: this way and the system's, on average
+    kolink convert --source "$screen" --destination "$printer" --white profile --intent relative "$@" < rgb.txt > own.txt &&
+        kolink convert --source "$screen" --destination "$printer" --method system --intent relative < rgb.txt > system.txt &&
         paste -d' ' own.txt system.txt | tr -d '\r' | awk '
             { for (i = 1; i <= 4; ++i) { d = $i - $(i + 4); if (d < 0) d = -d; sum += d; ++n } }
             END { if (n != 2000) { print n; exit 1 } if (sum / n > 4) { print sum / n; exit 1 } }'
 }
 awk 'BEGIN { srand(7); for (i = 0; i < 500; ++i) print int(rand() * 256), int(rand() * 256), int(rand() * 256) }' > rgb.txt
-check "own and system engine agree within a few levels on average" own_near_system
+check "the classic way and the system's agree within a few levels on average" near_system --method classic
+check "the tables alone and the system's way as well" near_system --method tables
 rm -f own.txt system.txt
 link_as_library() {
     "$link_check" levels K > levels.txt
@@ -59,16 +59,75 @@ refuses "not a number" 1 "is not 4 numbers" convert --link link.icc nan,0,0,0
 refuses "percent over 100" 1 "from 0 to 100" convert --link link.icc --percent 101,0,0,0
 refuses "RGB colours for a CMYK link" 1 "is not 4 numbers" convert --link link.icc 1,2,3
 refuses "a source alone" 2 "go together" convert --source "$screen" 1,2,3
-refuses "the own engine to RGB" 1 "--engine system" convert --source "$printer" --destination "$screen" --engine own 0,0,0,0
-refuses "absolute with the own engine" 2 "--engine system" convert --source "$screen" --destination "$printer" --engine own --intent absolute 0,0,0
-refuses "a destination without tables to print with" 1 "tag B2A0 is missing" convert --source "$screen" --destination "$press" --engine own 0,0,0
-refuses "a grey profile" 1 "where RGB or CMYK is needed" convert --source "$grey" --destination "$printer" 0,0,0
+refuses "the classic way to RGB" 1 "converts to CMYK only" convert --source "$printer" --destination "$screen" --method classic 0,0,0,0
+refuses "absolute the classic way" 2 "knows no --intent absolute" convert --source "$screen" --destination "$printer" --method classic --intent absolute 0,0,0
+refuses "a destination without tables to print with, the classic way" 1 "tag B2A0 is missing" convert --source "$screen" --destination "$press" --method classic --intent perceptual 0,0,0
+refuses "a destination without tables to print with" 1 "lacks the table B2A1; it has A2B0" convert --source "$screen" --destination "$press" 0,0,0
+refuses "a grey profile the classic way" 1 "takes RGB and CMYK alone" convert --source "$grey" --destination "$printer" --method classic 0
 refuses "a press profile as link" 1 "it is no link" convert --link "$printer" 0,0,0,0
 refuses "a link that is not there" 1 "not found" convert --link nowhere.icc 0,0,0,0
 wrong_line() { printf '1 2 3\n4 5\n' | kolink convert --builtin > "$out" 2> "$err"; [ $? = 1 ] && grep -qF "standard input, line 2: '4 5' is not 3 numbers" "$err"; }
 check "a wrong line is named" wrong_line
 long_line() { head -c 100000 /dev/zero | tr '\0' 1 | kolink convert --builtin > "$out" 2> "$err"; [ $? = 1 ] && grep -q "line 1" "$err"; }
 check "a line without end is refused" long_line
+
+# What a link with the same options gives, and other spaces.
+as_link() {  # OPTIONS...: convert and a link with them give the same
+    kolink link --source "$press" --destination "$printer" "$@" -o same-link.icc &&
+        kolink convert --link same-link.icc < cmyk.txt > wanted.txt &&
+        kolink convert --source "$press" --destination "$printer" "$@" < cmyk.txt > got.txt && same wanted.txt got.txt
+}
+awk 'BEGIN { srand(8); for (i = 0; i < 500; ++i) print int(rand() * 256), int(rand() * 256), int(rand() * 256), int(rand() * 256)
+             for (i = 0; i < 256; ++i) print 0, 0, 0, i }' > cmyk.txt
+check "a pair converts as a link" as_link
+check "with --preserve and --ink-limit" as_link --preserve duplex --ink-limit 250
+check "with black at its level" as_link --black keep
+check "by the tables, perceptually" as_link --method tables --intent perceptual
+check "the classic way" as_link --method classic --intent perceptual
+check "absolute" as_link --intent absolute
+rm -f same-link.icc wanted.txt got.txt cmyk.txt
+black_kept() { kolink convert --source "$press" --destination "$printer" 0,0,0,40 0,0,0,128 0,0,0,255 | tr -d '\r' | grep -c '^0 0 0 [1-9]' | grep -qx 3; }
+check "pure black stays black alone" black_kept
+check "50 percent is 50" says "0 0 0 50" convert --source "$press" --destination "$printer" --black keep --percent 0,0,0,50
+check "--precision gives decimals of levels" says "0 0 0 127.5" convert --source "$press" --destination "$printer" --black keep --precision 1 0,0,0,127.5
+check "fractions are not rounded on the way in" eval '[ "$(kolink convert --source "$screen" --destination "$printer" --precision 3 100.2,100,100)" != "$(kolink convert --source "$screen" --destination "$printer" --precision 3 100,100,100)" ]'
+check "to L*a*b*" says "100 0 0" convert --source "$screen" --destination "$lab" --precision 0 255,255,255
+check "from L*a*b*, with a sign" says "255 255 255" convert --source "$lab" --destination "$screen" -- 100,0,0
+refuses "L* beyond 100" 1 "L* 0 to 100" convert --source "$lab" --destination "$screen" -- 101,0,0
+check "from grey" says "0 0 0 0" convert --source "$grey" --destination "$printer" 255
+check "to grey" says "255" convert --source "$screen" --destination "$grey" 255,255,255
+refuses "preserved inks where there are none" 2 "--preserve needs a destination for CMYK" convert --source "$screen" --destination "$grey" --preserve primaries 1,2,3
+refuses "a choice of inks for a link that is made" 2 "--ink-limit needs --source and --destination" convert --link link.icc --ink-limit 300 1,2,3,4
+refuses "a choice of inks with the system" 2 "--method system knows no --preserve" convert --source "$screen" --destination "$printer" --method system --preserve primaries 1,2,3
+refuses "digits without end" 2 "--precision" convert --builtin --precision 7 1,2,3
+classic_on_lab() { "$link_check" labmatrix "$screen" lab-matrix.icc; }
+check "a matrix that connects to Lab" classic_on_lab
+check "is converted" says "$(kolink convert --source "$screen" --destination "$printer" 128,128,128 | tr -d '\r')" convert --source lab-matrix.icc --destination "$printer" 128,128,128
+refuses "and the classic way says why it does not" 1 "connects to Lab by a matrix" convert --source lab-matrix.icc --destination "$printer" --method classic 128,128,128
+mapfile -t machine < <(find /usr/share/color "$top/tests/data" -name '*.ic[cm]' | sort)
+all_converted() {  # every profile that lcms2 converts, in every direction that it does
+    local profile colour count=0
+    for profile in "${machine[@]}"; do
+        # Named colours have numbers of a list, not of a space.
+        [ "$(head -c 16 "$profile" | tail -c 4)" != nmcl ] || continue
+        case $(head -c 20 "$profile" | tail -c 4) in
+            GRAY) colour=128 ;;
+            CMYK) colour=10,20,30,40 ;;
+            *) colour=50,20,10 ;;
+        esac
+        if echo "${colour//,/ }" | transicc -n -t1 -i "$profile" -o "$screen" 2> "$err" | grep -q '^[0-9-]' && ! grep -qi error "$err"; then
+            count=$((count + 1))
+            kolink convert --source "$profile" --destination "$screen" -- $colour > "$out" || { echo "from $profile"; return 1; }
+        fi
+        if echo "50 50 50" | transicc -n -t1 -i "$screen" -o "$profile" 2> "$err" | grep -q '^[0-9-]' && ! grep -qi error "$err"; then
+            count=$((count + 1))
+            kolink convert --source "$screen" --destination "$profile" --grid 9 50,50,50 > "$out" || { echo "to $profile"; return 1; }
+        fi
+    done
+    echo "$count conversions"
+    [ "$count" -gt 20 ]
+}
+native && check "every profile of this machine that lcms2 converts is converted" all_converted
 
 # ---- table ------------------------------------------------------------------------------------
 { printf '#begindata\n255\t255\t255\t255\t1\t2\t3\t4\n0 0 0 0 9 8 7 6\n'; } > one.txt
@@ -149,9 +208,50 @@ if native; then
     check "8-bit CMYK through a link" as_lines cmyk8.tif --link link.icc
     tolerance=1 check "16-bit RGB" as_lines rgb16.tif --builtin
     check "RGB to a press" as_lines rgb8.tif --source "$screen" --destination "$printer"
-    check "CMYK to a screen, through the system" as_lines cmyk8.tif --source "$printer" --destination "$screen"
+    check "CMYK to a screen, through the system" as_lines cmyk8.tif --source "$printer" --destination "$screen" --method system
+    near_lines() {  # a picture goes through a link, a colour does not
+        kolink image cmyk8.tif result.tif --source "$printer" --destination "$screen" && tiff colours result.tif > got.txt &&
+            tiff colours cmyk8.tif | kolink convert --source "$printer" --destination "$screen" | paste -d' ' - got.txt | awk '
+                { for (i = 1; i <= 3; ++i) { d = $i - $(i + 3); if (d < 0) d = -d; sum += d; ++n; far += d > 4 } }
+                END { print sum / n, far / n; exit n != 37 * 23 * 3 || sum / n > 0.5 || far / n > 0.01 }'
+    }
+    check "CMYK to a screen, near what convert gives" near_lines
+    check "CMYK to a press" as_lines cmyk8.tif --source "$press" --destination "$printer" --preserve triplex --ink-limit 280
+    check "CMYK to a press the classic way" as_lines cmyk8.tif --source "$press" --destination "$printer" --method classic --intent perceptual
+    check "CMYK through a precise link" as_lines cmyk8.tif --link precise.icc
+    check "RGB through a precise link" as_lines rgb8.tif --link rgb-link.icc
     inputs=3 check "an alpha channel is left out" as_lines rgba.tif --builtin
-    check "resolution and description are kept" eval '[ "$(tiff tag result.tif 282) $(tiff tag result.tif 283)" = "300.0 200.0" ] && [ "$(tiff tag result.tif 270)" = "$(tiff tag rgb8.tif 270)" ]'
+    ramp() {  # SAMPLES PHOTOMETRIC: 4,096 levels of 16 bits, in the last channel alone
+        tiff ramp ramp.tif "$@"
+    }
+    levels_out() { tiff levels result.tif; }  # of the channel that has most
+    many() { [ "$(levels_out)" -ge 4000 ] || { levels_out; return 1; }; }
+    ramp 4 5 && kolink image ramp.tif result.tif --source "$press" --destination "$printer" --black keep
+    check "4,096 levels of a press keep at least 4,000" many
+    kolink image ramp.tif result.tif --link keep.icc
+    check "through a precise link as well" many
+    kolink image ramp.tif result.tif --link link.icc
+    check "and through a classic one" many
+    ramp 3 2 && kolink image ramp.tif result.tif --source "$screen" --destination "$printer" --bpc
+    check "4,096 levels of a screen keep at least 4,000" many
+    ramp 1 1 && kolink image ramp.tif result.tif --source "$grey" --destination "$screen"
+    check "4,096 levels of grey keep at least 4,000" many
+    grey_picture() {
+        kolink image grey.tif result.tif --source "$grey" --destination "$printer" && tiff colours grey.tif | kolink convert --source "$grey" --destination "$printer" > wanted.txt &&
+            tiff colours result.tif > got.txt && same wanted.txt got.txt
+    }
+    check "a grey picture" grey_picture
+    white_is_zero() { tiff make flip.tif 5 5 1 8 0 5 && tiff colours flip.tif | awk '{ print 255 - $1 }' | kolink convert --source "$grey" --destination "$printer" > wanted.txt &&
+        kolink image flip.tif result.tif --source "$grey" --destination "$printer" && tiff colours result.tif > got.txt && same wanted.txt got.txt; }
+    check "grey whose white is zero" white_is_zero
+    embedded() {
+        kolink image rgb8.tif tagged.tif --source "$screen" --destination "$machine_rgb" --embed && kolink image tagged.tif result.tif --destination "$printer" 2> "$err" && [ ! -s "$err" ] &&
+            kolink image tagged.tif other.tif --source "$machine_rgb" --destination "$printer" 2> "$err" && [ ! -s "$err" ] && same result.tif other.tif &&
+            kolink image tagged.tif other.tif --source "$screen" --destination "$printer" 2> "$err" && grep -q 'tagged.tif: the profile in the picture is not used' "$err" && differ result.tif other.tif
+    }
+    check "the embedded profile is the source; another one is said" embedded
+    check "--embed FILE with a link" eval 'kolink image cmyk8.tif result.tif --link precise.icc --embed "$printer" && [ "$(tiff tag result.tif 34675 | wc -w)" = "$(wc -c < "$printer")" ]'
+    check "resolution and description are kept" eval 'kolink image rgb8.tif result.tif --builtin && [ "$(tiff tag result.tif 282) $(tiff tag result.tif 283)" = "300.0 200.0" ] && [ "$(tiff tag result.tif 270)" = "$(tiff tag rgb8.tif 270)" ]'
     check "CMYK is marked as such" eval 'kolink image rgb8.tif result.tif --builtin && [ "$(tiff tag result.tif 262) $(tiff tag result.tif 277)" = "5 4" ]'
     check "grey is lightness" eval 'kolink image rgb8.tif result.tif --grey && tiff colours rgb8.tif | kolink convert --grey | awk "{ print 255 - \$1 }" > wanted.txt && tiff colours result.tif > got.txt && same wanted.txt got.txt'
     check "--bits 16 widens" eval 'kolink image rgb8.tif result.tif --builtin --bits 16 && [ "$(tiff tag result.tif 258)" = "16 16 16 16" ]'
@@ -174,11 +274,14 @@ PYTHON
     grep -q __asan_init "$tool" || check "a picture takes little memory" small_memory
     rm -f wide.tif
     rm -f result.tif
-    refuses "a grey picture" 1 "is neither an RGB nor a CMYK picture" image grey.tif result.tif --builtin
+    refuses "a grey picture for the built-in tables" 2 "--builtin needs" image grey.tif result.tif --builtin
+    refuses "a grey picture for an RGB source" 1 "is grey, and the conversion takes RGB" image grey.tif result.tif --source "$screen" --destination "$printer"
     refuses "a CMYK picture for an RGB source" 1 "is CMYK, and the conversion takes RGB" image cmyk8.tif result.tif --source "$screen" --destination "$printer"
     refuses "a picture that is none" 1 "is not a TIFF picture" image text.icc result.tif --builtin
     refuses "a picture over itself" 1 "not overwritten" image rgb8.tif ./rgb8.tif --builtin
     refuses "--embed without a profile" 2 "--embed needs" image rgb8.tif result.tif --builtin --embed
+    refuses "--embed of a profile for other colours" 1 "is a profile for RGB, and the result is CMYK" image rgb8.tif result.tif --builtin --embed "$screen"
+    refuses "a picture without a profile, and no source" 2 "--source and --destination go together" image rgb8.tif result.tif --destination "$printer"
     head -c 1500 rgb8.tif > cut.tif
     refuses "a picture cut short" 1 "cannot be read" image cut.tif result.tif --builtin
     rm -f ./*.tif wanted.txt got.txt

@@ -8,6 +8,7 @@
 //   link_check sequence LINK NAME...  whether lcms2 finds these profiles in its pseq
 //   link_check levels INKS            256 lines of four levels, for other programs
 //   link_check eightbit IN OUT        a profile's tables A2Bn and B2An, resampled to 8 bits
+//   link_check labmatrix IN OUT       a matrix profile that says that it connects to Lab
 //   link_check json FILE              whether it is JSON in UTF-8 without control characters
 //   link_check xml FILE               whether it is well-formed as far as our pictures use XML
 //   link_check damage IN OUT SEED     a copy with some bytes changed and perhaps its end cut off
@@ -318,6 +319,14 @@ std::string wholeFile(const char* path) {
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
+int labmatrix(const char* from, const char* to) {
+    std::string bytes = wholeFile(from);
+    if (bytes.size() < 128 || bytes.substr(20, 4) != "XYZ ") return 1;
+    bytes.replace(20, 4, "Lab ");
+    std::ofstream(to, std::ios::binary) << bytes;
+    return 0;
+}
+
 int json(const char* path) {
     const std::string text = wholeFile(path);
     const auto steers = [](char c) { return (static_cast<unsigned char>(c) < 0x20 && c != '\n') || c == 0x7f; };
@@ -382,6 +391,7 @@ int main(int argc, char** argv) {
     if (what == "sequence" && argc > 3) return sequence(argv[2], argc - 3, argv + 3);
     if (what == "levels" && argc == 3) return levels(argv[2]);
     if (what == "eightbit" && argc == 4) return eightbit(argv[2], argv[3]);
+    if (what == "labmatrix" && argc == 4) return labmatrix(argv[2], argv[3]);
     if (what == "json" && argc == 3) return json(argv[2]);
     if (what == "xml" && argc == 3) return xml(argv[2]);
     if (what == "damage" && argc == 5) return damage(argv[2], argv[3], static_cast<unsigned>(std::atoi(argv[4])));

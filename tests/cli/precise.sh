@@ -1,5 +1,4 @@
 # Cases of precise links; sourced by run, whose helpers they use.
-readonly screen=/usr/share/color/icc/ghostscript/srgb.icc
 presses=(link --source "$press" --destination "$printer")
 
 # ---- What is refused ----------------------------------------------------------------------------
@@ -75,6 +74,18 @@ keeps_levels() {  # in percent, as far as the table's rounding lets it
 }
 check "--black keep keeps levels" keeps_levels keep.icc
 kolink "${presses[@]}" -o curve-p.icc --black curve.bkc
+kolink "${presses[@]}" -o clip.icc --clip 2 --ink-limit none
+clipped() { python3 - clip.icc << 'PYTHON'
+import struct, sys
+data = open(sys.argv[1], "rb").read()
+for at in range(struct.unpack(">I", data[128:132])[0]):
+    sig, offset, size = struct.unpack(">4sII", data[132 + 12 * at:144 + 12 * at])
+    if sig == b"A2B0":
+        levels = set(data[offset + 48 + 1024:offset + 48 + 1024 + 4 * 33 ** 4])
+        assert not levels & set(range(1, 5)) and not levels & set(range(246, 255)), sorted(levels)
+PYTHON
+}
+check "--clip leaves no level below it and none above its double" clipped
 check "--black FILE is a link of its own" differ curve-p.icc keep.icc
 check "and says which file" tells_all curve-p.icc 'black +curve' 'black-file +curve.bkc'
 identity() {
@@ -151,4 +162,4 @@ if native; then
     }
     check "precise links survive damaged profiles" damaged_sources
 fi
-rm -f again.icc other.icc drops.icc based.icc colours.txt
+rm -f again.icc other.icc drops.icc levels.txt based.icc colours.txt

@@ -4,6 +4,8 @@
   tiff.py make FILE WIDTH HEIGHT SAMPLES BITS PHOTOMETRIC SEED   random pixels, 300 dpi
   tiff.py claim FILE WIDTH HEIGHT COMPRESSION   so many pixels, of which it holds a few bytes
   tiff.py colours FILE      the pixels as lines of numbers, 16-bit samples as 8-bit ones
+  tiff.py ramp FILE SAMPLES PHOTOMETRIC   4,096 levels of 16 bits, in CMYK of black alone
+  tiff.py levels FILE       how many levels the channel has that has most
   tiff.py tag FILE NUMBER   a tag's values
 """
 import random
@@ -24,9 +26,9 @@ def claim(path, width, height, compression):
         out.write(bytes(4) + bytes(range(64)))
 
 
-def make(path, width, height, samples, bits, photometric, seed):
+def make(path, width, height, samples, bits, photometric, seed, data=None):
     rng = random.Random(seed)
-    data = rng.randbytes(width * height * samples * bits // 8)
+    data = data or rng.randbytes(width * height * samples * bits // 8)
     description = b"a test\0"
     extra = b""
     entries = []
@@ -69,6 +71,14 @@ def make(path, width, height, samples, bits, photometric, seed):
         out.write(b"\0\0\0\0" + extra + data)
 
 
+def ramp(path, samples, photometric):
+    pixels = []
+    for level in range(4096):
+        value = (level * 65535 + 2047) // 4095
+        pixels += [0, 0, 0, value] if samples == 4 else [value] * samples
+    make(path, 64, 64, samples, 16, photometric, 0, struct.pack("<%dH" % len(pixels), *pixels))
+
+
 def read(path):
     data = open(path, "rb").read()
     assert data[:4] == b"II*\0", "not a little-endian TIFF"
@@ -101,7 +111,20 @@ def colours(path):
         print(*values[i:i + samples])
 
 
-if sys.argv[1] == "make":
+def levels(path):
+    data, tags = read(path)
+    samples = tags[277][0]
+    assert tags[258][0] == 16, "no 16 bits"
+    pixels = b"".join(data[o:o + n] for o, n in zip(tags[273], tags[279]))
+    values = struct.unpack("<%dH" % (len(pixels) // 2), pixels)
+    print(max(len(set(values[channel::samples])) for channel in range(samples)))
+
+
+if sys.argv[1] == "ramp":
+    ramp(sys.argv[2], *map(int, sys.argv[3:]))
+elif sys.argv[1] == "levels":
+    levels(sys.argv[2])
+elif sys.argv[1] == "make":
     make(sys.argv[2], *map(int, sys.argv[3:]))
 elif sys.argv[1] == "claim":
     claim(sys.argv[2], *map(int, sys.argv[3:]))
