@@ -97,6 +97,7 @@ const char kNothingToLink[] = "色の変換が何も指定されていません�
 const char kLimited[] = "%s ～ %s に制限しました。";
 const char kNoNumber[] = "数値ではありません。";
 const char kNoTitleKept[] = "ﾀｲﾄﾙは.tncﾌｧｲﾙに保存されません。";
+const char kCurveFalls[] = "値が下がる所があります。";
 const char kOutside[] = "%s ～ %s の範囲外です。";
 const char kBelow[] = "%s より小さい値です。";
 }  // namespace ko::texts

@@ -114,6 +114,7 @@ extern const char kNoNumber[];
 extern const char kBelow[];
 extern const char kOutside[];
 extern const char kNoTitleKept[];
+extern const char kCurveFalls[];
 
 // A language table by the name of its resource, such as "TEXT_ENGLISH"; empty when there is none.
 // Windows modules carry them as resources instead.

@@ -15,6 +15,7 @@ namespace {
 
 using namespace dialog;
 
+constexpr int32_t kBigStep = 10;  // Page Up and Down move by this many steps
 RememberedPlace place;
 
 class CalibDialog final : public EditorDialog, public SurfaceEvents {
@@ -24,6 +25,7 @@ public:
 
 private:
     void opened() override {
+        editor_.setResolution(resolutionOf(window()));
         place.apply(window());
         makeGraphSquare(window());
         attachSurface(window(), IDC_GRAPH, *this);
@@ -45,7 +47,7 @@ private:
             {.id = IDC_VALUE_Y,
              .show = [this] { setText(window(), IDC_VALUE_Y, wideText(editor_.yText())); },
              .leave = [this] { editor_.leaveY(numberOf(window(), IDC_VALUE_Y)); }},
-            {.id = IDC_STATUS, .show = [this] { showNotice(window(), editor_.notice()); }},
+            {.id = IDC_STATUS, .show = [this] { showStatus(); }},
             {.id = IDC_CHANNEL, .press = [this] { chooseChannel(); }},
             {.id = IDC_GRAPH, .show = [this] { showGraph(); }},
             {.id = IDC_DATE, .show = [this] { showDate(); }},
@@ -107,6 +109,11 @@ private:
         showInfo(IDC_CHANNEL_COUNT, filled(wideTranslated(texts::kChannelCount),
                                            {std::to_wstring(editor_.channelCount())}));
     }
+    // What was said about a number stands; else that a curve takes ink back as more comes in.
+    void showStatus() {
+        if (editor_.notice() || !editor_.falls()) return showNotice(window(), editor_.notice());
+        showNotice(window(), Problem{texts::kCurveFalls});
+    }
     void showGraph() { ::InvalidateRect(item(IDC_GRAPH), nullptr, FALSE); }
     void showIf(bool changed) {
         if (changed) show();
@@ -119,10 +126,20 @@ private:
     }
 
     void paintSurface(HWND, HDC dc, Size size, bool hasFocus) override {
-        paintGraph(dc, size, editor_.picture(size), hasFocus);
+        GraphPicture picture = editor_.picture(size);
+        if (pointer_) picture.reading = editor_.readingAt(size, *pointer_);
+        paintGraph(dc, size, picture, hasFocus);
     }
     void surfacePressed(HWND, Size size, Point at) override { showIf(editor_.press(size, at)); }
-    void surfaceMoved(HWND, Size size, Point at, bool) override { showIf(editor_.move(size, at)); }
+    void surfaceMoved(HWND, Size size, Point at, bool) override {
+        pointer_ = at;
+        if (editor_.move(size, at)) show();
+        else showGraph();
+    }
+    void surfaceLeft(HWND) override {
+        pointer_.reset();
+        showGraph();
+    }
     void surfaceReleased(HWND) override {
         const bool dragging = editor_.isDragging();
         editor_.release();
@@ -131,19 +148,27 @@ private:
     void surfacePressedRight(HWND, Size size, Point at) override {
         showIf(editor_.pressRight(size, at));
     }
-    const wchar_t* surfaceCursor(HWND, Size, Point) override { return kCrossCursor; }
+    const wchar_t* surfaceCursor(HWND, Size size, Point at) override {
+        return editor_.isOnTone(size, at) ? kHandCursor : kCrossCursor;
+    }
     bool surfaceKey(HWND, Size, WPARAM key) override {
         switch (key) {
             case VK_LEFT: showIf(editor_.stepTone(-1)); return true;
             case VK_RIGHT: showIf(editor_.stepTone(1)); return true;
             case VK_UP: showIf(editor_.stepValue(1)); return true;
             case VK_DOWN: showIf(editor_.stepValue(-1)); return true;
+            case VK_PRIOR: showIf(editor_.stepValue(kBigStep)); return true;
+            case VK_NEXT: showIf(editor_.stepValue(-kBigStep)); return true;
+            case VK_HOME: showIf(editor_.chooseEnd(false)); return true;
+            case VK_END: showIf(editor_.chooseEnd(true)); return true;
+            case VK_INSERT: showIf(editor_.add()); return true;
             case VK_DELETE: showIf(editor_.removeTone()); return true;
             default: return false;
         }
     }
 
     CalibEditor& editor_;
+    std::optional<Point> pointer_;  // while it is over the graph
 };
 
 }  // namespace

@@ -65,6 +65,8 @@ CalibEditor::CalibEditor(CalibCurveSet& set) : set_(set) {
     setHasFile(named && path.size() < std::size(set_.path));  // without its end it names nothing
     if (!named) copyText(set_.path, "");
     opened_ = capture();
+    for (int32_t channel = 0; channel < channelCount(); ++channel)
+        openedLines_.push_back(line(dialog::kKeptGraph, channel));
     chooseNearest(0.0f);
 }
 
@@ -129,6 +131,16 @@ std::vector<Point> CalibEditor::line(Size graph, int32_t channel) const {
 dialog::GraphPicture CalibEditor::picture(Size graph) const {
     dialog::GraphPicture picture;
     picture.selectedX = place(graph, point_).x;
+    for (size_t quarter = 0; quarter <= 4; ++quarter) {
+        const auto part = static_cast<int64_t>(quarter);
+        picture.inputs[quarter] = std::to_string((part * set_.range + 2) / 4);
+        picture.outputs[quarter] = std::to_string((part * set_.limit + 2) / 4);
+    }
+    for (int32_t channel = 0; channel < channelCount(); ++channel)
+        if (covers(channel))
+            picture.opened.push_back(
+                {colour(channel),
+                 dialog::keptLine(openedLines_[static_cast<size_t>(channel)], graph), {}, {}});
     // What cannot be taken hold of lies below, without points.
     for (const bool top : {false, true})
         for (int32_t channel = 0; channel < channelCount(); ++channel) {
@@ -147,8 +159,54 @@ dialog::GraphPicture CalibEditor::picture(Size graph) const {
 
 const CalibTone* CalibEditor::findNear(Size graph, Point at, int32_t channel) const noexcept {
     for (const CalibTone& tone : tones(channel))
-        if (dialog::isNear(place(graph, tone), at, kTolerance)) return &tone;
+        if (dialog::isNear(place(graph, tone), at, dialog::atResolution(kTolerance, dpi_)))
+            return &tone;
     return nullptr;
+}
+
+bool CalibEditor::isOnTone(Size graph, Point at) const noexcept {
+    if (!isOnPlot(graph, at)) return false;
+    const auto all = covered();
+    return std::any_of(all.begin(), all.end(), [&](int32_t channel) {
+        return findNear(graph, at, channel) != nullptr;
+    });
+}
+
+std::optional<dialog::GraphReading> CalibEditor::readingAt(Size graph, Point at) const {
+    const Size plot = dialog::plotSize(graph);
+    if (!isOnPlot(graph, at) || plot.width <= 0 || plot.height <= 0) return std::nullopt;
+    const auto reading = [&](double x, double y) {
+        return dialog::GraphReading{usableFormat(textIn(set_.formatX)).print(x),
+                                    usableFormat(textIn(set_.formatY)).print(y)};
+    };
+    for (const int32_t channel : covered())
+        if (const CalibTone* const tone = findNear(graph, at, channel))
+            return reading(tone->x, tone->y);
+    return reading(
+        limited(static_cast<double>(set_.range) * (at.x - dialog::kGraphInset) / plot.width,
+                set_.range),
+        limited(static_cast<double>(set_.limit) * (plot.height - at.y + dialog::kGraphInset) /
+                    plot.height, set_.limit));
+}
+
+bool CalibEditor::falls() const noexcept {
+    for (int32_t channel = 0; channel < channelCount(); ++channel) {
+        const auto all = tones(channel);
+        const auto isLower = [](const CalibTone& a, const CalibTone& b) { return b.y < a.y; };
+        if (covers(channel) && std::adjacent_find(all.begin(), all.end(), isLower) != all.end())
+            return true;
+    }
+    return false;
+}
+
+bool CalibEditor::chooseEnd(bool last) {
+    if (dragging_) return false;
+    const CalibTone* end = nullptr;
+    for (const int32_t channel : covered())
+        for (const CalibTone& tone : tones(channel))
+            if (!end || (last ? tone.x > end->x : tone.x < end->x)) end = &tone;
+    if (end) choose(*end);
+    return end != nullptr;
 }
 
 // Every covered channel in turn, so that of tones on top of each other the uppermost is taken.
@@ -166,7 +224,8 @@ bool CalibEditor::pickSample(Size graph, Point at) {
     for (const int32_t channel : covered())
         for (int32_t index = 0; index <= lastSample(); ++index) {
             const CalibTone tone = sample(channel, index);
-            if (!dialog::isNear(place(graph, tone), at, kTolerance)) continue;
+            if (!dialog::isNear(place(graph, tone), at, dialog::atResolution(kTolerance, dpi_)))
+                continue;
             choose(tone);
             return true;
         }

@@ -49,6 +49,10 @@ public:
     CalibTone sample(int32_t channel, int32_t index) const noexcept;  // 0..lastSample()
     dialog::Point place(dialog::Size graph, const CalibTone& tone) const noexcept;
     dialog::GraphPicture picture(dialog::Size graph) const;
+    // Whether a tone can be taken hold of there; and what stands there, of a tone its own values.
+    bool isOnTone(dialog::Size graph, dialog::Point at) const noexcept;
+    std::optional<dialog::GraphReading> readingAt(dialog::Size graph, dialog::Point at) const;
+    bool falls() const noexcept;  // a curve that is edited goes down anywhere
 
     // What the person does. Each says whether anything shown has changed.
     bool press(dialog::Size graph, dialog::Point at);
@@ -58,9 +62,11 @@ public:
     bool stepTone(int32_t by);  // keyboard: the next or the previous tone, by its sign
     bool stepValue(int32_t by);  // keyboard: the tone up or down
     bool removeTone();           // keyboard: the tone goes, unless it is an end
+    bool chooseEnd(bool last);   // keyboard: the first tone or the last
 
     void selectChannel(int32_t channel);  // kAllChannels, or an index
     void setRelative(bool on) noexcept { relative_ = on; }
+    void setResolution(int32_t dpi) noexcept { dpi_ = dpi; }  // how near a hit has to be
     void leaveX(std::string_view text);
     void leaveY(std::string_view text);
     bool add();  // what the two fields hold
@@ -121,6 +127,8 @@ private:
     State opened_, kept_;  // when the dialog was opened, and when a drag began
     bool dragging_ = false;
     bool relative_ = false;
+    int32_t dpi_ = 96;
+    std::vector<std::vector<dialog::Point>> openedLines_;  // on a graph of dialog::kKeptGraph
     std::string xText_, yText_;
     std::optional<Problem> notice_;
     // Curves as they were before relative editing took them down to 0.

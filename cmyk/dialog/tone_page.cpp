@@ -10,7 +10,12 @@ namespace ko::cmyk {
 
 TonePage::TonePage(CmykProfile& profile, dialog::History& history, CurveSet& remembered)
     : CurveEditor(kChannels, kCurvePoints, {3, 4}, 0x0f), profile_(profile), history_(history),
-      set_(remembered), remembered_(remembered) {}
+      set_(CurveSet::input), remembered_(remembered) {
+    keepOpened();
+    set_ = CurveSet::output;
+    keepOpened();
+    set_ = remembered;
+}
 
 TonePage::State TonePage::capture() const {
     State state;

@@ -43,6 +43,7 @@ private:
     int32_t curveIndex(int32_t channel) const noexcept {
         return channel + (set_ == CurveSet::output ? kChannels : 0);
     }
+    int32_t openedIndex(int32_t channel) const noexcept override { return curveIndex(channel); }
     int32_t levelOf(int32_t channel, int32_t point) const noexcept override;
     bool isMarked(int32_t channel, int32_t point) const noexcept override;
     void setLevel(int32_t channel, int32_t point, int32_t level) override;

@@ -18,6 +18,13 @@ Canvas::~Canvas() {
     ::DeleteDC(memory_);
 }
 
+int resolutionOf(HWND window) noexcept {
+    const HDC dc = ::GetDC(window);
+    const int dpi = ::GetDeviceCaps(dc, LOGPIXELSX);
+    ::ReleaseDC(window, dc);
+    return dpi > 0 ? dpi : 96;
+}
+
 int scaled(HDC dc, int pixels) noexcept {
     return std::max(1, ::MulDiv(pixels, ::GetDeviceCaps(dc, LOGPIXELSX), 96));
 }

@@ -43,6 +43,7 @@ private:
 constexpr COLORREF kPaper = RGB(255, 255, 255), kBorder = RGB(128, 128, 128);
 
 int scaled(HDC dc, int pixels) noexcept;  // pixels at 96 dpi
+int resolutionOf(HWND window) noexcept;   // in dpi
 
 void drawLine(HDC dc, Point from, Point to, COLORREF colour, int width);  // without its end
 void fillArea(HDC dc, const RECT& area, COLORREF colour);

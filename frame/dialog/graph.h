@@ -28,6 +28,11 @@ constexpr Size plotSize(Size control) noexcept {
     return {control.width - kGraphMargins, control.height - kGraphMargins};
 }
 
+// A tolerance is counted in pixels of 96 dpi: at twice as many it is as easy to hit.
+constexpr Size atResolution(Size tolerance, int32_t dpi) noexcept {
+    return {tolerance.width * dpi / 96, tolerance.height * dpi / 96};
+}
+
 // Strictly nearer than the tolerance on both axes.
 constexpr bool isNear(Point a, Point b, Size tolerance) noexcept {
     const int32_t dx = a.x < b.x ? b.x - a.x : a.x - b.x;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string>
 
 #include "resources/dialog_ids.h"
 
@@ -9,7 +10,8 @@ namespace ko::dialog {
 namespace {
 
 constexpr COLORREF kGrid = RGB(226, 226, 226), kDiagonal = RGB(200, 200, 200),
-                   kSelection = RGB(150, 180, 230);
+                   kSelection = RGB(150, 180, 230), kNumber = RGB(120, 120, 120);
+constexpr size_t kDense = 40;  // points beyond which larger marks would run together
 
 void paintLine(HDC dc, const GraphCurve& curve, COLORREF colour, int width) {
     static_assert(sizeof(Point) == sizeof(POINT) && offsetof(Point, y) == offsetof(POINT, y));
@@ -33,7 +35,8 @@ void paintCurve(HDC dc, const GraphCurve& curve) {
         if (edge != curve.colour) paintLine(dc, curve, edge, width + 2 * scaled(dc, 1));
         paintLine(dc, curve, curve.colour, width);
     }
-    const int small = scaled(dc, 1), large = scaled(dc, 3);
+    const int small = scaled(dc, curve.computedPoints.size() > kDense ? 1 : 2);
+    const int large = scaled(dc, 3);
     const auto paintPoint = [&](Point at, int reach, COLORREF colour) {
         const RECT area{at.x - reach, at.y - reach, at.x + reach + 1, at.y + reach + 1};
         fillArea(dc, area, colour);
@@ -41,6 +44,53 @@ void paintCurve(HDC dc, const GraphCurve& curve) {
     };
     for (const Point at : curve.computedPoints) paintPoint(at, small, kPaper);
     for (const Point at : curve.controlPoints) paintPoint(at, large, curve.colour);
+}
+
+// Half way to the paper.
+COLORREF faint(COLORREF colour) noexcept {
+    const auto half = [](int level) { return static_cast<BYTE>((level + 2 * 255) / 3); };
+    return RGB(half(GetRValue(colour)), half(GetGValue(colour)), half(GetBValue(colour)));
+}
+
+HFONT smallFont(HDC dc) noexcept {
+    return ::CreateFontW(-scaled(dc, 10), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                         OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
+                         VARIABLE_PITCH | FF_SWISS, L"MS Shell Dlg");
+}
+
+// Inside the plot, along its lower and its left edge; the first of both would be one corner.
+void paintNumbers(HDC dc, const GraphPicture& picture, const RECT& plot) {
+    const Selected font(dc, smallFont(dc));
+    ::SetBkMode(dc, TRANSPARENT);
+    ::SetTextColor(dc, kNumber);
+    const int gap = scaled(dc, 2);
+    const auto put = [&](const std::wstring& text, int x, int y, UINT align) {
+        ::SetTextAlign(dc, align);
+        ::TextOutW(dc, x, y, text.c_str(), static_cast<int>(text.size()));
+    };
+    const auto widened = [](const std::string& text) {
+        return std::wstring(text.begin(), text.end());  // ASCII
+    };
+    TEXTMETRICW metrics{};
+    ::GetTextMetricsW(dc, &metrics);
+    for (int quarter = 0; quarter <= 4; ++quarter) {
+        const int x = plot.left + (plot.right - plot.left) * quarter / 4;
+        const int y = plot.bottom - (plot.bottom - plot.top) * quarter / 4;
+        const auto at = static_cast<size_t>(quarter);
+        if (quarter == 4)
+            put(widened(picture.inputs[at]), x - gap, plot.bottom - gap, TA_RIGHT | TA_BOTTOM);
+        else if (quarter > 0)
+            put(widened(picture.inputs[at]), x, plot.bottom - gap, TA_CENTER | TA_BOTTOM);
+        if (quarter == 4)
+            put(widened(picture.outputs[at]), plot.left + gap, plot.top + gap, TA_LEFT | TA_TOP);
+        else if (quarter > 0)
+            put(widened(picture.outputs[at]), plot.left + gap, y - metrics.tmHeight / 2,
+                TA_LEFT | TA_TOP);
+    }
+    if (!picture.reading) return;
+    ::SetTextColor(dc, ::GetSysColor(COLOR_WINDOWTEXT));
+    put(widened(picture.reading->input) + L" \x2192 " + widened(picture.reading->output),
+        plot.left + (plot.right - plot.left) / 4, plot.top + gap, TA_CENTER | TA_TOP);
 }
 
 }  // namespace
@@ -60,6 +110,9 @@ void paintGraph(HDC dc, Size size, const GraphPicture& picture, bool hasFocus) {
     drawLine(dc, {left, bottom}, {right, top}, kDiagonal, thin);
     if (picture.selectedX)
         drawLine(dc, {*picture.selectedX, top}, {*picture.selectedX, bottom + 1}, kSelection, thin);
+    paintNumbers(dc, picture, {left, top, right, bottom});
+    for (const GraphCurve& curve : picture.opened)
+        if (!curve.line.empty()) paintLine(dc, curve, faint(curve.colour), thin);
     for (const GraphCurve& curve : picture.curves) paintCurve(dc, curve);
     drawFrame(dc, whole, kBorder);
     if (hasFocus) drawFocus(dc, size, 2);

@@ -27,6 +27,11 @@ bool setCursor(SurfaceEvents& events, HWND surface, Size size) {
     return true;
 }
 
+void awaitLeaving(HWND surface) noexcept {
+    TRACKMOUSEEVENT leaving{sizeof leaving, TME_LEAVE, surface, 0};
+    ::TrackMouseEvent(&leaving);
+}
+
 LRESULT surfaceMessage(SurfaceEvents& events, HWND surface, UINT message, WPARAM wParam,
                        LPARAM lParam) {
     RECT client;
@@ -43,7 +48,9 @@ LRESULT surfaceMessage(SurfaceEvents& events, HWND surface, UINT message, WPARAM
             ::SetCapture(surface);
             events.surfacePressed(surface, size, at);
             return 0;
+        case WM_MOUSELEAVE: events.surfaceLeft(surface); return 0;
         case WM_MOUSEMOVE:
+            awaitLeaving(surface);
             events.surfaceMoved(surface, size, at, ::GetCapture() == surface);
             return 0;
         case WM_LBUTTONUP:

@@ -9,6 +9,7 @@ namespace ko::dialog {
 // Cursors by their numbers in the system.
 inline const wchar_t* const kArrowCursor = MAKEINTRESOURCEW(32512);
 inline const wchar_t* const kCrossCursor = MAKEINTRESOURCEW(32515);
+inline const wchar_t* const kHandCursor = MAKEINTRESOURCEW(32649);
 
 class SurfaceEvents {
 public:
@@ -16,6 +17,7 @@ public:
     virtual void surfacePressed(HWND, Size, Point) {}
     // held: the left button went down here and still is; then also outside.
     virtual void surfaceMoved(HWND, Size, Point, [[maybe_unused]] bool held) {}
+    virtual void surfaceLeft(HWND) {}  // the pointer is elsewhere now
     virtual void surfaceReleased(HWND) {}
     virtual void surfacePressedRight(HWND, Size, Point) {}
     virtual bool surfaceKey(HWND, Size, [[maybe_unused]] WPARAM key) { return false; }  // not its

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -871,6 +872,60 @@ TEST(CalibEditor, TextsThatLackTheirEndAreReadToTheFieldsEnd) {
     Answers answers;
     editor.save(answers);
     EXPECT_EQ(answers.saves, 1);
+}
+
+TEST(CalibEditor, AToneIsAsEasyToHitOnAFinerScreen) {
+    for (const auto& [dpi, away, hit] : {std::tuple{96, 4, false}, {192, 7, true}, {192, 8, false}}) {
+        Editing editing(1);
+        editing.give(0, {{0, 0}, {100, 200}, {255, 255}});
+        editing.open().setResolution(dpi);
+        const Point tone = editing.at(100, 200);
+        EXPECT_EQ(editing.editor->isOnTone(kGraph, {tone.x - away, tone.y}), hit) << dpi;
+    }
+}
+
+TEST(CalibEditor, WhatStandsUnderTheCursorIsReadInTheSetsNumbers) {
+    Editing editing(1, 100, 100);
+    editing.give(0, {{0, 0}, {50, 20}, {100, 100}});
+    editing.open();
+    const Point tone = editing.at(50, 20);
+    EXPECT_EQ(std::atof(editing.editor->readingAt(kGraph, {tone.x + 2, tone.y})->input.c_str()), 50);
+    EXPECT_EQ(std::atof(editing.editor->readingAt(kGraph, {tone.x + 2, tone.y})->output.c_str()), 20);
+    EXPECT_FALSE(editing.editor->readingAt(kGraph, {0, 0}).has_value());
+    const dialog::GraphPicture picture = editing.editor->picture(kGraph);
+    EXPECT_EQ(picture.inputs[2], "50");
+    EXPECT_EQ(picture.outputs[4], "100");
+}
+
+TEST(CalibEditor, TheCurveAsItWasOpenedStaysInSight) {
+    Editing editing(1);
+    editing.give(0, {{0, 0}, {255, 255}});
+    editing.open();
+    const auto opened = editing.editor->picture(kGraph).opened.at(0).line;
+    EXPECT_FALSE(opened.empty());
+    editing.editor->leaveX("100");
+    editing.editor->leaveY("20");
+    EXPECT_TRUE(editing.editor->add());
+    EXPECT_EQ(editing.editor->picture(kGraph).opened.at(0).line, opened);
+    EXPECT_NE(editing.editor->picture(kGraph).curves.at(0).line, opened);
+}
+
+TEST(CalibEditor, ACurveThatFallsIsNoticed) {
+    Editing editing(2);
+    EXPECT_FALSE(editing.editor->falls());
+    editing.give(1, {{0, 0}, {100, 90}, {150, 80}, {255, 255}});
+    EXPECT_TRUE(editing.editor->falls());
+    editing.editor->selectChannel(0);  // the other one is not edited
+    EXPECT_FALSE(editing.editor->falls());
+}
+
+TEST(CalibEditor, HomeAndEndChooseTheFirstAndTheLastTone) {
+    Editing editing(1);
+    EXPECT_TRUE(editing.editor->chooseEnd(true));
+    EXPECT_EQ(editing.editor->xText(), editing.editor->yText());
+    EXPECT_EQ(editing.editor->point().x, 255.0f);
+    EXPECT_TRUE(editing.editor->chooseEnd(false));
+    EXPECT_EQ(editing.editor->point().x, 0.0f);
 }
 
 }  // namespace

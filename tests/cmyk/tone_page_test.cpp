@@ -399,5 +399,16 @@ TEST(TonePage, ShowsPointsOfSelectedChannelsOnly) {
     EXPECT_EQ(editing.page.curveOf(kGraph, 1, 0).line[64], (Point{266, 10}));
 }
 
+TEST(TonePage, BothSetsKeepTheCurvesAsTheyWereOpened) {
+    Editing editing;
+    const auto opened = editing.page.openedCurve(kGraph, 0, 0).line;
+    EXPECT_FALSE(opened.empty());
+    editing.drag(0, 32, 250);
+    editing.page.release();
+    EXPECT_EQ(editing.page.openedCurve(kGraph, 0, 0).line, opened);
+    editing.page.chooseSet(CurveSet::output);
+    EXPECT_FALSE(editing.page.openedCurve(kGraph, 3, 0).line.empty());
+}
+
 }  // namespace
 }  // namespace ko::cmyk

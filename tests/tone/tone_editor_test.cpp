@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "tests/support/answers.h"
 #include "tests/support/files.h"
 
@@ -324,6 +326,77 @@ TEST(ToneEditor, ALongTitleIsCutAtAWholeCharacter) {
     text += "\x83\x5c";  // one character of two bytes
     tnc.editor->leaveTitle(text);
     EXPECT_EQ(tnc.editor->title(), std::string(62, 'a'));
+}
+
+TEST(ToneEditor, APointIsAsEasyToHitOnAFinerScreen) {
+    for (const auto& [dpi, away, hit] : {std::tuple{96, 4, false}, {192, 7, true}, {192, 8, false}}) {
+        Editing tnc(kCmykEditor);
+        tnc.editor->setResolution(dpi);
+        tnc.set(0, 8, 255);  // far from the line of the others
+        tnc.editor->select(1);
+        const Point point = tnc.at(0, 8);
+        EXPECT_EQ(tnc.editor->isOnPoint(kGraph, {point.x + away, point.y}), hit) << dpi;
+        EXPECT_EQ(tnc.editor->press(kGraph, {point.x + away, point.y}), hit) << dpi;
+    }
+}
+
+TEST(ToneEditor, TheCurveAsItWasOpenedStaysInSight) {
+    Editing bkc(kBkcEditor);
+    const auto opened = bkc.editor->openedCurve(kGraph, 0, 0).line;
+    EXPECT_EQ(opened.size(), 256u);
+    EXPECT_EQ(opened.front(), bkc.at(0, 0));
+    bkc.drag(0, 32, 250);
+    bkc.editor->release();
+    EXPECT_NE(bkc.editor->curveOf(kGraph, 0, 0).line, opened);
+    EXPECT_EQ(bkc.editor->openedCurve(kGraph, 0, 0).line, opened);
+}
+
+TEST(ToneEditor, WhatStandsUnderTheCursorIsRead) {
+    Editing tnc(kCmykEditor);
+    const auto reading = tnc.editor->readingAt(kGraph, {10 + 64, 10 + 255 - 191});
+    ASSERT_TRUE(reading.has_value());
+    EXPECT_EQ(reading->input, "25 %");
+    EXPECT_EQ(reading->output, "75 %");
+    const Point point = tnc.at(0, 8);  // beside a point it is the point that is read
+    EXPECT_EQ(tnc.editor->readingAt(kGraph, {point.x + 3, point.y - 3})->output, "50 %");
+    EXPECT_FALSE(tnc.editor->readingAt(kGraph, {0, 0}).has_value());
+}
+
+TEST(ToneEditor, ACurveThatFallsIsNoticed) {
+    Editing tnc(kCmykEditor);
+    EXPECT_FALSE(tnc.editor->falls());
+    tnc.drag(1, 4, 200);
+    tnc.editor->release();
+    EXPECT_FALSE(tnc.editor->falls());
+    tnc.drag(1, 8, 100);
+    tnc.editor->release();
+    EXPECT_TRUE(tnc.editor->falls());
+    tnc.editor->undo();
+    EXPECT_FALSE(tnc.editor->falls());
+}
+
+TEST(ToneEditor, TheKeysOfTheLastPointHonourTheContrastBox) {
+    Editing tnc(kCmykEditor), bare(kCmykEditor);
+    for (Editing* const editing : {&tnc, &bare}) {
+        editing->editor->setContrast(editing == &tnc);
+        editing->editor->stepIndex(8);
+        editing->editor->markSelected();
+        editing->editor->chooseEnd(true);
+        editing->editor->stepLevel(-55);
+        EXPECT_EQ(editing->value(0, 255), 200);
+    }
+    EXPECT_EQ(tnc.value(0, 128), 128 * 200 / 255);  // the whole curve is scaled
+    EXPECT_EQ(bare.value(0, 128), 128);
+}
+
+TEST(ToneEditor, InsertKeepsAPositionAsItIs) {
+    Editing tnc(kCmykEditor);
+    tnc.editor->stepIndex(4);
+    EXPECT_TRUE(tnc.editor->markSelected());
+    EXPECT_TRUE(tnc.marked(0, 64));
+    EXPECT_EQ(tnc.value(0, 64), 64);
+    EXPECT_TRUE(tnc.editor->undo());
+    EXPECT_FALSE(tnc.marked(0, 64));
 }
 
 }  // namespace

@@ -48,6 +48,8 @@ private:
     void surfaceReleased(HWND graph) override;
     void surfacePressedRight(HWND graph, dialog::Size size, dialog::Point at) override;
     bool surfaceKey(HWND graph, dialog::Size size, WPARAM key) override;
+    void surfaceLeft(HWND graph) override;
+    void showStatus();
     const wchar_t* surfaceCursor(HWND graph, dialog::Size size, dialog::Point at) override;
 
     const ChannelControls& channel(int32_t at) const { return channels_[static_cast<size_t>(at)]; }
@@ -56,6 +58,7 @@ private:
     std::span<const ChannelControls> channels_;
     FieldRule rule_;
     dialog::Dialog* dialog_ = nullptr;
+    std::optional<dialog::Point> pointer_;  // while it is over the graph
 };
 
 }  // namespace ko::tone

@@ -43,20 +43,52 @@ dialog::GraphCurve CurveEditor::curveOf(Size graph, int32_t channel, dialog::Col
     return curve;
 }
 
-bool CurveEditor::press(Size graph, Point at) {
-    if (dragging_ || !dialog::isInsideGraph(graph, at)) return false;
-    for (int32_t channel = 0; channel < channels_; ++channel) {
-        if (!isSelected(channel)) continue;
-        for (int32_t index = 0; index <= lastIndex_; ++index) {
-            if (!dialog::isNear(pointAt(graph, channel, index), at, tolerance_)) continue;
-            index_ = index;
-            notice_.reset();
-            keepCurves();
-            dragging_ = true;
-            return true;
-        }
-    }
+dialog::GraphCurve CurveEditor::openedCurve(Size graph, int32_t channel,
+                                            dialog::Colour colour) const {
+    const auto at = static_cast<size_t>(openedIndex(channel));
+    if (at >= opened_.size()) return {colour, {}, {}, {}};
+    return {colour, dialog::keptLine(opened_[at], graph), {}, {}};
+}
+
+void CurveEditor::keepOpened() {
+    for (int32_t channel = 0; channel < channels_; ++channel)
+        opened_.push_back(lineOf(dialog::kKeptGraph, channel));
+}
+
+std::optional<CurveEditor::Hit> CurveEditor::findPoint(Size graph, Point at) const noexcept {
+    if (!dialog::isInsideGraph(graph, at)) return std::nullopt;
+    for (int32_t channel = 0; channel < channels_; ++channel)
+        for (int32_t index = 0; isSelected(channel) && index <= lastIndex_; ++index)
+            if (isHit(graph, at, channel, index)) return Hit{channel, index};
+    return std::nullopt;
+}
+
+std::optional<dialog::GraphReading> CurveEditor::readingAt(Size graph, Point at) const {
+    const Size plot = dialog::plotSize(graph);
+    if (!dialog::isInsideGraph(graph, at) || plot.width <= 0) return std::nullopt;
+    const auto percent = [](int32_t level) { return std::to_string(percentOf(level)) + " %"; };
+    if (const auto hit = findPoint(graph, at))
+        return dialog::GraphReading{percent(gridLevel(hit->index)),
+                                    percent(levelOf(hit->channel, hit->index))};
+    const int32_t input = clampTo((at.x - dialog::kGraphInset) * 255 / plot.width, 0, 255);
+    return dialog::GraphReading{percent(input), percent(dialog::levelAt(graph, at.y))};
+}
+
+bool CurveEditor::falls() const noexcept {
+    for (int32_t channel = 0; channel < channels_; ++channel)
+        for (int32_t index = 0; isSelected(channel) && index < lastIndex_; ++index)
+            if (levelOf(channel, index + 1) < levelOf(channel, index)) return true;
     return false;
+}
+
+bool CurveEditor::press(Size graph, Point at) {
+    const auto hit = dragging_ ? std::nullopt : findPoint(graph, at);
+    if (!hit) return false;
+    index_ = hit->index;
+    notice_.reset();
+    keepCurves();
+    dragging_ = true;
+    return true;
 }
 
 bool CurveEditor::move(Size graph, Point at) {
@@ -95,7 +127,7 @@ bool CurveEditor::pressRight(Size graph, Point at) {
     for (int32_t channel = 0; channel < channels_; ++channel) {
         if (!isSelected(channel)) continue;
         for (int32_t index = 1; index < lastIndex_; ++index) {
-            if (!dialog::isNear(pointAt(graph, channel, index), at, tolerance_)) continue;
+            if (!isHit(graph, at, channel, index)) continue;
             if (isMarked(channel, index)) changed |= 1u << channel;
             mark(channel, index, false);
             break;
@@ -115,8 +147,22 @@ bool CurveEditor::stepIndex(int32_t by) {
 bool CurveEditor::stepLevel(int32_t by) {
     if (dragging_) return false;
     edit([&] {
+        for (int32_t channel = 0; channel < channels_; ++channel) {
+            if (!isSelected(channel)) continue;
+            const int32_t level = levelOf(channel, index_) + by;
+            if (contrast_ && index_ == lastIndex_) scaleToEnd(channel, clampTo(level, 0, 255));
+            else setPoint(channel, index_, level);
+        }
+        evaluate(selection_);
+    });
+    return selection_ != 0;
+}
+
+bool CurveEditor::markSelected() {
+    if (dragging_) return false;
+    edit([&] {
         for (int32_t channel = 0; channel < channels_; ++channel)
-            if (isSelected(channel)) setPoint(channel, index_, levelOf(channel, index_) + by);
+            if (isSelected(channel)) mark(channel, index_, true);
         evaluate(selection_);
     });
     return selection_ != 0;

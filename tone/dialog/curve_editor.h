@@ -32,6 +32,15 @@ public:
     int32_t gridLevel(int32_t index) const noexcept;  // the input level of a grid index
     dialog::Point pointAt(dialog::Size graph, int32_t channel, int32_t index) const noexcept;
     dialog::GraphCurve curveOf(dialog::Size graph, int32_t channel, dialog::Colour colour) const;
+    // The curve as it was opened, without points.
+    dialog::GraphCurve openedCurve(dialog::Size graph, int32_t channel, dialog::Colour colour) const;
+    // Whether a point can be taken hold of there; and what stands there, of a point its own values.
+    bool isOnPoint(dialog::Size graph, dialog::Point at) const noexcept {
+        return findPoint(graph, at).has_value();
+    }
+    std::optional<dialog::GraphReading> readingAt(dialog::Size graph, dialog::Point at) const;
+    // Whether a selected curve goes down anywhere: more ink in, less ink out.
+    bool falls() const noexcept;
 
     // What the person does. Each says whether anything shown has changed.
     bool press(dialog::Size graph, dialog::Point at);
@@ -39,8 +48,12 @@ public:
     void release();
     bool pressRight(dialog::Size graph, dialog::Point at);
     bool stepIndex(int32_t by);  // keyboard: the next or the previous position
+    bool chooseEnd(bool last) { return stepIndex(last ? lastIndex_ : -lastIndex_); }
     bool stepLevel(int32_t by);  // keyboard: the selected position up or down
     bool unmark();               // keyboard: the selected position is no control point any more
+    bool markSelected();         // keyboard: it becomes one as it is
+    // The screen's, which says how near a hit has to be.
+    void setResolution(int32_t dpi) noexcept { dpi_ = dpi; }
     void setContrast(bool on) noexcept { contrast_ = on; }
     void select(uint32_t channels) noexcept { selection_ = channels; }
     void selectAll() noexcept { selection_ = allChannels_; }
@@ -55,6 +68,8 @@ protected:
 
     int32_t lastIndex() const noexcept { return lastIndex_; }
     void setNotice(std::optional<Problem> notice) { notice_ = std::move(notice); }
+    // The curves as they are are the opened ones from now on: of a further set of channels.
+    void keepOpened();
 
 private:
     virtual int32_t levelOf(int32_t channel, int32_t index) const noexcept = 0;
@@ -69,6 +84,18 @@ private:
     virtual void evaluate(uint32_t channels) = 0;  // anew from the control points
     virtual std::vector<dialog::Point> lineOf(dialog::Size graph, int32_t channel) const = 0;
 
+    // Among the curves that were opened.
+    virtual int32_t openedIndex(int32_t channel) const noexcept { return channel; }
+
+    struct Hit {
+        int32_t channel, index;
+    };
+    std::optional<Hit> findPoint(dialog::Size graph, dialog::Point at) const noexcept;
+    bool isHit(dialog::Size graph, dialog::Point at, int32_t channel, int32_t index) const noexcept {
+        return dialog::isNear(pointAt(graph, channel, index), at,
+                              dialog::atResolution(tolerance_, dpi_));
+    }
+
     template <class Edit>
     void edit(Edit&& change) {
         keepCurves();
@@ -81,7 +108,9 @@ private:
     std::optional<Problem> notice_;
     int32_t channels_;
     int32_t lastIndex_;
-    dialog::Size tolerance_;
+    dialog::Size tolerance_;  // at 96 dpi
+    int32_t dpi_ = 96;
+    std::vector<std::vector<dialog::Point>> opened_;  // on a graph of dialog::kKeptGraph
     uint32_t allChannels_;
     uint32_t selection_;
     int32_t index_ = 0;

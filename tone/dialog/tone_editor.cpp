@@ -44,6 +44,7 @@ ToneEditor::ToneEditor(const ToneEditorKind& kind, ToneCurve& curve, DccSettings
     startFolder_ = folderOf(path);
     setHasFile(!fileNameOf(path).empty());
     if (!hasFile()) copyText(curve_.path, "");
+    keepOpened();
 }
 
 namespace {
