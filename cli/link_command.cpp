@@ -14,6 +14,7 @@
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/finish.h"
 #include "cli/icc_input.h"
 #include "cli/link_choices.h"
 #include "cli/precise.h"
@@ -23,6 +24,7 @@
 #include "cmyk/save.h"
 #include "frame/path.h"
 #include "frame/text.h"
+#include "kolink/version.h"
 
 namespace ko::cli {
 namespace {
@@ -310,6 +312,41 @@ void runPrecise(const Options& options, const Texts& texts, std::optional<int64_
     if (options.verbose) report(options, info, taken.count());
 }
 
+// What is said of a link that the library made.
+Finish finishOf(const Options& options) {
+    const LinkChoices& choices = options.choices;
+    Finish finish;
+    std::string& text = finish.provenance;
+    const auto line = [&](const std::string& key, const std::string& value) { text += key + ": " + printable(value) + '\n'; };
+    const auto take = [&](const char* role, const std::optional<std::string>& path) {
+        if (!path) return;
+        finish.sequence.push_back(sequenceEntry(openInput(*path)));
+        line(role, finish.sequence.back().name);
+        if (!finish.sequence.back().id.empty()) line(std::string(role) + "-id", finish.sequence.back().id);
+    };
+    take("base", choices.base);
+    take("source", choices.source);
+    take("destination", choices.destination);
+    if (finish.sequence.empty()) finish.sequence.emplace_back().name = "settings";
+    if (choices.source) finish.intent = static_cast<uint32_t>(choices.intentNumber());
+    const std::string stem = fromPath(toPath(options.output).stem());
+    finish.name = options.name.value_or(choices.source ? finish.sequence[finish.sequence.size() - 2].name + " to " +
+                                                             finish.sequence.back().name : stem);
+    line("method", "classic");
+    if (choices.source) line("intent", kIntentWords[finish.intent]);
+    line("black", choices.blackIsFile() ? "curve" : choices.black.value_or("keep"));
+    if (choices.blackIsFile()) line("black-file", fromPath(toPath(*choices.black).filename()));
+    line("preserve", choices.preserve.value_or("none"));
+    line("white", choices.whiteMode());
+    if (choices.paper) line("paper", *choices.paper);
+    if (choices.fade) line("fade", *choices.fade);
+    line("bits", "8");
+    line("grid", "33");
+    line("nodes", "library");
+    line("version", KOLINK_VERSION);
+    return finish;
+}
+
 void runClassic(const Options& options, const Texts& texts, std::optional<int64_t> date, const char* why) {
     const auto start = std::chrono::steady_clock::now();
     ClassicLink request(options.choices);
@@ -318,7 +355,7 @@ void runClassic(const Options& options, const Texts& texts, std::optional<int64_
     const CmykProfilePtr profile = request.combine(options.output);
     setText(profile->comment, texts.comment);
     setText(profile->name, texts.name);
-    const std::vector<uint8_t> bytes = encode(*profile, date);
+    const std::vector<uint8_t> bytes = finished(encode(*profile, date), *profile, finishOf(options));
     verify(inMemory(options.output, bytes), *profile);
     writeFile(options.output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 

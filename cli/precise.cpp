@@ -17,15 +17,6 @@ namespace {
 
 constexpr size_t kMostProvenance = 10000;
 
-std::string hex(const uint8_t (&id)[16]) {
-    std::string text;
-    for (const uint8_t byte : id) {
-        text += "0123456789abcdef"[byte >> 4];
-        text += "0123456789abcdef"[byte & 15];
-    }
-    return text;
-}
-
 std::string fileName(const std::string& path) { return printable(fromPath(toPath(path).filename())); }
 
 void takeBlackCurve(const InputFile& file, uint8_t (&levels)[256]) {
@@ -150,6 +141,15 @@ std::string PrecisePair::provenance() const {
     if (choices_.fade) line("fade", printable(*choices_.fade));
     if (choices_.saveInkAbove) line("save-ink-above", printable(*choices_.saveInkAbove));
     line("version", KOLINK_VERSION);
+    return text;
+}
+
+std::string hex(const uint8_t (&id)[16]) {
+    std::string text;
+    for (const uint8_t byte : id) {
+        text += "0123456789abcdef"[byte >> 4];
+        text += "0123456789abcdef"[byte & 15];
+    }
     return text;
 }
 

@@ -67,6 +67,8 @@ private:
 // Conversion through a device link as a file has it.
 PreciseTransform linkTransform(const PreciseProfile& link);
 
+std::string hex(const uint8_t (&id)[16]);
+
 // What a link of the library says of itself: the lines "key: value" of its provenance; empty when
 // it has none.
 std::string provenanceOf(const IccInput& link);

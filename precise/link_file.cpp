@@ -38,25 +38,6 @@ std::string asciiOf(const std::string& text) {
     return ascii;
 }
 
-// textDescriptionType of version 2: ASCII, Unicode and Macintosh texts.
-void putDescription(ByteWriter& out, const std::string& ascii, const std::string& readable) {
-    out.u32(fourcc("desc"));
-    out.u32(0);
-    out.u32(static_cast<uint32_t>(ascii.size() + 1));
-    out.append(std::string_view(ascii));
-    out.u8(0);
-    out.u32(readable.empty() ? 0 : 'e' << 24 | 'n' << 16 | 'U' << 8 | 'S');
-    const std::u16string units = utf16Of(readable);
-    out.u32(readable.empty() ? 0 : static_cast<uint32_t>(units.size() + 1));
-    for (const char16_t unit : units) out.u16(unit);
-    if (!readable.empty()) out.u16(0);
-    const std::string script = asciiOf(readable).substr(0, 66);
-    out.u16(0);
-    out.u8(static_cast<uint8_t>(script.empty() ? 0 : script.size() + 1));
-    out.append(std::string_view(script));
-    out.zeros(67 - script.size());
-}
-
 std::string number(double value) {  // at most one digit behind the point
     const auto tenths = static_cast<long long>(value * 10 + 0.5);
     std::string text = std::to_string(tenths / 10);
@@ -79,6 +60,24 @@ std::string hex(const std::array<uint8_t, 16>& id) {
 }
 
 }  // namespace
+
+void putDescription(ByteWriter& out, const std::string& ascii, const std::string& readable) {
+    out.u32(fourcc("desc"));
+    out.u32(0);
+    out.u32(static_cast<uint32_t>(ascii.size() + 1));
+    out.append(std::string_view(ascii));
+    out.u8(0);
+    out.u32(readable.empty() ? 0 : 'e' << 24 | 'n' << 16 | 'U' << 8 | 'S');
+    const std::u16string units = utf16Of(readable);
+    out.u32(readable.empty() ? 0 : static_cast<uint32_t>(units.size() + 1));
+    for (const char16_t unit : units) out.u16(unit);
+    if (!readable.empty()) out.u16(0);
+    const std::string script = asciiOf(readable).substr(0, 66);
+    out.u16(0);
+    out.u8(static_cast<uint8_t>(script.empty() ? 0 : script.size() + 1));
+    out.append(std::string_view(script));
+    out.zeros(67 - script.size());
+}
 
 std::string provenanceOf(const Link& link) {
     constexpr const char* kIntents[] = {"perceptual", "relative", "saturation", "absolute"};

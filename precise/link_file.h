@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/bytes.h"
 #include "precise/link.h"
 
 namespace ko::precise {
@@ -20,6 +21,9 @@ struct LinkFileOptions {
 
 // An empty vector, with the problem set, when the options do not fit the link.
 std::vector<uint8_t> linkFile(const Link& link, const LinkFileOptions& options, Problem& problem);
+
+// textDescriptionType of version 2: ASCII, Unicode and Macintosh texts. readable may be empty.
+void putDescription(ByteWriter& out, const std::string& ascii, const std::string& readable);
 
 // What the options of a link are called in its provenance, one line each.
 std::string provenanceOf(const Link& link);

@@ -48,6 +48,30 @@ for target in linux win32 win64; do
     done
 done
 
+# The tool's links, precise ones of both forms and a classic one.
+links() {  # NAME COMMAND...
+    local folder="$scratch/$1-links" options
+    shift
+    mkdir -p "$folder" && cp "$printer" "$folder/printer.icc" && cp "$source" "$folder/source.icc" || return 1
+    while read -r name options; do
+        (cd "$folder" && SOURCE_DATE_EPOCH=1700000000 "$@" link --source source.icc --destination printer.icc \
+            $options -o "$name.icc") || return 1
+    done << 'END'
+precise
+fine --bits 16 --nodes library --preserve triplex --black match --clip 1
+saving --save-ink 60 --ink-limit 260 --grid 17
+absolute --intent absolute --black keep
+tables --method tables --intent perceptual --bpc --paper 0,2,6,3
+classic --method classic --intent perceptual
+END
+}
+check "the tool makes links on linux" links linux "$builds/linux/bin/kolink"
+for target in win32 win64; do
+    check "the tool makes links on $target" links $target "${wine[@]}" "$builds/$target/bin/kolink.exe"
+    equal() { [ -s "$scratch/linux-links/precise.icc" ] && diff -rq "$scratch/linux-links" "$scratch/$target-links"; }
+    check "linux and $target made the same links" equal
+done
+
 for other in "${others[@]}"; do
     equal() { [ -s "$scratch/linux/tables.txt" ] && diff -rq "$scratch/linux" "$scratch/$other" | head -5; }
     check "linux and $other wrote the same bytes" equal
