@@ -30,13 +30,16 @@ namespace ko::cli {
 namespace {
 
 constexpr char kExamples[] =
-    "The simplest link: colours of a press, printed on a printer. Pure black stays pure\n"
-    "black and white paper stays white, unless told otherwise:\n"
+    "The simplest link: colours of a press, printed on a printer, as near as its inks come.\n"
+    "Black keeps its place, and white paper stays white, unless told otherwise:\n"
     "  kolink link --source press.icc --destination printer.icc --output proof.icc\n"
     "\n"
-    "Pure inks and two-ink mixes kept clean, black through a curve of its own:\n"
+    "Pure inks and two-ink mixes kept clean, black through a curve of its own, less ink:\n"
     "  kolink link --source press.icc --destination printer.icc --output proof.icc \\\n"
-    "      --intent relative --preserve secondaries --black press.bkc\n"
+    "      --preserve secondaries --black press.bkc --ink-limit 280\n"
+    "\n"
+    "Pictures of a screen on a press, in 16 bits:\n"
+    "  kolink link --source srgb.icc --destination press.icc --bits 16 --bpc --output print.icc\n"
     "\n"
     "The paper of a newspaper shown by a tint that fades out at 25 % total coverage:\n"
     "  kolink link --source news.icc --destination printer.icc --output news-proof.icc \\\n"

@@ -1,4 +1,4 @@
-// kolink: ICC device links from CMYK profiles, on the command line.
+// kolink: ICC device links on the command line.
 #include <cxxabi.h>
 
 #include <cstdio>

@@ -55,7 +55,7 @@ links() {  # NAME COMMAND...
     mkdir -p "$folder" && cp "$printer" "$folder/printer.icc" && cp "$source" "$folder/source.icc" || return 1
     while read -r name options; do
         (cd "$folder" && SOURCE_DATE_EPOCH=1700000000 "$@" link --source source.icc --destination printer.icc \
-            $options -o "$name.icc") || return 1
+            $options -o "$name.icc" < /dev/null) || return 1
     done << 'END'
 precise
 fine --bits 16 --nodes library --preserve triplex --black match --clip 1
