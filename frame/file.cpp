@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <new>
 
 namespace ko {
 namespace {
@@ -95,8 +96,16 @@ NewFile::NewFile(const char* path, bool guarded) noexcept {
         return;
     }
     if (guarded) guard_.emplace();
-    if (guard_ && guard_->refused()) platform::setLastError(platform::Cause::interrupted);
-    else file_ = platform::beginNewFile(path, result_);
+    if (guard_ && guard_->refused()) {
+        platform::setLastError(platform::Cause::interrupted);
+        return;
+    }
+    try {
+        file_ = platform::beginNewFile(path, result_);
+    } catch (const std::bad_alloc&) {
+        platform::setLastError(platform::Cause::shortMemory);
+        result_ = SaveResult::failed;
+    }
 }
 
 NewFile::~NewFile() {

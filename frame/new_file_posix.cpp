@@ -11,7 +11,6 @@
 #include <atomic>
 #include <cerrno>
 #include <memory>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -285,13 +284,9 @@ bool begin(NewFile& file, const char* path, SaveResult& failure) {
 
 }  // namespace
 
-NewFile* beginNewFile(const char* path, SaveResult& failure) noexcept try {
+NewFile* beginNewFile(const char* path, SaveResult& failure) {
     auto file = std::make_unique<NewFile>();
     return begin(*file, path, failure) ? file.release() : nullptr;
-} catch (const std::bad_alloc&) {
-    setLastError(Cause::shortMemory);
-    failure = SaveResult::failed;
-    return nullptr;
 }
 
 bool write(NewFile& file, const void* bytes, size_t size) noexcept {

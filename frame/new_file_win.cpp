@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cwchar>
 #include <memory>
-#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -212,13 +211,9 @@ bool putInPlacePatiently(const NewFile& file) noexcept {
 
 }  // namespace
 
-NewFile* beginNewFile(const char* path, SaveResult& failure) noexcept try {
+NewFile* beginNewFile(const char* path, SaveResult& failure) {
     auto file = std::make_unique<NewFile>();
     return begin(*file, path, failure) ? file.release() : nullptr;
-} catch (const std::bad_alloc&) {
-    setLastError(Cause::shortMemory);
-    failure = SaveResult::failed;
-    return nullptr;
 }
 
 bool write(NewFile& file, const void* bytes, size_t size) noexcept {

@@ -85,7 +85,7 @@ enum class SaveResult {
     failed,      // a write or flush failed, or memory or another resource was short
 };
 struct NewFile;
-NewFile* beginNewFile(const char* path, SaveResult& failure) noexcept;  // null: see failure
+NewFile* beginNewFile(const char* path, SaveResult& failure);  // null: see failure; std::bad_alloc
 bool write(NewFile& file, const void* bytes, size_t size) noexcept;     // all or false
 bool seek(NewFile& file, uint64_t position) noexcept;                   // also past the end
 bool read(NewFile& file, void* buffer, size_t size) noexcept;           // all of it, or false
