@@ -62,9 +62,12 @@ FileHandle openForReading(const char* path, bool shareReading) noexcept {
         ::Sleep(5);
     }
     if (file == INVALID_HANDLE_VALUE) return kNoFile;
-    if (::GetFileType(file) == FILE_TYPE_DISK) return reinterpret_cast<FileHandle>(file);
+    ::SetLastError(NO_ERROR);
+    const DWORD type = ::GetFileType(file);
+    if (type == FILE_TYPE_DISK) return reinterpret_cast<FileHandle>(file);
+    const DWORD error = type == FILE_TYPE_UNKNOWN ? ::GetLastError() : NO_ERROR;
     ::CloseHandle(file);
-    ::SetLastError(ERROR_BAD_FILE_TYPE);
+    ::SetLastError(error != NO_ERROR ? error : ERROR_BAD_FILE_TYPE);
     return kNoFile;
 }
 
