@@ -2,11 +2,17 @@
 """The tool's commands under failing calls: each is run once for every allocation, read, write and
 so on that it makes, and that one fails; what it says and writes is held against an undisturbed run.
 
-  commands.py KOLINK LIBKOFAULTS FAULT_TESTS SCRATCH [--most N] [--only TEXT] [--seconds N]
+  commands.py KOLINK LIBKOFAULTS FAULT_TESTS SCRATCH [--most N] [--places] [--only TEXT]
+              [--seconds N]
 
---most limits the failures of one kind and way in one command to N, spread over the calls; --seconds
-ends after that time, with the commands that there was time for."""
+--most limits the failures of one kind and way in one command to N, spread over the calls. --places
+takes, of the allocations that the same chain of calls makes, the first and the last alone, and those
+of a chain that an earlier command made too (most are the tool's options, made before any command)
+in that command alone; of all other calls it takes every one. --seconds ends after that time, with
+the commands that there was time for."""
 import argparse
+import array
+import ctypes
 import hashlib
 import os
 import shutil
@@ -77,6 +83,7 @@ parser.add_argument("faults")
 parser.add_argument("fault_tests")
 parser.add_argument("scratch")
 parser.add_argument("--most", type=int, default=1 << 60)
+parser.add_argument("--places", action="store_true")
 parser.add_argument("--only", default="")
 parser.add_argument("--seconds", type=float, default=float("inf"))
 options = parser.parse_args()
@@ -141,6 +148,8 @@ class Run:
         env = dict(environment, KO_FAULT=plan)
         if report:
             env["KO_FAULT_REPORT"] = report
+            if options.places:
+                env["KO_FAULT_SITES"] = report + ".sites"
         with open(stdin or os.devnull, "rb") as given:
             process = subprocess.Popen([kolink, *words], stdin=given, stdout=subprocess.PIPE,
                                        stderr=subprocess.PIPE, env=env)
@@ -152,6 +161,31 @@ class Run:
                 self.out, self.err = process.communicate()
                 self.status = "hang"
         self.files = listing("out")
+
+
+def spread(count, most):
+    chosen = min(count, most)
+    return [i * count // chosen + 1 for i in range(chosen)]
+
+
+chains = set()
+if options.places:  # a chain is known by its addresses, which have to be the same each time
+    ADDR_NO_RANDOMIZE = 0x0040000
+    ctypes.CDLL(None).personality(ADDR_NO_RANDOMIZE)
+
+
+def of_places(path):
+    """Of the allocations of each chain of calls that is new, the first and the last."""
+    sites = array.array("Q")
+    with open(path, "rb") as file:
+        sites.frombytes(file.read())
+    first, last = {}, {}
+    for at, site in enumerate(sites, 1):
+        if site not in chains:
+            first.setdefault(site, at)
+            last[site] = at
+    chains.update(first)
+    return sorted({*first.values(), *last.values()})
 
 
 def judge(run, expected, before, legal):
@@ -182,6 +216,7 @@ def judge(run, expected, before, legal):
 
 GOOD = ("same", "refused")
 outcomes, injected, findings, done, left_out = {}, {}, 0, 0, []
+allocations = 0
 for name, arguments, writes in COMMANDS:
     if options.only not in name:
         continue
@@ -200,12 +235,15 @@ for name, arguments, writes in COMMANDS:
         continue
     with open("../report") as report:
         calls = {kind: int(count) for kind, count in map(str.split, report)}
+    chosen = {kind: spread(calls[kind], options.most) for kind in WAYS}
+    if options.places:
+        chosen["memory"] = of_places("../report.sites")
+        allocations += calls["memory"]
     bad = count = 0
     clean = True
     for kind, ways in WAYS.items():
         for way in ways + LEGAL.get(kind, []):
-            chosen = min(calls[kind], options.most)
-            for at in (i * calls[kind] // chosen + 1 for i in range(chosen)):
+            for at in chosen[kind]:
                 if not clean:
                     prepare(writes)
                 run = Run(arguments, f"{kind}:{way}:{at}")
@@ -228,6 +266,8 @@ for name, arguments, writes in COMMANDS:
 print(f"\n{done} commands")
 print("failures:", ", ".join(f"{kind} {n}" for kind, n in injected.items()) + f", in all {sum(injected.values())}")
 print("outcome:", ", ".join(f"{verdict} {n}" for verdict, n in sorted(outcomes.items())))
+if options.places:
+    print(f"allocations: {allocations} by {len(chains)} chains of calls, of each the first and the last")
 if left_out:
     print("no time for:", ", ".join(left_out))
 sys.exit(1 if findings or not done else 0)

@@ -2,6 +2,8 @@
 // before one (LD_PRELOAD) with
 //   KO_FAULT=KIND:WAY:AT   the plan, from the program's first instruction on
 //   KO_FAULT_REPORT=FILE   where the counts go at the end, one "KIND COUNT" a line
+//   KO_FAULT_SITES=FILE    where it goes from which place in the program each allocation came: for
+//                          every one a number of eight bytes, the same for the same chain of calls
 // Calls by the loader itself are left alone: what it cannot load is no failure of the program.
 #include <dirent.h>
 #include <dlfcn.h>
@@ -16,6 +18,7 @@
 #include <sys/syscall.h>
 #include <sys/uio.h>
 #include <unistd.h>
+#include <unwind.h>
 
 #include <cerrno>
 #include <cstdarg>
@@ -25,7 +28,7 @@
 #include <ctime>
 #include <iterator>
 
-#include "tests/fault/faults.h"
+#include "tests/fault/planned.h"
 
 extern "C" {
 void* __libc_malloc(size_t size);
@@ -39,14 +42,11 @@ namespace ko::fault {
 namespace {
 
 struct State {
-    bool counting;
-    Plan plan;
-    uint64_t calls[kKinds];
-    bool struck;
+    Planned planned;
     int64_t blocks, bytes;
     uint8_t fill;
 };
-constinit State state = {false, {}, {}, false, 0, 0, 0xa5};
+constinit State state = {{}, 0, 0, 0xa5};
 
 constexpr int kReasons[kKinds] = {ENOMEM, EMFILE, EIO, ENOSPC, EIO, EIO, EIO, EPERM, EIO, ENOMEM,
                                   ENOLCK, ENOMEM};
@@ -57,29 +57,37 @@ constexpr unsigned kRooms[] = {0,    16,   64,   256,   1024,  2048,  4096,  470
 
 rlimit limitBefore;
 
-enum class Fate { normal, failure, part, interruption };
-
 // Streams of the C library do not go on after a signal; who uses them has handlers that let the
 // system go on by itself.
 enum class Caller { program, stream };
 
+// The chain of calls that lead here, for the allocations that anybody asks about.
+constexpr size_t kMostSites = 1 << 20;
+uint64_t* sites = nullptr;
+
+void noteSite(uint64_t number) noexcept {
+    static thread_local bool looking = false;  // what looks allocates, too
+    if (!sites || looking || number > kMostSites) return;
+    looking = true;
+    uint64_t hash = 14695981039346656037u;
+    ::_Unwind_Backtrace(
+        [](_Unwind_Context* context, void* into) {
+            auto& sum = *static_cast<uint64_t*>(into);
+            sum = (sum ^ static_cast<uint64_t>(::_Unwind_GetIP(context))) * 1099511628211u;
+            return _URC_NO_REASON;
+        },
+        &hash);
+    sites[number - 1] = hash;
+    looking = false;
+}
+
 Fate next(Kind kind, Caller caller = Caller::program) noexcept {
-    if (!state.counting) return Fate::normal;
-    const auto index = static_cast<int>(kind);
-    const uint64_t number = __atomic_add_fetch(&state.calls[index], 1, __ATOMIC_RELAXED);
-    const Plan& plan = state.plan;
-    if (plan.at == 0 || plan.kind != kind || number < plan.at) return Fate::normal;
-    const bool lasting = plan.way == Way::onwards || plan.way == Way::full;
-    if (number > plan.at && !lasting) return Fate::normal;
-    if (plan.way == Way::interrupted && caller == Caller::stream) return Fate::normal;
-    state.struck = true;
-    if (plan.way == Way::part || (plan.way == Way::full && number == plan.at)) return Fate::part;
-    if (plan.way == Way::interrupted) {
-        errno = EINTR;
-        return Fate::interruption;
-    }
-    errno = kReasons[index];
-    return Fate::failure;
+    const uint64_t number = state.planned.number(kind);
+    if (kind == Kind::memory && number > 0) noteSite(number);
+    const Fate fate = state.planned.fate(kind, number, caller == Caller::program);
+    if (fate == Fate::failure) errno = kReasons[static_cast<int>(kind)];
+    if (fate == Fate::interruption) errno = EINTR;
+    return fate;
 }
 bool fails(Kind kind, Caller caller = Caller::program) noexcept {
     const Fate fate = next(kind, caller);
@@ -119,7 +127,7 @@ void givenBack(void* block) noexcept {
                        __ATOMIC_RELAXED);
 }
 void* filled(void* block) noexcept {
-    if (block && state.counting) std::memset(block, state.fill, ::malloc_usable_size(block));
+    if (block && state.planned.counting()) std::memset(block, state.fill, ::malloc_usable_size(block));
     return block;
 }
 
@@ -158,11 +166,14 @@ __attribute__((constructor(101))) void readEnvironment() noexcept {
     for (int w = 0; w < kWays; ++w)
         if (std::strcmp(kWayNames[w], way) == 0) plan.way = static_cast<Way>(w);
     plan.at = at;
+    if (std::getenv("KO_FAULT_SITES"))
+        sites = static_cast<uint64_t*>(::mmap(nullptr, kMostSites * sizeof *sites, PROT_READ | PROT_WRITE,
+                                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
     begin(plan);
 }
 __attribute__((destructor(101))) void writeReport() noexcept {
     const char* path = std::getenv("KO_FAULT_REPORT");
-    if (!path || !state.counting) return;
+    if (!path || !state.planned.counting()) return;
     const Calls calls = end();
     const long file = ::syscall(SYS_openat, AT_FDCWD, path, O_WRONLY | O_CREAT | O_TRUNC, 0666);
     for (int k = 0; k < kKinds; ++k) {
@@ -172,30 +183,30 @@ __attribute__((destructor(101))) void writeReport() noexcept {
         (void)::syscall(SYS_write, file, line, size);
     }
     (void)::syscall(SYS_close, file);
+    const char* sitePath = std::getenv("KO_FAULT_SITES");
+    if (!sitePath || !sites) return;
+    const long list = ::syscall(SYS_openat, AT_FDCWD, sitePath, O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    const uint64_t count = calls.of[static_cast<int>(Kind::memory)];
+    (void)::syscall(SYS_write, list, sites, (count < kMostSites ? count : kMostSites) * sizeof *sites);
+    (void)::syscall(SYS_close, list);
 }
 
 }  // namespace
 
 void begin(const Plan& plan) noexcept {
-    std::memset(state.calls, 0, sizeof state.calls);
-    state.struck = false;
-    state.plan = plan;
     ::getrlimit(RLIMIT_AS, &limitBefore);
+    state.planned.begin(plan);
     if (plan.kind == Kind::space && plan.at > 0) {
         const rlimit limit{sizeNow() + kRooms[(plan.at - 1) % std::size(kRooms)] * 1024,
                            limitBefore.rlim_max};
         ::setrlimit(RLIMIT_AS, &limit);
-        state.struck = true;
+        state.planned.strike();
     }
-    state.counting = true;
 }
 Calls end() noexcept {
-    state.counting = false;
-    if (state.plan.kind == Kind::space) ::setrlimit(RLIMIT_AS, &limitBefore);
-    Calls calls;
-    std::memcpy(calls.of, state.calls, sizeof calls.of);
+    Calls calls = state.planned.end();
+    if (state.planned.plan().kind == Kind::space) ::setrlimit(RLIMIT_AS, &limitBefore);
     calls.of[static_cast<int>(Kind::space)] = std::size(kRooms);
-    calls.struck = state.struck;
     return calls;
 }
 Held held() noexcept { return {state.blocks, state.bytes}; }

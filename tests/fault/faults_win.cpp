@@ -6,16 +6,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "tests/fault/faults.h"
+#include "tests/fault/planned.h"
 
 namespace ko::fault {
 namespace {
 
 struct State {
-    bool counting;
-    Plan plan;
-    uint64_t calls[kKinds];
-    bool struck;
+    Planned planned;
     int64_t blocks;
     uint8_t fill;
     HANDLE files[64];  // open ones of the library
@@ -28,21 +25,12 @@ constexpr DWORD kReasons[kKinds] = {
     ERROR_IO_DEVICE,         ERROR_IO_DEVICE,           ERROR_IO_DEVICE, ERROR_NOT_SUPPORTED,
     ERROR_IO_DEVICE,         ERROR_NOT_ENOUGH_MEMORY,   ERROR_INVALID_HANDLE, 0};
 
-enum class Fate { normal, failure, part };
-
+// The C library's allocator tells nobody why; everything else says it here.
 Fate next(Kind kind) noexcept {
-    if (!state.counting) return Fate::normal;
-    const auto index = static_cast<int>(kind);
-    const uint64_t number = ++state.calls[index];
-    const Plan& plan = state.plan;
-    if (plan.at == 0 || plan.kind != kind || number < plan.at) return Fate::normal;
-    const bool lasting = plan.way == Way::onwards || plan.way == Way::full;
-    if (number > plan.at && !lasting) return Fate::normal;
-    state.struck = true;
-    if (plan.way == Way::full && number == plan.at) return Fate::part;
-    // The C library's allocator tells nobody why; everything else says it here.
-    if (kind != Kind::memory) ::SetLastError(kReasons[index]);
-    return Fate::failure;
+    const Fate fate = state.planned.fate(kind, state.planned.number(kind));
+    if (fate == Fate::failure && kind != Kind::memory)
+        ::SetLastError(kReasons[static_cast<int>(kind)]);
+    return fate;
 }
 bool fails(Kind kind) noexcept { return next(kind) == Fate::failure; }
 
@@ -53,7 +41,7 @@ void* __cdecl plannedMalloc(size_t size) {
     void* block = std::malloc(size);
     if (!block) return nullptr;
     ++state.blocks;
-    if (state.counting) std::memset(block, state.fill, size);
+    if (state.planned.counting()) std::memset(block, state.fill, size);
     return block;
 }
 void* __cdecl plannedCalloc(size_t count, size_t size) {
@@ -105,7 +93,7 @@ BOOL WINAPI plannedWriteFile(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD put
     switch (next(Kind::write)) {
         case Fate::failure: return FALSE;
         case Fate::part:    return ::WriteFile(file, bytes, size / 2, put, when);
-        case Fate::normal:  break;
+        default:            break;
     }
     return ::WriteFile(file, bytes, size, put, when);
 }
@@ -212,19 +200,8 @@ const struct Replaced {
 
 }  // namespace
 
-void begin(const Plan& plan) noexcept {
-    std::memset(state.calls, 0, sizeof state.calls);
-    state.struck = false;
-    state.plan = plan;
-    state.counting = true;
-}
-Calls end() noexcept {
-    state.counting = false;
-    Calls calls;
-    std::memcpy(calls.of, state.calls, sizeof calls.of);
-    calls.struck = state.struck;
-    return calls;
-}
+void begin(const Plan& plan) noexcept { state.planned.begin(plan); }
+Calls end() noexcept { return state.planned.end(); }
 Held held() noexcept { return {state.blocks, state.blocks}; }
 void fillWith(uint8_t byte) noexcept { state.fill = byte; }
 int reason() noexcept { return static_cast<int>(::GetLastError()); }

@@ -86,7 +86,7 @@ long long allocatedBytes() {
     return bytes;
 }
 
-const int kLoads = 50;  // Wine needs a while for each
+const int kLoads = 200;  // Wine needs a while for each
 const bool kLoadingIsShort = false;
 void* loadLibrary(const char* path) { return ::LoadLibraryA(path); }
 void* findFunction(void* library, const char* name) {
