@@ -133,7 +133,8 @@ def prepare(writes):
                 old.write("old" * 1000)
 
 
-environment = {"LC_ALL": "C.UTF-8", "PATH": os.environ["PATH"], "HOME": work, "LD_PRELOAD": faults}
+environment = {"LC_ALL": "C.UTF-8", "PATH": os.environ["PATH"], "HOME": work,
+               "LD_PRELOAD": faults, "SOURCE_DATE_EPOCH": "1000000000"}
 if "XDG_RUNTIME_DIR" in os.environ:
     environment["XDG_RUNTIME_DIR"] = os.environ["XDG_RUNTIME_DIR"]
 
