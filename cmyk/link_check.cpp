@@ -3,6 +3,7 @@
 #include <array>
 
 #include "cmyk/cmyk.h"
+#include "frame/arithmetic.h"
 #include "frame/bytes.h"
 #include "frame/path.h"
 #include "frame/text.h"
@@ -101,48 +102,140 @@ bool convertsNothing(const CmsLinkSettings& settings) noexcept {
            settings.whiteMode != 2;
 }
 
-std::optional<LinkProblem> checkLinkSettings(const CmsLinkSettings& settings) {
-    const std::string base(textIn(settings.basePath)), source(textIn(settings.sourcePath)),
-        destination(textIn(settings.destinationPath)), black(textIn(settings.blackPath)),
-        output(textIn(settings.outputPath));
-    const auto found = [](LinkField field, const std::string& path, Found problem) {
-        return problem ? std::optional(LinkProblem{field, path, std::move(*problem)}) : std::nullopt;
-    };
+namespace {
 
-    if (!base.empty())
-        if (auto problem = found(LinkField::base, base, checkBase(base))) return problem;
-    if (source.empty() != destination.empty())
-        return source.empty()
-                   ? found(LinkField::source, source, Problem{texts::kNeedsTarget})
-                   : found(LinkField::destination, destination, Problem{texts::kNeedsPrinter});
-    constexpr std::array kA2B = {fourcc("A2B0"), fourcc("A2B1"), fourcc("A2B2")};
-    constexpr std::array kB2A = {fourcc("B2A0"), fourcc("B2A1"), fourcc("B2A2")};
-    if (hasExtension(source.c_str(), ".icc")) {
-        if (auto problem = found(LinkField::source, source,
-                                 checkSide(source, kA2B, settings.intent, 4, 3)))
-            return problem;
-        if (auto problem = found(LinkField::destination, destination,
-                                 checkSide(destination, kB2A, settings.intent, 3, 4)))
-            return problem;
-    } else if (!source.empty()) {  // a table of another kind, which a plug-in reads
-        if (auto problem = found(LinkField::source, source, whyUnreadable(source.c_str())))
-            return problem;
-        if (openIcc(source).profile)
-            return found(LinkField::source, source, Problem{texts::kIccNeedsExtension});
-        if (auto problem =
-                found(LinkField::destination, destination, tone::whyNoCurveFile(6, destination.c_str())))
-            return problem;
+constexpr LinkField kInputs[] = {LinkField::base, LinkField::source, LinkField::destination,
+                                 LinkField::black};
+constexpr std::array kA2B = {fourcc("A2B0"), fourcc("A2B1"), fourcc("A2B2")};
+constexpr std::array kB2A = {fourcc("B2A0"), fourcc("B2A1"), fourcc("B2A2")};
+
+std::string pathOf(const CmsLinkSettings& settings, LinkField field) {
+    switch (field) {
+        case LinkField::base: return std::string(textIn(settings.basePath));
+        case LinkField::source: return std::string(textIn(settings.sourcePath));
+        case LinkField::destination: return std::string(textIn(settings.destinationPath));
+        case LinkField::black: return std::string(textIn(settings.blackPath));
+        case LinkField::output: break;
     }
-    if (!black.empty())
-        if (auto problem = found(LinkField::black, black, tone::whyNoCurveFile(1, black.c_str())))
-            return problem;
+    return std::string(textIn(settings.outputPath));
+}
 
-    if (fileNameOf(output).empty())
-        return found(LinkField::output, output, Problem{texts::kNeedsOutput});
-    if (isTable(output)) return found(LinkField::output, output, Problem{texts::kOutputIsTable});
-    for (const std::string& input : {base, source, destination, black})
+// A conversion between two ICC profiles, as the name of its first one says.
+bool isBetweenIcc(const CmsLinkSettings& settings) {
+    return hasExtension(pathOf(settings, LinkField::source).c_str(), ".icc");
+}
+
+Found checkOutput(const CmsLinkSettings& settings) {
+    const std::string output = pathOf(settings, LinkField::output);
+    if (fileNameOf(output).empty()) return Problem{texts::kNeedsOutput};
+    if (isTable(output)) return Problem{texts::kOutputIsTable};
+    for (const LinkField field : kInputs) {
+        const std::string input = pathOf(settings, field);
         if (!input.empty() && platform::sameFile(input.c_str(), output.c_str()))
-            return found(LinkField::output, output, Problem{texts::kOutputIsInput});
+            return Problem{texts::kOutputIsInput};
+    }
+    return std::nullopt;
+}
+
+// What can be said against the file of a field by itself.
+Found checkFile(const CmsLinkSettings& settings, LinkField field) {
+    const std::string path = pathOf(settings, field);
+    switch (field) {
+        case LinkField::base: return checkBase(path);
+        case LinkField::source:
+            if (isBetweenIcc(settings)) return checkSide(path, kA2B, settings.intent, 4, 3);
+            // A table of another kind, which a plug-in reads.
+            if (auto problem = whyUnreadable(path.c_str())) return problem;
+            if (openIcc(path).profile) return Problem{texts::kIccNeedsExtension};
+            return std::nullopt;
+        case LinkField::destination:
+            if (isBetweenIcc(settings) || (pathOf(settings, LinkField::source).empty() &&
+                                           !hasExtension(path.c_str(), ".dcc")))
+                return checkSide(path, kB2A, settings.intent, 3, 4);
+            return tone::whyNoCurveFile(6, path.c_str());
+        case LinkField::black: return tone::whyNoCurveFile(1, path.c_str());
+        case LinkField::output: break;
+    }
+    return checkOutput(settings);
+}
+
+const char* kindOf(const IccHeader& header) noexcept {
+    switch (header.deviceClass) {
+        case fourcc("prtr"): return texts::kOutputProfile;
+        case fourcc("mntr"): return texts::kDisplayProfile;
+        case fourcc("scnr"): return texts::kInputProfile;
+        case fourcc("link"): return texts::kLinkCaption;
+        default: return texts::kProfileCaption;
+    }
+}
+
+// The first line, without what would not show on one.
+std::string lineOf(const char* text) {
+    std::string line;
+    for (; text && *text && line.size() < 100; ++text) {
+        if (*text == '\r' || *text == '\n') break;
+        if (static_cast<unsigned char>(*text) >= 0x20) line += *text;
+    }
+    return line;
+}
+
+void describeIcc(FileFact& fact, const std::string& path, uint32_t tag) {
+    const Opened opened = openIcc(path);
+    if (!opened.profile) return;
+    const IccHeader& header = opened.profile->header;
+    fact.kind = kindOf(header);
+    fact.description =
+        lineOf(static_cast<const char*>(icc::loadTag(*opened.profile, fourcc("desc"))));
+    fact.conversion =
+        signatureText(header.colourSpace) + " - " + signatureText(header.connectionSpace);
+    if (icc::findTag(*opened.profile, tag)) fact.conversion += ", " + signatureText(tag);
+}
+
+}  // namespace
+
+std::optional<FileFact> factOf(const CmsLinkSettings& settings, LinkField field) {
+    const std::string path = pathOf(settings, field);
+    if (path.empty() || field == LinkField::output) return std::nullopt;
+    FileFact fact;
+    fact.problem = checkFile(settings, field);
+    const auto intent = static_cast<size_t>(clampTo(settings.intent, 0, 2));
+    switch (field) {
+        case LinkField::base:
+            if (isTable(path)) fact.kind = texts::kTableFile;
+            else describeIcc(fact, path, kA2B[0]);
+            break;
+        case LinkField::source:
+            if (isBetweenIcc(settings)) describeIcc(fact, path, kA2B[intent]);
+            else if (!fact.problem) fact.kind = texts::kTableFile;
+            break;
+        case LinkField::destination:
+            describeIcc(fact, path, kB2A[intent]);
+            if (!fact.problem && !*fact.kind) fact.kind = texts::kDccSettings;
+            break;
+        default:
+            if (!fact.problem) fact.kind = texts::kBlackCorrection;
+            break;
+    }
+    return fact;
+}
+
+std::optional<LinkProblem> checkLinkSettings(const CmsLinkSettings& settings) {
+    const auto against = [&](LinkField field, Found problem) {
+        return LinkProblem{field, pathOf(settings, field), std::move(*problem)};
+    };
+    for (const LinkField field : kInputs) {
+        if (field == LinkField::source) {
+            const bool hasSource = !pathOf(settings, field).empty();
+            if (hasSource != !pathOf(settings, LinkField::destination).empty())
+                return hasSource
+                           ? against(LinkField::destination, Problem{texts::kNeedsPrinter})
+                           : against(LinkField::source, Problem{texts::kNeedsTarget});
+        }
+        if (pathOf(settings, field).empty()) continue;
+        if (auto problem = checkFile(settings, field)) return against(field, std::move(problem));
+    }
+    if (auto problem = checkFile(settings, LinkField::output))
+        return against(LinkField::output, std::move(problem));
     return std::nullopt;
 }
 

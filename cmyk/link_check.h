@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "frame/problem.h"
 #include "kolink/link_settings.h"
@@ -16,6 +17,21 @@ struct LinkProblem {
     std::string path;  // of the field; may be empty
     Problem problem;
 };
+
+// What the file of a field is.
+struct FileFact {
+    const char* kind = "";    // Japanese, one of resources/texts.h
+    std::string description;  // a record's text; may be empty
+    std::string conversion;   // "CMYK - Lab, A2B0"; may be empty; ASCII
+    std::optional<Problem> problem;  // why it cannot be used there
+    bool operator==(const FileFact& other) const {
+        return std::string_view(kind) == other.kind && description == other.description &&
+               conversion == other.conversion && problem == other.problem;
+    }
+};
+
+// Of the four fields that files are read from; nothing when the field is empty.
+std::optional<FileFact> factOf(const CmsLinkSettings& settings, LinkField field);
 
 // The first thing that would keep the link from being made, or would make it useless.
 std::optional<LinkProblem> checkLinkSettings(const CmsLinkSettings& settings);

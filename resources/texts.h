@@ -48,6 +48,14 @@ extern const char kLinkNotMade[];
 extern const char kLinkNotWritten[];
 extern const char kLinkMade[];
 
+// What the file of a field of it is.
+extern const char kOutputProfile[];
+extern const char kDisplayProfile[];
+extern const char kInputProfile[];
+extern const char kTableFile[];
+extern const char kDccSettings[];
+extern const char kBlackCorrection[];
+
 // The colour-correction page.
 extern const char kNotSpecified[];
 extern const char kLightnessSpan[];    // with two %d

@@ -29,6 +29,27 @@ std::wstring extensionOf(std::wstring patterns) {
     return firstExtension(patterns);
 }
 
+// The pair of patterns, from 1 on, that a file of this name belongs to; else the first.
+DWORD filterFor(const std::wstring& patterns, const std::wstring& name) {
+    const size_t dot = name.rfind(L'.');
+    if (dot == name.npos) return 1;
+    const std::wstring wanted = L"*" + name.substr(dot);
+    DWORD number = 0;
+    for (size_t at = 0; at < patterns.size() && patterns[at];) {
+        const size_t kinds = patterns.find(L'\0', at) + 1;
+        const size_t end = patterns.find(L'\0', kinds);
+        ++number;
+        for (size_t from = kinds; from < end;) {
+            const size_t stop = std::min(patterns.find(L';', from), end);
+            if (::lstrcmpiW(patterns.substr(from, stop - from).c_str(), wanted.c_str()) == 0)
+                return number;
+            from = stop + 1;
+        }
+        at = end + 1;
+    }
+    return 1;
+}
+
 bool endsWith(const std::wstring& path, const std::wstring& extension) noexcept {
     return path.size() >= extension.size() &&
            ::lstrcmpiW(path.c_str() + path.size() - extension.size(), extension.c_str()) == 0;
@@ -53,7 +74,7 @@ std::optional<std::wstring> chooseFile(HWND owner, FileChoice choice, std::strin
     ask.lStructSize = sizeof ask;
     ask.hwndOwner = owner;
     ask.lpstrFilter = patterns.c_str();
-    ask.nFilterIndex = 1;
+    ask.nFilterIndex = saves ? 1 : filterFor(patterns, name);
     ask.lpstrFile = name;
     ask.nMaxFile = static_cast<DWORD>(std::size(name));
     ask.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();

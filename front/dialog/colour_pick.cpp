@@ -1,11 +1,13 @@
 #include "front/dialog/colour_pick.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "frame/colour_words.h"
 #include "frame/dialog/typed.h"
 #include "frame/display.h"
 #include "frame/scan.h"
+#include "front/front.h"
 
 namespace ko::front {
 
@@ -16,9 +18,10 @@ namespace {
 
 constexpr size_t kFieldCharacters = 4;
 
+// As the host itself shows it, through its current link.
 uint32_t colourOf(int32_t c, int32_t m, int32_t y, int32_t k) noexcept {
-    const int32_t r = 255 - k - c, g = 255 - k - m, b = 255 - k - y;
-    return limitedRgb(r, g, b);
+    const Rgb light = cmykToRgb(c, m, y, k);
+    return packRgb(light.r, light.g, light.b);
 }
 
 // The place that lies so many cells further on, and at least one pixel.
@@ -50,6 +53,24 @@ std::vector<uint32_t> fieldPicture(Size size) {
             std::copy_n(line, width, pixels.begin() + static_cast<ptrdiff_t>(width) * y);
     }
     return pixels;
+}
+
+// The hue is what is left when the colour's grey is taken off and the rest drawn out to the full
+// range; the saturation counts from its own lightness.
+std::optional<FieldCell> nearestCell(Inks inks) noexcept {
+    const int32_t light[] = {255 - inks.c, 255 - inks.m, 255 - inks.y};
+    const auto [low, high] = std::minmax({light[0], light[1], light[2]});
+    if (low == high) return std::nullopt;
+    const auto full = [&](int32_t channel) { return (channel - low) * 255 / (high - low); };
+    const auto apart = [&](int32_t column) {
+        const Light hue = hueOf(column);
+        return std::abs(hue.r - full(light[0])) + std::abs(hue.g - full(light[1])) +
+               std::abs(hue.b - full(light[2]));
+    };
+    FieldCell nearest{0, (high - low) * kSaturationRows / (255 - std::abs(high + low - 255))};
+    for (int32_t column = 1; column < kHueColumns; ++column)
+        if (apart(column) < apart(nearest.column)) nearest.column = column;
+    return nearest;
 }
 
 ColourPick::ColourPick(uint32_t cmyk) noexcept
@@ -137,12 +158,22 @@ void ColourPick::leaveField(Ink ink, std::string_view text, bool touched) {
 
 void ColourPick::setInk(Ink ink, int32_t level) noexcept {
     levels_[static_cast<size_t>(ink)] = level;
-    // Until a hue is picked the strip runs through the colour as it was given or typed; a hue
-    // that was picked stays what it runs through.
-    if (picked_ || ink == Ink::k) return;
+    if (ink == Ink::k) return;
+    // The strip runs through the colour as it stands now, which is its middle.
     base_ = {levels_[0], levels_[1], levels_[2]};
     lightness_ = 1;
     lightnessHeight_ = 2;
+    markBase();
+}
+
+// A grey has every hue: the mark goes down to it where it stands.
+void ColourPick::markBase() noexcept {
+    const std::optional<FieldCell> cell = nearestCell(base_);
+    if (!cell && !picked_) return;
+    const Size cells{kHueColumns, kSaturationRows};
+    const int32_t column = cell ? cell->column : picked_->x * cells.width / field_.width;
+    picked_ = Point{column, kSaturationRows - (cell ? cell->row : 0)};
+    field_ = cells;
 }
 
 void ColourPick::followLightness() noexcept {

@@ -85,6 +85,12 @@ constexpr int32_t greyOfStep(int32_t step) noexcept {
     return 255 - step * 255 / (kGreySteps - 1);
 }
 
+// Where on the field a colour's hue and saturation stand; nothing for a grey, which has every hue.
+struct FieldCell {
+    int32_t column, row;  // row 0 is the grey at the bottom
+};
+std::optional<FieldCell> nearestCell(Inks inks) noexcept;
+
 // The field as pixels 0x00RRGGBB, rows from the top: 120 x 64 cells scaled to the size.
 std::vector<uint32_t> fieldPicture(dialog::Size size);
 
@@ -98,7 +104,7 @@ public:
     uint32_t packed() const noexcept;  // C << 24 | M << 16 | Y << 8 | K
     int32_t level(Ink ink) const noexcept { return levels_[static_cast<size_t>(ink)]; }
     Inks base() const noexcept { return base_; }
-    uint32_t swatch() const noexcept;                                    // a COLORREF
+    uint32_t swatch() const noexcept;  // a COLORREF, by the host's own conversion
     uint32_t lightnessColour(int32_t height, int32_t y) const noexcept;  // what a row would give
 
     // The fields and their spin controls, in percent or in 256 levels.
@@ -110,7 +116,7 @@ public:
     const std::optional<Problem>& notice() const noexcept { return notice_; }
 
     // Where the markers stand on controls of any size. The field has none until something is
-    // picked there: not every colour is on it.
+    // picked or typed.
     std::optional<dialog::Point> fieldMark(dialog::Size field) const noexcept;
     int32_t lightnessMark(int32_t height) const noexcept;
     int32_t blackMark(int32_t width) const noexcept;
@@ -131,6 +137,7 @@ public:
 private:
     int32_t lightnessAt(int32_t height) const noexcept;
     void setInk(Ink ink, int32_t level) noexcept;
+    void markBase() noexcept;
     void followLightness() noexcept;
 
     std::array<int32_t, 4> levels_;

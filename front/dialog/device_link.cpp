@@ -60,7 +60,16 @@ bool holds(const std::string& path, const CmykProfile& profile) {
 }  // namespace
 
 DeviceLinkModel::DeviceLinkModel(const CmsLinkSettings& settings)
-    : settings_(settings), amountText_(std::to_string(value255to100(settings.limit))) {}
+    : settings_(settings), amountText_(std::to_string(value255to100(settings.limit))) {
+    readFacts();
+}
+
+// One file says what another has to be.
+void DeviceLinkModel::readFacts() {
+    for (const LinkPath which : kLinkPaths)
+        facts_[static_cast<size_t>(which)] =
+            isRefused(which) ? std::nullopt : cmyk::factOf(settings_, which);
+}
 
 std::string_view DeviceLinkModel::path(LinkPath which) const noexcept {
     return textIn(fieldOf(const_cast<CmsLinkSettings&>(settings_), which));
@@ -96,6 +105,7 @@ void DeviceLinkModel::leavePath(LinkPath which, const TypedPath& typed) {
         refused = Problem{texts::kPathTooLong};
     else
         copyTypedPath(fieldOf(settings_, which), *typed);
+    readFacts();
 }
 
 void DeviceLinkModel::leaveAmount(std::string_view percent) {

@@ -66,15 +66,22 @@ public:
         return refused_[static_cast<size_t>(which)];
     }
     std::optional<LinkPath> firstRefused() const noexcept;
+    // What the file of a field is, in green, or why it cannot be used there, in red.
+    const std::optional<cmyk::FileFact>& fact(LinkPath which) const noexcept {
+        return facts_[static_cast<size_t>(which)];
+    }
     // The field that kept the last link from being made.
     std::optional<LinkPath> failedField() const noexcept { return failed_; }
 
     void leavePath(LinkPath which, const TypedPath& typed);
     void leaveAmount(std::string_view percent);
     bool browse(LinkPath which, DeviceLinkHost& host);
-    void chooseIntent(int32_t intent) noexcept { settings_.intent = intent; }
-    void choosePreservation(int32_t mode) noexcept { settings_.preservation = mode; }
-    void chooseWhiteMode(int32_t mode) noexcept { settings_.whiteMode = mode; }
+    void chooseIntent(int32_t intent) {
+        settings_.intent = intent;
+        readFacts();
+    }
+    void choosePreservation(int32_t mode) { settings_.preservation = mode; }
+    void chooseWhiteMode(int32_t mode) { settings_.whiteMode = mode; }
     bool pickPaperColour(DeviceLinkHost& host);
 
     // Makes the link and writes it; says how that went. True: the link is in its file.
@@ -86,8 +93,10 @@ private:
     std::optional<Problem> amountNotice_;
     bool fail(DeviceLinkHost& host, const cmyk::LinkProblem& problem);
     bool mayWrite(DeviceLinkHost& host);
+    void readFacts();
 
     std::array<std::optional<Problem>, 5> refused_{};
+    std::array<std::optional<cmyk::FileFact>, 5> facts_{};
     std::optional<LinkPath> failed_;
     std::string agreed_;  // an output that the person has chosen in the file dialog
 };

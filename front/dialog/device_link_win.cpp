@@ -23,26 +23,27 @@ namespace {
 
 using namespace dialog;
 
-constexpr COLORREF kRefused = RGB(200, 0, 0);
+constexpr COLORREF kRefused = RGB(200, 0, 0), kUsable = RGB(0, 110, 0);
 constexpr WPARAM kTypedPath = 1000;
 constexpr wchar_t kProperty[] = L"KoLinkDeviceLink";
 
 struct PathControls {
     LinkPath which;
-    int edit, browse;
+    int edit, browse, fact;  // 0: it has none
 };
 constexpr PathControls kPaths[] = {
-    {LinkPath::base, IDC_LINK_BASE, IDC_LINK_BROWSE_BASE},
-    {LinkPath::source, IDC_LINK_SOURCE, IDC_LINK_BROWSE_SOURCE},
-    {LinkPath::destination, IDC_LINK_DESTINATION, IDC_LINK_BROWSE_DESTINATION},
-    {LinkPath::black, IDC_LINK_BLACK, IDC_LINK_BROWSE_BLACK},
-    {LinkPath::output, IDC_LINK_OUTPUT, IDC_LINK_BROWSE_OUTPUT},
+    {LinkPath::base, IDC_LINK_BASE, IDC_LINK_BROWSE_BASE, IDC_LINK_FACT_BASE},
+    {LinkPath::source, IDC_LINK_SOURCE, IDC_LINK_BROWSE_SOURCE, IDC_LINK_FACT_SOURCE},
+    {LinkPath::destination, IDC_LINK_DESTINATION, IDC_LINK_BROWSE_DESTINATION,
+     IDC_LINK_FACT_DESTINATION},
+    {LinkPath::black, IDC_LINK_BLACK, IDC_LINK_BROWSE_BLACK, IDC_LINK_FACT_BLACK},
+    {LinkPath::output, IDC_LINK_OUTPUT, IDC_LINK_BROWSE_OUTPUT, 0},
 };
 
 struct Radio {
     int control;
     bool (DeviceLinkModel::*is)(int32_t) const noexcept;
-    void (DeviceLinkModel::*choose)(int32_t) noexcept;
+    void (DeviceLinkModel::*choose)(int32_t);
     int32_t number;
 };
 using Model = DeviceLinkModel;
@@ -106,6 +107,8 @@ private:
     void showPaper() noexcept;
     bool drawItem(const DRAWITEMSTRUCT& drawing) override;
     INT_PTR colourOf(HDC dc, int control) const;
+    INT_PTR colourOfFact(HDC dc, int control) const;
+    void showFact(const PathControls& path);
 
     CmsLinkSettings* record_;
     DeviceLinkModel model_;
@@ -152,6 +155,9 @@ INT_PTR DeviceLinkDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CTLCOLOREDIT:
             return colourOf(reinterpret_cast<HDC>(wParam),
                             ::GetDlgCtrlID(reinterpret_cast<HWND>(lParam)));
+        case WM_CTLCOLORSTATIC:
+            return colourOfFact(reinterpret_cast<HDC>(wParam),
+                                ::GetDlgCtrlID(reinterpret_cast<HWND>(lParam)));
         case WM_DROPFILES:
             if (isIdle()) drop(reinterpret_cast<HDROP>(wParam));
             ::DragFinish(reinterpret_cast<HDROP>(wParam));
@@ -263,6 +269,32 @@ void DeviceLinkDialog::showPath(const PathControls& path) {
     if (!model_.isRefused(path.which))
         setText(window(), path.edit, widePath(model_.path(path.which)));
     ::InvalidateRect(item(path.edit), nullptr, FALSE);
+    if (path.fact) showFact(path);
+}
+
+void DeviceLinkDialog::showFact(const PathControls& path) {
+    std::wstring text;
+    if (const auto& fact = model_.fact(path.which)) {
+        text = wideRecordText(fact->description);
+        const auto put = [&](const std::wstring& part) {
+            if (!part.empty()) text += (text.empty() ? L"" : L" - ") + part;
+        };
+        if (*fact->kind) put(wideTranslated(fact->kind));
+        put(wideText(fact->conversion));
+        if (fact->problem) text = wideProblem(*fact->problem);
+    }
+    setText(window(), path.fact, text);
+    ::InvalidateRect(item(path.fact), nullptr, TRUE);
+}
+
+INT_PTR DeviceLinkDialog::colourOfFact(HDC dc, int control) const {
+    for (const PathControls& path : kPaths) {
+        if (path.fact != control || !model_.fact(path.which)) continue;
+        ::SetTextColor(dc, model_.fact(path.which)->problem ? kRefused : kUsable);
+        ::SetBkColor(dc, ::GetSysColor(COLOR_BTNFACE));
+        return reinterpret_cast<INT_PTR>(::GetSysColorBrush(COLOR_BTNFACE));
+    }
+    return FALSE;
 }
 
 // Why a path is refused, in words beside the colour.

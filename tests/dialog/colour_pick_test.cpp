@@ -1,4 +1,5 @@
 // The colour pick dialog, driven in its real window.
+#include "kolink.h"
 #include "kolink/colour_pick_dialog.h"
 
 #include <gtest/gtest.h>
@@ -325,9 +326,11 @@ TEST(DialogLayout, OfTheColourPickShowsWhereItsColourIs) {
 TEST(ColourPickDialog, TheSwatchShowsTheColour) {
     pick(0x0a141e05, [](const DialogWindow& dialog) {
         const SIZE size = sizeOf(dialog, IDC_PICK_SWATCH);
-        EXPECT_GE(pictureOf(dialog).count(0xf0e6dc), (size.cx - 2) * (size.cy - 2));
+        const uint32_t word = jColorCMYKtoRGB(0x0a, 0x14, 0x1e, 0x05);
+        const uint32_t colour = (word & 255) << 16 | (word & 0xff00) | (word >> 16 & 255);
+        EXPECT_GE(pictureOf(dialog).count(colour), (size.cx - 2) * (size.cy - 2));
         dialog.enter(IDC_PICK_K, L"100", IDC_PICK_M);
-        EXPECT_LT(pictureOf(dialog).count(0xf0e6dc), size.cx);  // a row of the lightness strip at most
+        EXPECT_LT(pictureOf(dialog).count(colour), size.cx);  // a row of the lightness strip at most
     });
 }
 

@@ -77,6 +77,20 @@ TEST(DeviceLinkDialog, BrowsingBeginsWithTheFieldsFileAndItsCancelKeepsIt) {
     });
 }
 
+TEST(DeviceLinkDialog, BrowsingOffersTheKindOfTheFieldsFileFirst) {
+    constexpr int kFilterBox = 0x470;
+    lookAtLink(writingTo(""), [&](const DialogWindow& dialog) {
+        for (const auto& [name, kind] : {std::pair{L"Z:\\a.LUT", 1}, {L"Z:\\a.icm", 0}, {L"", 0}}) {
+            dialog.enter(IDC_LINK_BASE, name, IDCANCEL);
+            dialog.press(IDC_LINK_BROWSE_BASE);
+            const DialogWindow ask = dialog.asked();
+            EXPECT_EQ(::SendMessageW(ask.item(kFilterBox), CB_GETCURSEL, 0, 0), kind) << name;
+            ask.press(IDCANCEL);
+            dialog.waitForQuiet();
+        }
+    });
+}
+
 TEST(DeviceLinkDialog, BrowsingOpensAlsoWhereTheFieldHoldsNoName) {
     lookAtLink(writingTo(""), [&](const DialogWindow& dialog) {
         for (const wchar_t* const odd : {L"a<>|?*.icc", L"\\", L"...", L"::::"}) {
@@ -207,6 +221,26 @@ TEST(DeviceLinkDialog, BlanksAndQuotationMarksAroundAPathGo) {
     });
 }
 
+TEST(DeviceLinkDialog, UnderEachPathStandsWhatItsFileIsOrWhyItCannotBeUsed) {
+    constexpr uint32_t kGreen = 0x006e00;
+    lookAtLink(writingTo(""), [&](const DialogWindow& dialog) {
+        EXPECT_EQ(dialog.text(IDC_LINK_FACT_SOURCE), L"");
+        dialog.enter(IDC_LINK_SOURCE, wide(kDebian), IDCANCEL);
+        const std::wstring fact = dialog.text(IDC_LINK_FACT_SOURCE);
+        EXPECT_NE(fact.find(shown(L"出力ﾌﾟﾛﾌｧｲﾙ") + L" - CMYK - Lab, A2B0"), fact.npos);
+        EXPECT_GT(pictureOf(dialog).count(kGreen), 5);
+        dialog.enter(IDC_LINK_BASE, wide(kDebian), IDCANCEL);  // no link
+        const std::wstring reason = dialog.text(IDC_LINK_FACT_BASE);
+        EXPECT_NE(reason.find(L"CMYK"), reason.npos);
+        EXPECT_NE(reason.find(L"Lab"), reason.npos);
+        EXPECT_GT(pictureOf(dialog).count(0xc80000), 5);
+        keepPicture(pictureOf(dialog), "device-link-facts-" + language());
+        dialog.enter(IDC_LINK_BASE, L"", IDCANCEL);
+        EXPECT_EQ(dialog.text(IDC_LINK_FACT_BASE), L"");
+        EXPECT_EQ(pictureOf(dialog).count(0xc80000), 0);
+    });
+}
+
 // Letters in red, also where they are so fine that no pixel is wholly of their colour.
 int countReddish(const Picture& picture) {
     return static_cast<int>(
@@ -241,7 +275,9 @@ TEST(DeviceLinkDialog, APathOf260BytesIsRefusedInWordsAndNothingIsWrittenElsewhe
                            dialog.enter(field, pathOf(259), IDCANCEL);
                            EXPECT_EQ(dialog.text(field), pathOf(259));
                            EXPECT_EQ(dialog.text(IDC_STATUS), L"");
-                           EXPECT_EQ(countReddish(pictureOf(dialog)), 0);
+                           if (field == IDC_LINK_OUTPUT) {  // under the others: no such file
+                               EXPECT_EQ(countReddish(pictureOf(dialog)), 0);
+                           }
                            dialog.enter(field, L"", IDCANCEL);
                        }
                        // Nor one that is too long with its extension.

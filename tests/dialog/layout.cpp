@@ -55,6 +55,11 @@ SIZE needed(HWND control, const std::wstring& text) {
 
 // The line that says what was limited or refused is empty until then; its texts may wrap.
 bool isNotice(HWND control) { return ::GetDlgCtrlID(control) == IDC_STATUS; }
+// So are the lines that say what a file is; they end in dots where they have to.
+bool isFact(HWND control) {
+    const int id = ::GetDlgCtrlID(control);
+    return id >= IDC_LINK_FACT_BASE && id <= IDC_LINK_FACT_BLACK;
+}
 struct Notice {
     const wchar_t* text;
     int where;  // a control of the dialogs that say it; 0: all of them
@@ -65,6 +70,13 @@ constexpr Notice kNotices[] = {{L"数値ではありません。", 0},
                                {L"ﾊﾟｽが259ﾊﾞｲﾄを超えています。", IDC_LINK_SWATCH},
                                {L"ｼｽﾃﾑのｺｰﾄﾞﾍﾟｰｼﾞにない文字が名前にあります。", IDC_LINK_SWATCH},
                                {L"35937 格子点 変更しました。", IDC_CUBE_CHANGED_SPIN_C}};
+
+// The longest that such a line can say against a file.
+constexpr const wchar_t* kReasons[] = {
+    L"CMYKからLabへのﾌﾟﾛﾌｧｲﾙです。ここにはCMYKからCMYKへのﾃﾞﾊﾞｲｽﾘﾝｸが必要です。",
+    L"ﾃﾞﾊﾞｲｽﾘﾝｸです。ここにはLabかXYZにつながるﾌﾟﾛﾌｧｲﾙが必要です。",
+    L"CMYKにつながるﾌﾟﾛﾌｧｲﾙです。LabかXYZにつながるものが必要です。",
+    L"ﾀｸﾞA2B0は4ﾁｬﾝﾈﾙから3ﾁｬﾝﾈﾙへの変換です。4から4への変換が必要です。"};
 
 void expectNoticesFit(HWND control) {
     RECT client;
@@ -125,12 +137,17 @@ void expectTextsFit(const DialogWindow& dialog) {
                             ((styleOf(control) & WS_VSCROLL) != 0 ||
                              ((styleOf(control) & ES_AUTOHSCROLL) != 0 && place.right - place.left > 100));
         if (isOwnPicture(control) || isFrame(control) || isSpin(control) || isList || isLong) continue;
+        RECT client;
+        ::GetClientRect(control, &client);
+        if (isFact(control)) {
+            for (const wchar_t* const reason : kReasons)
+                EXPECT_LE(needed(control, shown(reason)).cx, client.right) << shown(reason).size();
+            continue;
+        }
         if (isNotice(control)) {
             expectNoticesFit(control);
             continue;
         }
-        RECT client;
-        ::GetClientRect(control, &client);
         const SIZE size = needed(control, widest(textOf(control), control));
         EXPECT_LE(size.cx, client.right) << ::GetDlgCtrlID(control) << " at " << texts;
         EXPECT_LE(size.cy, client.bottom) << ::GetDlgCtrlID(control) << " at " << texts;
@@ -174,7 +191,8 @@ bool hasALetter(const std::wstring& name) {
 void expectEveryControlHasAName(const DialogWindow& dialog) {
     std::set<std::wstring> ofFields;
     for (const HWND control : controlsOf(dialog.handle())) {
-        if (isFrame(control) || isSpin(control) || isNotice(control)) continue;
+        if (isFrame(control) || isSpin(control) || isNotice(control) || isFact(control))
+            continue;
         const std::wstring name = nameOf(control);
         EXPECT_FALSE(name.empty()) << ::GetDlgCtrlID(control);
         if (classOf(control) != L"Edit" && classOf(control) != L"ComboBox") continue;

@@ -214,13 +214,37 @@ TEST(ColourPick, LightnessRunsThroughTheColourGivenUntilAHueIsPicked) {
     EXPECT_EQ(pick.packed(), 0xff203000u);
 }
 
-TEST(ColourPick, TypingLeavesThePickedBaseAlone) {
+TEST(ColourPick, LightnessRunsThroughTheColourThatWasTypedLast) {
     ColourPick pick(0);
     pick.clickField({240, 128}, {120, 64});
     pick.leaveField(Ink::c, "3", true);
     EXPECT_EQ(pick.level(Ink::c), 8);
+    EXPECT_EQ(pick.lightnessMark(168), 84);
     pick.clickLightness(168, 84);
-    EXPECT_EQ(pick.level(Ink::c), 191);
+    EXPECT_EQ(pick.level(Ink::c), 8);
+}
+
+TEST(ColourPick, TheMarkFollowsWhatIsTyped) {
+    for (int32_t column = 0; column < kHueColumns; column += 7) {
+        const Size cells{kHueColumns, kSaturationRows};
+        ColourPick picked(0), typed(0);
+        picked.clickField(cells, {column, 10});
+        typed.show256Levels(true);
+        for (const Ink ink : {Ink::c, Ink::m, Ink::y})
+            typed.leaveField(ink, std::to_string(picked.level(ink)), true);
+        ASSERT_TRUE(typed.fieldMark(cells).has_value());
+        EXPECT_NEAR(typed.fieldMark(cells)->x, column, 2);
+        EXPECT_NEAR(typed.fieldMark(cells)->y, 10, 2);
+    }
+}
+
+TEST(ColourPick, AGreyKeepsTheHueOfTheMark) {
+    ColourPick pick(0);
+    pick.leaveField(Ink::k, "50", true);
+    EXPECT_EQ(pick.fieldMark({240, 128}), std::nullopt);
+    pick.clickField({240, 128}, {60, 0});
+    for (const Ink ink : {Ink::c, Ink::m, Ink::y}) pick.leaveField(ink, "40", true);
+    EXPECT_EQ(pick.fieldMark({240, 128}), (Point{60, 128}));
 }
 
 TEST(ColourPick, BlackLeavesTheOtherInksAndTheLightnessAlone) {
@@ -312,11 +336,14 @@ TEST(ColourPick, AStepOfAnInkIsOneUnitOfWhatIsShown) {
     EXPECT_EQ(pick.level(Ink::k), 255);
 }
 
-TEST(ColourPick, TheSwatchTakesEachInkAndBlackFromWhite) {
+TEST(ColourPick, TheSwatchIsWhatTheHostsOwnConversionShows) {
+    for (const uint32_t cmyk : {0x00000000u, 0x0a141e05u, 0xff000080u, 0xffffffffu}) {
+        const Rgb light = cmykToRgb(static_cast<int32_t>(cmyk >> 24), cmyk >> 16 & 255,
+                                    cmyk >> 8 & 255, cmyk & 255);
+        EXPECT_EQ(ColourPick(cmyk).swatch(), packRgb(light.r, light.g, light.b));
+    }
     EXPECT_EQ(ColourPick(0).swatch(), 0xffffffu);
-    EXPECT_EQ(ColourPick(0x0a141e05).swatch(), 0x00dce6f0u);  // a COLORREF: red lowest
-    EXPECT_EQ(ColourPick(0xff000080).swatch(), 0x007f7f00u);
-    EXPECT_EQ(ColourPick(0xffffffff).swatch(), 0u);
+    EXPECT_EQ(ColourPick(0xff000000).swatch() & 255, 0u);  // a COLORREF: red lowest
 }
 
 TEST(ColourPick, TheLightnessStripShowsWhatAClickThereGives) {

@@ -522,5 +522,36 @@ TEST(DeviceLinkModel, AnOutputThatCannotBeNamedIsNotWrittenUnderItsOldName) {
     EXPECT_FALSE(test::exists(making.output));
 }
 
+TEST(DeviceLinkModel, SaysWhatTheFileOfAPathIs) {
+    Making making;
+    making.model.leavePath(LinkPath::source, test::testData("CGATS001Compat-v2-micro.icc"));
+    const auto fact = making.model.fact(LinkPath::source);
+    ASSERT_TRUE(fact.has_value());
+    EXPECT_STREQ(fact->kind, texts::kInputProfile);
+    EXPECT_EQ(fact->conversion, "CMYK - Lab, A2B0");
+    EXPECT_EQ(fact->problem, std::nullopt);
+    making.model.leavePath(LinkPath::source, "");
+    EXPECT_EQ(making.model.fact(LinkPath::source), std::nullopt);
+}
+
+TEST(DeviceLinkModel, SaysWhyTheFileOfAPathCannotBeUsedThere) {
+    Making making;
+    making.model.leavePath(LinkPath::source, test::testData("sRGB-v2-magic.icc"));
+    ASSERT_TRUE(making.model.fact(LinkPath::source).has_value());
+    EXPECT_STREQ(making.model.fact(LinkPath::source)->problem->sentence, texts::kWrongSpace);
+    making.model.leavePath(LinkPath::black, making.folder.path("missing.bkc"));
+    EXPECT_STREQ(making.model.fact(LinkPath::black)->problem->sentence, texts::kFileMissing);
+    making.model.leavePath(LinkPath::base, test::testData("CGATS001Compat-v2-micro.icc"));
+    EXPECT_STREQ(making.model.fact(LinkPath::base)->problem->sentence, texts::kNoLink);
+}
+
+TEST(DeviceLinkModel, WhatAFileIsFollowsTheIntent) {
+    Making making;
+    making.model.leavePath(LinkPath::source, test::testData("CGATS001Compat-v2-micro.icc"));
+    EXPECT_EQ(making.model.fact(LinkPath::source)->problem, std::nullopt);
+    making.model.chooseIntent(2);  // it has no table of that
+    EXPECT_STREQ(making.model.fact(LinkPath::source)->problem->sentence, texts::kTagMissing);
+}
+
 }  // namespace
 }  // namespace ko::front

@@ -22,8 +22,8 @@ struct Answers : dialog::EditorHost {
         filter = pattern;
         return path;
     }
-    bool askReplace(std::string_view path) override {
-        replaced = path;
+    bool askReplace(std::string_view which) override {
+        replaced = which;
         return yes;
     }
     dialog::Unsaved askUnsaved(std::string_view) override { return ++unsavedAsked, unsaved; }
