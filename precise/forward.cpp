@@ -77,13 +77,6 @@ inline Four inCell(const Grid& grid, const float* low, const float* rests,
     }
 }
 
-inline Four narrowed(const Colour& colour) noexcept {
-    return Four{static_cast<float>(colour[0]), static_cast<float>(colour[1]),
-                static_cast<float>(colour[2]), static_cast<float>(colour[3])};
-}
-
-inline Colour widened(Four four) noexcept { return {four[0], four[1], four[2], four[3]}; }
-
 bool isDiagonal(const Matrix& matrix) noexcept {
     for (size_t row = 0; row < 3; ++row)
         for (size_t column = 0; column < 3; ++column)
@@ -162,9 +155,7 @@ struct Evaluator::Cell {
 
 template <size_t inputs>
 inline Evaluator::Cell Evaluator::cellOf(Four x) const noexcept {
-    x = x > 0 ? x : Four{};
-    x = x < 1 ? x : Four{1, 1, 1, 1};
-    const Four position = x * loaded(last_);
+    const Four position = limited(x) * loaded(last_);
     FourInt index = __builtin_convertvector(position, FourInt);
     index += index > loaded(top_);
     const Four rest = position - __builtin_convertvector(index, Four);

@@ -2,31 +2,13 @@
 #pragma once
 
 #include <array>
-#include <cstring>
 #include <optional>
 #include <vector>
 
+#include "precise/four.h"
 #include "precise/pipeline.h"
 
 namespace ko::precise {
-
-// Four floats at once, each an IEEE float by itself on every target.
-using Four = float __attribute__((vector_size(16)));
-using FourInt = int32_t __attribute__((vector_size(16)));
-
-// What objects keep of them: memory from the heap is not everywhere aligned for the vectors.
-using FourKept = std::array<float, 4>;
-using FourIntKept = std::array<int32_t, 4>;
-inline Four loaded(const FourKept& kept) noexcept {
-    Four four;
-    std::memcpy(&four, kept.data(), sizeof four);
-    return four;
-}
-inline FourInt loaded(const FourIntKept& kept) noexcept {
-    FourInt four;
-    std::memcpy(&four, kept.data(), sizeof four);
-    return four;
-}
 
 // Four sampled curves side by side, for one argument each. Floats throughout; arguments are
 // limited to 0..1, and the two entries around them blended.
@@ -50,19 +32,13 @@ private:
         Four low, high, rest;
     };
     Places placesOf(Four x) const noexcept {
-        x = x > 0 ? x : Four{};
-        x = x < 1 ? x : Four{1, 1, 1, 1};
-        const Four position = x * loaded(last_);
+        const Four position = limited(x) * loaded(last_);
         FourInt index = __builtin_convertvector(position, FourInt);
         index += index > loaded(top_);  // a comparison that holds is -1
-        Places places;
-        places.rest = position - __builtin_convertvector(index, Four);
-        for (size_t channel = 0; channel < 4; ++channel) {
-            const float* entry = entries_[channel].data() + index[channel];
-            places.low[channel] = entry[0];
-            places.high[channel] = entry[1];
-        }
-        return places;
+        const float *a = entries_[0].data() + index[0], *b = entries_[1].data() + index[1],
+                    *c = entries_[2].data() + index[2], *d = entries_[3].data() + index[3];
+        return {Four{a[0], b[0], c[0], d[0]}, Four{a[1], b[1], c[1], d[1]},
+                position - __builtin_convertvector(index, Four)};
     }
     FourKept last_ = {1, 1, 1, 1};
     FourIntKept top_ = {0, 0, 0, 0};

@@ -68,7 +68,8 @@ class LinkMaker {
 public:
     LinkMaker(const Profile& source, const Profile& destination, const Profile* base,
               const LinkOptions& options)
-        : source_(source), destination_(destination), baseProfile_(base), o_(options) {}
+        : source_(source), destination_(destination), baseProfile_(base), o_(options),
+          fromCmyk_(source.header().space == kCmyk), toCmyk_(destination.header().space == kCmyk) {}
 
     std::unique_ptr<Link> make(Problem& problem, int32_t& part) {
         part = kNoPart;
@@ -88,8 +89,8 @@ public:
     }
 
 private:
-    bool toCmyk() const noexcept { return destination_.header().space == kCmyk; }
-    bool fromCmyk() const noexcept { return source_.header().space == kCmyk; }
+    bool toCmyk() const noexcept { return toCmyk_; }
+    bool fromCmyk() const noexcept { return fromCmyk_; }
     size_t nodeCount() const noexcept {
         size_t count = 1;
         for (int axis = 0; axis < link_->inputs; ++axis)
@@ -223,6 +224,8 @@ private:
         if (same_) limit_ = 4;
         limit_ = std::max(limit_, 1.0);
         link.report.inkLimit = limit_;
+        mostLevels_ = static_cast<int>(limit_ * (link.bits == 8 ? 255 : 65535) + 1e-9);
+        if (toCmyk()) clipBelow_ = o_.clip / 100;
         if (fromCmyk() && toCmyk()) prepareBlack();
         return true;
     }
@@ -298,29 +301,32 @@ private:
 
     // What the link takes and what the tables would take, over every other node of each axis.
     void compareInk() noexcept {
-        const int n = link_->gridPoints;
+        const auto inputs = static_cast<size_t>(link_->inputs);
+        const auto width = static_cast<size_t>(link_->bits / 8);
+        std::array<int, kMostChannels> node{};
         double here = 0, there = 0;
         uint64_t counted = 0;
-        const size_t count = nodeCount();
-        const size_t width = static_cast<size_t>(link_->bits / 8);
-        for (size_t at = 0; at < count; ++at) {
+        for (size_t turned = 0; turned < inputs;) {
             Colour in{};
-            bool even = true;
-            size_t rest = at;
-            for (int axis = link_->inputs - 1; axis >= 0; --axis) {
-                const int index = static_cast<int>(rest % static_cast<size_t>(n));
-                rest /= static_cast<size_t>(n);
-                even = even && index % 2 == 0;
-                in[static_cast<size_t>(axis)] = levels_[static_cast<size_t>(index)];
+            size_t at = 0;
+            for (size_t axis = 0; axis < inputs; ++axis) {
+                in[axis] = levels_[static_cast<size_t>(node[axis])];
+                at = at * levels_.size() + static_cast<size_t>(node[axis]);
             }
-            if (!even) continue;
             ++counted;
-            const uint8_t* node = &link_->table[at * 4 * width];
+            const uint8_t* inks = &link_->table[at * 4 * width];
             for (size_t ch = 0; ch < 4; ++ch)
-                here += width == 1 ? node[ch] / 255.0
-                                   : (node[2 * ch] << 8 | node[2 * ch + 1]) / 65535.0;
-            const Colour inks = inverse_->at(wanted_->at(in));
-            for (const double ink : inks) there += std::clamp(ink, 0.0, 1.0);
+                here += width == 1 ? inks[ch] / 255.0
+                                   : (inks[2 * ch] << 8 | inks[2 * ch + 1]) / 65535.0;
+            for (const double ink : inverse_->at(wanted_->at(in)))
+                there += std::clamp(ink, 0.0, 1.0);
+            // The last axis turns fastest.
+            for (turned = 0; turned < inputs; ++turned) {
+                int& index = node[inputs - 1 - turned];
+                index += 2;
+                if (index < link_->gridPoints) break;
+                index = 0;
+            }
         }
         link_->report.meanInk = here / static_cast<double>(counted);
         link_->report.tablesInk = there / static_cast<double>(counted);
@@ -343,6 +349,7 @@ private:
     void prepareLevels() {
         for (int i = 0; i < link_->gridPoints; ++i) {
             levels_.push_back(link_->level(i));
+            blacks_.push_back(curve_.at(levels_.back()));
             for (size_t axis = 0; axis < kMostChannels && wanted_->hasPlaces(); ++axis)
                 places_[axis].push_back(wanted_->placeOf(axis, levels_.back()));
         }
@@ -354,6 +361,12 @@ private:
         for (size_t axis = 0; axis < kMostChannels; ++axis)
             places[axis] = places_[axis][static_cast<size_t>(node[axis])];
         return three(wanted_->atPlaces(places));
+    }
+
+    // Black's curve at a node, whose level a base or the paper's tint may have changed.
+    double blackAt(const std::array<int, kMostChannels>& node, const Colour& in) const noexcept {
+        const auto level = static_cast<size_t>(node[3]);
+        return in[3] == levels_[level] ? blacks_[level] : curve_.at(in[3]);
     }
 
     Colour makeNode(const std::array<int, kMostChannels>& node) noexcept {
@@ -374,7 +387,7 @@ private:
         if (fromCmyk() && toCmyk() && noColour && black_ != Black::none) {
             ++link_->report.reached;
             inside_ = true;
-            return {0, 0, 0, curve_.at(in[3])};
+            return {0, 0, 0, blackAt(node, in)};
         }
         if (base_) {
             in = base_->at(in);
@@ -393,7 +406,7 @@ private:
         if (!fromCmyk()) inks = complement(original);
         Colour high = {1, 1, 1, 1};
         const bool alone = keptAlone(inks, high);
-        Colour out = black_ == Black::plane ? onPlane(lab, in, high, alone)
+        Colour out = black_ == Black::plane ? onPlane(lab, in, blackAt(node, in), high, alone)
                                             : byTables(lab, high, alone);
         for (size_t i = 0; i < 4; ++i) out[i] = std::clamp(out[i], 0.0, high[i]);
         return out;
@@ -419,7 +432,8 @@ private:
     }
 
     // K from the source through the curve of pure black.
-    Colour onPlane(Triple lab, const Colour& in, const Colour& high, bool alone) noexcept {
+    Colour onPlane(Triple lab, const Colour& in, double black, const Colour& high,
+                   bool alone) noexcept {
         const double colour = std::max({in[0], in[1], in[2]});
         if (colour < kFarthestFromBlack) {
             const Triple shift = blackShift(in[3]);
@@ -429,7 +443,6 @@ private:
             const double share = 1 - smooth(colour / reach);
             for (size_t i = 0; i < 3; ++i) lab[i] += share * shift[i];
         }
-        const double black = curve_.at(in[3]);
         Trail::Guess guess;
         const bool guessed = trail_->guess(guess);
         if (!guessed) guess.inks = in;
@@ -535,37 +548,37 @@ private:
     }
 
     void store(size_t node, const Colour& out) noexcept {
-        Link& link = *link_;
-        const auto outputs = static_cast<size_t>(link.outputs);
-        const int top = link.bits == 8 ? 255 : 65535;
+        const auto outputs = static_cast<size_t>(link_->outputs);
+        const bool wide = link_->bits == 16;
+        const int top = wide ? 65535 : 255;
         std::array<int, kMostChannels> levels{};
-        int sum = 0;
-        for (size_t ch = 0; ch < outputs; ++ch) {
+        for (size_t ch = 0; ch < kMostChannels; ++ch) {
             double value = out[ch];
-            if (toCmyk() && o_.clip > 0) {
-                if (value < o_.clip / 100) value = 0;
-                if (value > 1 - 2 * o_.clip / 100) value = 1;
+            if (clipBelow_ > 0) {
+                if (value < clipBelow_) value = 0;
+                if (value > 1 - 2 * clipBelow_) value = 1;
             }
             levels[ch] = static_cast<int>(value * top + 0.5);
-            sum += levels[ch];
         }
-        if (toCmyk()) {
-            // Rounding may pass the limit by a level or two; the strongest colour gives way.
-            const int most = static_cast<int>(limit_ * top + 1e-9);
-            while (sum > most) {
-                size_t strongest = 0;
-                for (size_t ch = 1; ch < 3; ++ch)
-                    if (levels[ch] > levels[strongest]) strongest = ch;
-                if (levels[strongest] == 0) strongest = 3;
-                const int less = std::min(levels[strongest], std::max(1, (sum - most) / 4));
-                levels[strongest] -= less;
-                sum -= less;
-            }
-        }
-        uint8_t* to = &link.table[node * outputs * static_cast<size_t>(link.bits / 8)];
+        if (toCmyk_) keepLimit(levels);
+        uint8_t* to = &link_->table[node * outputs * (wide ? 2 : 1)];
         for (size_t ch = 0; ch < outputs; ++ch) {
-            if (link.bits == 16) *to++ = static_cast<uint8_t>(levels[ch] >> 8);
+            if (wide) *to++ = static_cast<uint8_t>(levels[ch] >> 8);
             *to++ = static_cast<uint8_t>(levels[ch]);
+        }
+    }
+
+    // Rounding may pass the limit by a level or two; the strongest colour gives way.
+    void keepLimit(std::array<int, kMostChannels>& levels) const noexcept {
+        int excess = levels[0] + levels[1] + levels[2] + levels[3] - mostLevels_;
+        while (excess > 0) {
+            size_t strongest = 0;
+            for (size_t ch = 1; ch < 3; ++ch)
+                if (levels[ch] > levels[strongest]) strongest = ch;
+            if (levels[strongest] == 0) strongest = 3;
+            const int less = std::min(levels[strongest], std::max(1, excess / 4));
+            levels[strongest] -= less;
+            excess -= less;
         }
     }
 
@@ -573,14 +586,17 @@ private:
     const Profile& destination_;
     const Profile* baseProfile_;
     const LinkOptions& o_;
+    const bool fromCmyk_, toCmyk_;
     std::unique_ptr<Link> link_;
     std::optional<Evaluator> wanted_, inverse_, forward_, base_;
     bool inverted_ = false, same_ = false;
     Black black_ = Black::none;
     double limit_ = 4;
+    int mostLevels_ = 0;      // the limit as a sum of levels
+    double clipBelow_ = 0;    // 0..1, to CMYK only
     BlackCurve curve_;
     std::array<Triple, BlackCurve::kLast + 1> blackLab_{}, blackShift_{};
-    std::vector<double> levels_;
+    std::vector<double> levels_, blacks_;
     std::array<std::vector<Evaluator::Place>, kMostChannels> places_;
     bool keepsPlaces_ = false;
     std::optional<InsideSolver> plain_;

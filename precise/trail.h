@@ -1,12 +1,13 @@
 // The inks that nodes of a link before this one got, and where they lead to.
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
+#include "precise/four.h"
 #include "precise/pipeline.h"
 
 namespace ko::precise {
@@ -22,7 +23,7 @@ public:
 
     explicit Trail(int points)
         : points_(static_cast<size_t>(points)), slab_(points_ * points_ * points_),
-          nodes_(2 * slab_) {}
+          inks_(2 * slab_), inside_(2 * slab_) {}
 
     void goTo(const std::array<int, kMostChannels>& node) noexcept {
         node_ = node;
@@ -40,39 +41,30 @@ public:
         for (const size_t axis : kOrder)
             if (count < 2 && node_[axis] > 0) axes[count++] = axis;
         if (count == 0) return false;
-        const Node& a = nodes_[place_ - steps_[axes[0]]];
-        guess.inside = a.inside;
+        const size_t a = place_ - steps_[axes[0]];
+        guess.inside = inside_[a];
+        Four inks = loaded(inks_[a]);
         if (count == 2) {
-            const Node& b = nodes_[place_ - steps_[axes[1]]];
-            const Node& both = nodes_[place_ - steps_[axes[0]] - steps_[axes[1]]];
-            guess.inside = guess.inside && b.inside && both.inside;
-            for (size_t i = 0; i < 4; ++i)
-                guess.inks[i] = limited(static_cast<double>(a.inks[i]) + b.inks[i] - both.inks[i]);
+            const size_t b = place_ - steps_[axes[1]], both = a - steps_[axes[1]];
+            guess.inside = guess.inside && inside_[b] && inside_[both];
+            inks += loaded(inks_[b]) - loaded(inks_[both]);
         } else if (axes[0] != 0 && node_[axes[0]] > 1) {
-            const Node& before = nodes_[place_ - 2 * steps_[axes[0]]];
-            for (size_t i = 0; i < 4; ++i)
-                guess.inks[i] = limited(2.0 * a.inks[i] - before.inks[i]);
-        } else {
-            for (size_t i = 0; i < 4; ++i) guess.inks[i] = a.inks[i];
+            inks += inks - loaded(inks_[a - steps_[axes[0]]]);
         }
+        guess.inks = widened(limited(inks));
         return true;
     }
 
     void follow(const Colour& inks, bool inside) noexcept {
-        Node& node = nodes_[place_];
-        for (size_t i = 0; i < 4; ++i) node.inks[i] = static_cast<float>(inks[i]);
-        node.inside = inside;
+        const Four narrow = narrowed(inks);
+        std::memcpy(inks_[place_].data(), &narrow, sizeof narrow);
+        inside_[place_] = inside;
     }
 
 private:
-    struct Node {
-        std::array<float, kMostChannels> inks{};
-        bool inside = false;
-    };
-    static double limited(double value) noexcept { return std::clamp(value, 0.0, 1.0); }
-
     size_t points_, slab_;
-    std::vector<Node> nodes_;
+    std::vector<FourKept> inks_;
+    std::vector<uint8_t> inside_;
     std::array<int, kMostChannels> node_{};
     size_t place_ = 0;
     std::array<size_t, kMostChannels> steps_{};

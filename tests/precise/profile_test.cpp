@@ -152,6 +152,22 @@ TEST(PreciseTable, TheNewTablesPartsComeInOrderAndMayBeMissing) {
     }
 }
 
+TEST(PreciseProfile, TablesOfMultiProcessElementsGiveWayToTheOthersOfTheIntent) {
+    Problem problem;
+    const auto header = profileHeader("mntr", "RGB ", "Lab ");
+    const std::vector<Tag> tags = {{"A2B0", newTable(true, true)}};
+    std::vector<Tag> more = tags;
+    for (const char* signature : {"D2B0", "D2B1", "B2D0", "B2D1"})
+        more.push_back({signature, element("mpet")});
+    const auto plain = Profile::parse(profileBytes(tags, header), problem);
+    const auto both = Profile::parse(profileBytes(more, header), problem);
+    ASSERT_TRUE(plain && both) << problem.text;
+    const Colour in = {0.3, 0.6, 0.9, 0};
+    EXPECT_EQ(both->toConnection(Intent::relative, problem)->at(in),
+              plain->toConnection(Intent::relative, problem)->at(in));
+    EXPECT_FALSE(both->fromConnection(Intent::relative, problem));
+}
+
 TEST(PreciseTable, AGridThatClaimsMoreThanTheFileHoldsIsRefused) {
     Problem problem;
     Bytes bytes = LutElement{.inputs = 3, .outputs = 3, .gridPoints = 5}.bytes();
