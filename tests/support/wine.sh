@@ -24,11 +24,18 @@ prepare_wine() (
     exec 9> "$KO_WINE/lock"
     flock 9
     [ ! -e "$KO_WINE/prepared/ready" ] || exit 0
-    rm -rf "$KO_WINE/prepared" "$KO_WINE"/copy-*
+    rm -rf "$KO_WINE"/copy-*
     write_fonts
     wine() { env -i PATH="$PATH" LANG=C.UTF-8 HOME="$KO_WINE/home" "${wine_environment[@]}" \
                  WINEPREFIX="$KO_WINE/prepared" "$@" 9>&- < /dev/null; }
-    wine wineboot --init && wine wineserver --wait && touch "$KO_WINE/prepared/ready"
+    local attempt
+    for attempt in 1 2 3; do  # Wine's first start gives up on a machine that leaves it no time
+        rm -rf "$KO_WINE/prepared"
+        wine wineboot --init && wine wineserver --wait && touch "$KO_WINE/prepared/ready" && exit 0
+        echo "Wine's folder could not be prepared, attempt $attempt"
+        wine wineserver --kill
+    done
+    exit 1
 )
 
 # take_wine KIND: sets taken, and holds it by the descriptor slot_lock until this shell ends.
