@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "frame/colour_words.h"
+#include "front/front.h"
+
 namespace ko::front {
 namespace {
 
