@@ -170,7 +170,8 @@ std::string provenanceOf(const IccInput& link) {
 }
 
 bool hasLibraryNodes(const IccInput& link) {
-    if (!link.find(fourcc("A2B0"))) return false;
+    const IccTagEntry* const entry = link.find(fourcc("A2B0"));
+    if (!entry || link.elementType(*entry) != fourcc("mft1")) return false;
     const IccLut* const lut = link.lut(fourcc("A2B0"));
     if (lut->precision != 1 || lut->gridPoints != cmyk::kGridPoints || lut->inputChannels != 4 ||
         lut->outputChannels != 4)

@@ -11,6 +11,7 @@
 #include "kolink/precise.h"
 #include "precise/link.h"
 #include "precise/link_file.h"
+#include "precise/link_row.h"
 #include "precise/solve.h"
 #include "precise/transform.h"
 
@@ -402,7 +403,12 @@ extern "C" void koPreciseLinkRow16(const KoPreciseLink* link, const uint16_t* in
 
 extern "C" void koPreciseLinkRow8(const KoPreciseLink* link, const uint8_t* in, uint8_t* out,
                                   size_t count) {
-    linkRow(link, in, out, count);
+    if (!link || !in || !out) return;
+    const Link& l = *link->link;
+    const ByteGrid grid = {l.table.data(), l.inputs, l.outputs, l.gridPoints};
+    if (l.bits != 8 || !hasRows(grid)) return linkRow(link, in, out, count);
+    const ko::ArithmeticMode arithmetic;
+    convertRow8(grid, in, out, count);
 }
 
 extern "C" uint8_t* koPreciseLinkBytes(const KoPreciseLink* link, const KoPreciseFileOptions* file,
