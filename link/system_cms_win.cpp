@@ -24,7 +24,7 @@ namespace {
 HPROFILE open(const char* path) {
     const size_t length = std::strlen(path) + 1;
     const auto block = allocateBlock<PROFILE>(sizeof(PROFILE) + length);
-    if (!block) return nullptr;
+    if (!block) throw std::bad_alloc();  // no other name is tried then
     char* const name = reinterpret_cast<char*>(block.get() + 1);
     std::memcpy(name, path, length);
     *block = {PROFILE_FILENAME, name, static_cast<DWORD>(length)};
@@ -42,6 +42,7 @@ Profile* openProfile(const char* path) {
     if (!handle) return nullptr;
     if (auto* profile = new (std::nothrow) Profile{handle}) return profile;
     ::CloseColorProfile(handle);
+    platform::setLastError(platform::Cause::shortMemory);
     return nullptr;
 }
 
@@ -51,6 +52,7 @@ bool isValid(const Profile& profile) {
 }
 
 void closeProfile(Profile* profile) noexcept {
+    const platform::ErrorKeeper keeper;
     ::CloseColorProfile(profile->handle);
     delete profile;
 }
@@ -65,6 +67,7 @@ Transform* createTransform(Profile& source, Profile& destination, uint32_t inten
     if (!handle) return nullptr;
     if (auto* transform = new (std::nothrow) Transform{handle}) return transform;
     ::DeleteColorTransform(handle);
+    platform::setLastError(platform::Cause::shortMemory);
     return nullptr;
 }
 
@@ -81,6 +84,7 @@ void translate(Transform& transform, const uint16_t (&input)[4], Colours inputs,
 }
 
 void deleteTransform(Transform* transform) noexcept {
+    const platform::ErrorKeeper keeper;
     ::DeleteColorTransform(transform->handle);
     delete transform;
 }
