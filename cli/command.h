@@ -14,5 +14,7 @@ void addImageCommand(Command& app);
 void addListCommand(Command& app);
 void addCalibCommand(Command& app);
 void addTableCommand(Command& app);
+void addReportCommand(Command& app);
+void addCheckCommand(Command& app);
 
 }  // namespace ko::cli

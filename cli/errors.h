@@ -9,7 +9,7 @@
 
 namespace ko::cli {
 
-enum ExitStatus { kDone = 0, kFailed = 1, kWrongUsage = 2 };  // 128 + the signal that ended it
+enum ExitStatus { kDone = 0, kFailed = 1, kWrongUsage = 2, kStoppedByGate = 3 };  // 128 + the signal that ended it
 
 // Something is wrong with a file or the machine: exit status 1.
 struct Failure : std::runtime_error {
@@ -21,8 +21,10 @@ struct UsageFailure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A check found something and has said so on standard output: exit status 1, no further line.
-struct Found {};
+// A check found something and has said so: the exit status, no further line.
+struct Found {
+    ExitStatus status = kFailed;
+};
 
 // A signal came while a file was being made: exit status 128 + its number.
 struct Interrupted {

@@ -15,8 +15,10 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/finish.h"
+#include "cli/gate_options.h"
 #include "cli/icc_input.h"
 #include "cli/link_choices.h"
+#include "cli/measured_link.h"
 #include "cli/precise.h"
 #include "cli/system.h"
 #include "cmyk/cmyk.h"
@@ -49,13 +51,18 @@ constexpr char kExamples[] =
     "  kolink link --base correction.icc --output corrected.icc\n"
     "  kolink link --source target.nqp --destination printer.dcc --output proof.icc\n"
     "\n"
+    "A house standard that the link must keep, or it is not written (status 3):\n"
+    "  kolink link --source press.icc --destination printer.icc --output proof.icc \\\n"
+    "      --gates coated.json --report\n"
+    "\n"
     "With SOURCE_DATE_EPOCH set, the same input gives the same bytes.\n";
 
 struct Options {
     LinkChoices choices;
     std::optional<std::string> name, comment;
     std::string output;
-    bool verbose = false;
+    GateOptions gates;
+    bool verbose = false, reports = false;
 };
 
 void say(const std::string& line) { std::fputs(("kolink: " + line + "\n").c_str(), stderr); }
@@ -282,7 +289,43 @@ int64_t now() {
     return duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
 }
 
-void runPrecise(const Options& options, const Texts& texts, std::optional<int64_t> date) {
+// Why there is nothing to be precise about; empty when there is.
+const char* whyClassic(const LinkChoices& choices) {
+    if (!choices.source) return "there is no pair of profiles";
+    const InputFile source = lookAt(*choices.source), destination = lookAt(*choices.destination);
+    if (destination.type == FileType::dcc) return "the destination is a .dcc file";
+    return isForeignPair(&source, &destination) ? "the source is a foreign table" : "";
+}
+
+// Measures what will be written, where that is asked for, and lets it pass or not.
+class Inspection {
+public:
+    Inspection(const Options& options, const quality::Gates& gates, std::span<const uint8_t> bytes)
+        : options_(options) {
+        if (!options.reports && gates.none()) return;
+        file_ = inMemory(options.output, bytes);
+        link_.emplace(file_, std::nullopt);
+        const LinkChoices& choices = options.choices;
+        if (choices.source && !*whyClassic(choices)) {
+            JudgedBy by{*choices.source, *choices.destination, false, static_cast<precise::Intent>(choices.intentNumber()),
+                        choices.compensatesBlack};
+            link_->judgeBy(by, openInput(by.source), openInput(by.destination));
+        }
+        link_->measure(gates);
+        if (!link_->passes()) throw Found{kStoppedByGate};
+    }
+    void report() const {
+        if (options_.reports) writeOut(link_->summary());
+    }
+
+private:
+    const Options& options_;
+    InputFile file_;
+    std::optional<MeasuredLink> link_;
+};
+
+void runPrecise(const Options& options, const Texts& texts, std::optional<int64_t> date,
+                const quality::Gates& gates) {
     const auto start = std::chrono::steady_clock::now();
     const LinkChoices& choices = options.choices;
     const PrecisePair pair(choices, openInput(*choices.source), openInput(*choices.destination));
@@ -307,7 +350,9 @@ void runPrecise(const Options& options, const Texts& texts, std::optional<int64_
         koPreciseLinkBytes(link.get(), &file, &size, &error), &koPreciseReleaseBytes);
     if (!bytes) failFor(error, nullptr, nullptr, nullptr);
     verifyPrecise(inMemory(options.output, {bytes.get(), size}), link.get(), file.editable, texts);
+    const Inspection inspection(options, gates, {bytes.get(), size});
     writeFile(options.output, {reinterpret_cast<const char*>(bytes.get()), size});
+    inspection.report();
     if (pair.sameFile())
         say(printable(options.output) + ": source and destination are the same profile" +
             (changesNothing(link.get(), info) ? "; the link changes no colour" : ""));
@@ -350,7 +395,8 @@ Finish finishOf(const Options& options) {
     return finish;
 }
 
-void runClassic(const Options& options, const Texts& texts, std::optional<int64_t> date, const char* why) {
+void runClassic(const Options& options, const Texts& texts, std::optional<int64_t> date,
+                const quality::Gates& gates, const char* why) {
     const auto start = std::chrono::steady_clock::now();
     ClassicLink request(options.choices);
     checkOutput(options.output, request.inputs());
@@ -360,7 +406,9 @@ void runClassic(const Options& options, const Texts& texts, std::optional<int64_
     setText(profile->name, texts.name);
     const std::vector<uint8_t> bytes = finished(encode(*profile, date), *profile, finishOf(options));
     verify(inMemory(options.output, bytes), *profile);
+    const Inspection inspection(options, gates, bytes);
     writeFile(options.output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    inspection.report();
 
     if (!options.verbose) return;
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
@@ -368,14 +416,6 @@ void runClassic(const Options& options, const Texts& texts, std::optional<int64_
     say(printable(options.output) + ": " + grouped(KOLINK_CMYK_NODES) + " nodes (" +
         std::to_string(KOLINK_CMYK_GRID_POINTS) + " points an ink), read back, checked and written in " +
         number(taken.count()) + " s");
-}
-
-// Why there is nothing to be precise about; empty when there is.
-const char* whyClassic(const LinkChoices& choices) {
-    if (!choices.source) return "there is no pair of profiles";
-    const InputFile source = lookAt(*choices.source), destination = lookAt(*choices.destination);
-    if (destination.type == FileType::dcc) return "the destination is a .dcc file";
-    return isForeignPair(&source, &destination) ? "the source is a foreign table" : "";
 }
 
 void runLink(const Options& options) {
@@ -396,8 +436,9 @@ void runLink(const Options& options) {
         if (const std::string option = choices.onlyPrecise(); !option.empty())
             throw UsageFailure(option + " has no meaning here, since " + why);
     const Texts texts = textsOf(options);
-    if (choices.isClassic() || *why) runClassic(options, texts, date, why);
-    else runPrecise(options, texts, date);
+    const quality::Gates gates = options.gates.gates();
+    if (choices.isClassic() || *why) runClassic(options, texts, date, gates, why);
+    else runPrecise(options, texts, date, gates);
 }
 
 }  // namespace
@@ -417,6 +458,8 @@ void addLinkCommand(Command& app) {
     command.option("-o,--output", options->output, "The link to write").called("FILE").required();
     command.option("--name", options->name, "Name of the link [the output file's name]").called("TEXT");
     command.option("--comment", options->comment, "Comment kept in the link").called("TEXT");
+    command.flag("--report", options->reports, "Print what the link costs, as kolink report does");
+    options->gates.addFileTo(command);
     command.flag("-v,--verbose", options->verbose, "Say on standard error how it was made and what was written");
     command.does([options] { runLink(*options); });
 }

@@ -26,6 +26,7 @@ constexpr char kExamples[] =
     "  kolink link --source press.icc --destination printer.icc --output proof.icc\n"
     "  kolink info proof.icc\n"
     "  kolink plot proof.icc -o proof.svg\n"
+    "  kolink report proof.icc --source press.icc --destination printer.icc\n"
     "  kolink convert --link proof.icc 0,0,0,255\n"
     "  kolink image photo.tif print.tif --source srgb.icc --destination press.icc\n"
     "\n"
@@ -34,7 +35,8 @@ constexpr char kExamples[] =
 void addCommands(Command& app) {
     constexpr void (*kCommands[])(Command&) = {addLinkCommand,  addInfoCommand, addPlotCommand,
                                                 addConvertCommand, addImageCommand, addListCommand,
-                                                addCalibCommand, addTableCommand};
+                                                addCalibCommand, addTableCommand, addReportCommand,
+                                                addCheckCommand};
     for (const auto add : kCommands) add(app);
 }
 
@@ -78,8 +80,8 @@ int run(int argc, char** argv) {
     ExitStatus status = kDone;
     try {
         arguments.parse(system::arguments(argc, argv));
-    } catch (const Found&) {
-        status = kFailed;
+    } catch (const Found& found) {
+        status = found.status;
     } catch (const UsageFailure& error) {
         return complain(kWrongUsage, error.what());
     }

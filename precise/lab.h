@@ -1,4 +1,4 @@
-// CIE L*a*b* and XYZ under D50, in double, with the standard's exact knee, and CIEDE2000.
+// CIE L*a*b* and XYZ under D50, in double, with the standard's exact knee.
 #pragma once
 
 #include <array>

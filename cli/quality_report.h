@@ -1,0 +1,42 @@
+// What quality/ finds out about a link, as JSON and as a summary for people.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/report.h"
+#include "quality/quality.h"
+
+namespace ko::cli {
+
+// The two profiles that a link is judged by.
+struct JudgedBy {
+    std::string source, destination;  // paths
+    bool found = false;               // by the link's provenance
+    precise::Intent intent = precise::Intent::relative;
+    bool compensateBlack = false;
+};
+
+struct ReportedLink {
+    std::string path;
+    const quality::Subject& subject;
+    const quality::Findings& findings;
+    const std::optional<JudgedBy>& judgedBy;
+    const std::vector<quality::GateResult>& gates;
+};
+
+// As docs/report.schema.json has it: ink in percent, colours with four decimals.
+Json qualityJson(const ReportedLink& link);
+
+// Twelve lines.
+std::string qualitySummary(const ReportedLink& link);
+
+// A fault of a file, as kolink check and the report tell it.
+const char* levelName(quality::Level level);
+Json faultJson(const quality::Fault& fault);
+
+// The gate in words, as the option has it, with its limit and what was found.
+std::string gateLine(const quality::GateResult& gate);
+
+}  // namespace ko::cli
