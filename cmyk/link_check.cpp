@@ -85,7 +85,7 @@ Found checkBase(const std::string& path) {
 }  // namespace
 
 Found whyNoLink(const char* path) {
-    if (isTable(path)) return std::nullopt;
+    if (isTable(path)) return whyUnreadable(path);
     const Opened opened = openIcc(path);
     if (!opened.profile) return opened.problem;
     const IccHeader& header = opened.profile->header;

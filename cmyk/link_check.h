@@ -39,7 +39,7 @@ std::optional<LinkProblem> checkLinkSettings(const CmsLinkSettings& settings);
 // Whether any field asks for a change of colours at all.
 bool convertsNothing(const CmsLinkSettings& settings) noexcept;
 
-// Why a file cannot be edited as a link from CMYK to CMYK, though it loads. Tables have no reason.
+// Why a file cannot be edited as a link from CMYK to CMYK. A table that can be read is one.
 std::optional<Problem> whyNoLink(const char* path);
 
 }  // namespace ko::cmyk

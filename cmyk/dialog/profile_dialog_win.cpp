@@ -142,18 +142,19 @@ int32_t editProfile(HWND owner, char* path, ColourDisplay display) {
     if (!path) return 0;
     const Block<CmykProfile> profile = createProfile();
     if (!profile) return 0;
-    if (!fileNameOf(path).empty() && !loadProfile(*profile, path)) {
-        showMessage(owner, wideTranslated(texts::kProfileErrorCaption),
-                    wideTranslated(texts::kProfileMissing), MB_OK | MB_ICONEXCLAMATION);
-        return 0;
-    }
-    // A profile of another kind would be overwritten by a link that prints nothing.
-    if (!fileNameOf(path).empty())
-        if (const auto problem = whyNoLink(path)) {
+    if (!fileNameOf(path).empty()) {
+        // A profile of another kind would be overwritten by a link that prints nothing.
+        const auto problem = whyNoLink(path);
+        if (problem || !loadProfile(*profile, path)) {
+            const bool missing = !problem || *problem == Problem{texts::kFileMissing} ||
+                                 *problem == Problem{texts::kFolderMissing};
             showMessage(owner, wideTranslated(texts::kProfileErrorCaption),
-                        wideProblem(widePath(path), *problem), MB_OK | MB_ICONEXCLAMATION);
+                        missing ? wideTranslated(texts::kProfileMissing)
+                                : wideProblem(widePath(path), *problem),
+                        MB_OK | MB_ICONEXCLAMATION);
             return 0;
         }
+    }
     if (!copyPath(profile->path, path)) return 0;
     registerSurfaceClass();
     registerTabsAndSpins();

@@ -395,6 +395,40 @@ TEST(CalibDialog, NewAsksFirstAndThenForgetsTheFile) {
     });
 }
 
+TEST(CalibDialog, CancelOffersToTakeTheChangesBack) {
+    const CalibSet set = inkSet();
+    const Tones before = tonesOf(set, 0);
+    const int32_t result = edit(set, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_VALUE_X, L"100");
+        dialog.enter(IDC_VALUE_Y, L"20");
+        dialog.click(IDC_ADD);
+        EXPECT_NE(tonesOf(set, 0), before);
+        dialog.pressKey(IDC_GRAPH, VK_ESCAPE);
+        dialog.asked().press(IDCANCEL);  // stays
+        dialog.waitForQuiet();
+        EXPECT_NE(tonesOf(set, 0), before);
+        dialog.pressKey(IDC_GRAPH, VK_ESCAPE);
+        dialog.asked().press(IDNO);  // takes them back
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(tonesOf(set, 0), before);
+}
+
+TEST(CalibDialog, AnInitialisedCurveComesBackWithCtrlZ) {
+    const CalibSet set = inkSet();
+    edit(set, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_VALUE_X, L"100");
+        dialog.enter(IDC_VALUE_Y, L"20");
+        dialog.click(IDC_ADD);
+        const Tones edited = tonesOf(set, 0);
+        dialog.click(IDC_RESET);
+        EXPECT_NE(tonesOf(set, 0), edited);
+        dialog.pressControlAnd(IDC_GRAPH, 'Z');
+        EXPECT_TRUE(eventually([&] { return tonesOf(set, 0) == edited; }));
+    });
+}
+
 // Saving
 
 TEST(CalibDialog, SavesTheEditedSetToItsFile) {

@@ -356,6 +356,25 @@ TEST(ProfileDialog, APressProfileIsRefusedAndStaysAsItIs) {
     EXPECT_EQ(readText(path), content);
 }
 
+TEST(ProfileDialog, AWriteProtectedFileIsSaidToBeSo) {
+    const TempFolder folder;
+    const std::string path = folder.path("press.icc");
+    writeLink(path);
+    ASSERT_TRUE(::SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY));
+    const Outcome outcome = edit(path, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_TITLE, L"mine", IDOK);
+        dialog.press(IDOK);
+        const DialogWindow problem = dialog.asked();
+        const std::wstring text = problem.text(kMessageText);
+        EXPECT_NE(text.find(shown(L"書き込み禁止か、ｱｸｾｽ権限がありません。")), text.npos);
+        problem.press(IDNO);  // discards
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    ::SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(outcome.result, 1);
+    EXPECT_STREQ(loadedLink(path)->name, "press");
+}
+
 TEST(ProfileDialog, OkDoesNotCloseOverAProfileThatCannotBeSaved) {
     const TempFolder folder;
     const std::string path = folder.path("press.icc");

@@ -240,6 +240,50 @@ TEST_P(ToneDialogs, AFileThatCannotBeWrittenStaysAsItWasAndTheWorkIsKept) {
     EXPECT_EQ(loaded(kind(), file("other")).value(kind().channels == 1 ? 0 : 3, 0), 128);
 }
 
+TEST_P(ToneDialogs, AFileThatAnotherProgramHoldsIsSaidToBeInUse) {
+    const std::string path = fresh("curve");
+    const std::string before = readText(path);
+    const HANDLE other = ::CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                       OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(other, INVALID_HANDLE_VALUE);
+    const Outcome outcome = open(path, [&](const DialogWindow& message) {
+        EXPECT_EQ(message.item(IDC_GRAPH), nullptr);
+        const std::wstring text = message.text(kMessageText);
+        EXPECT_NE(text.find(wide(path)), text.npos);
+        EXPECT_NE(text.find(shown(L"別のﾌﾟﾛｸﾞﾗﾑが使用中です。")), text.npos);
+        ::SendMessageW(message.handle(), WM_CLOSE, 0, 0);
+    });
+    ::CloseHandle(other);
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(readText(path), before);
+}
+
+TEST_P(ToneDialogs, AWriteProtectedFileIsSaidToBeSoAndTheWorkCanBeSavedElsewhere) {
+    const std::string path = fresh("curve");
+    const std::string before = readText(path);
+    ASSERT_TRUE(::SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY));
+    const Outcome outcome = open(path, [&](const DialogWindow& dialog) {
+        dialog.enter(IDC_PERCENT_K, L"50");
+        dialog.press(IDOK);
+        const DialogWindow question = dialog.asked();
+        question.press(IDYES);  // save the changes
+        EXPECT_TRUE(eventually([&] { return !question.isOpen(); }));
+        const DialogWindow problem = dialog.asked();
+        const std::wstring text = problem.text(kMessageText);
+        EXPECT_NE(text.find(wide(path)), text.npos);
+        EXPECT_NE(text.find(shown(L"書き込み禁止か、ｱｸｾｽ権限がありません。")), text.npos);
+        problem.press(IDC_SAVE_AS);
+        EXPECT_TRUE(eventually([&] { return !problem.isOpen(); }));
+        dialog.asked().chooseFile(file("other"));
+        EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+    });
+    ::SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(outcome.path, file("other"));
+    EXPECT_EQ(readText(path), before);
+    EXPECT_EQ(loaded(kind(), file("other")).value(kind().channels == 1 ? 0 : 3, 0), 128);
+}
+
 TEST_P(ToneDialogs, ClosingOverChangesAsksWhetherToSaveThem) {
     const std::string path = fresh("curve");
     const Outcome outcome = open(path, [&](const DialogWindow& dialog) {

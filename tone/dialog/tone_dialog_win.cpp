@@ -100,19 +100,20 @@ int32_t editFile(HWND owner, const ToneEditorKind& kind, char* path) {
     DccSettings settings{};
     settings.curves = curve.get();
     const bool dcc = kind.channels == 6;
-    if (!fileNameOf(path).empty() && !kind.load(*curve, &settings, path)) {
-        showMessage(owner, wideTranslated(texts::kProfileErrorCaption),
-                    filled(wideTranslated(dcc ? texts::kDccFileMissing : texts::kToneFileMissing),
-                           {widePath(path)}),
-                    MB_OK | MB_ICONEXCLAMATION);
-        return 0;
-    }
-    if (!fileNameOf(path).empty())
-        if (const auto problem = whyNoCurveFile(kind.channels, path)) {
+    if (!fileNameOf(path).empty()) {
+        const auto problem = whyNoCurveFile(kind.channels, path);
+        if (problem || !kind.load(*curve, &settings, path)) {
+            const bool missing = !problem || *problem == Problem{texts::kFileMissing} ||
+                                 *problem == Problem{texts::kFolderMissing};
             showMessage(owner, wideTranslated(texts::kProfileErrorCaption),
-                        wideProblem(widePath(path), *problem), MB_OK | MB_ICONEXCLAMATION);
+                        missing ? filled(wideTranslated(dcc ? texts::kDccFileMissing
+                                                            : texts::kToneFileMissing),
+                                         {widePath(path)})
+                                : wideProblem(widePath(path), *problem),
+                        MB_OK | MB_ICONEXCLAMATION);
             return 0;
         }
+    }
     if (!copyPath(curve->path, path)) return 0;
     registerSurfaceClass();
     ToneEditor editor(kind, *curve, dcc ? &settings : nullptr);
