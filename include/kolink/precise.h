@@ -176,7 +176,9 @@ KOLINK_API double koPreciseInvert(const KoPreciseProfile *profile, const double 
 
 /* Links. */
 KOLINK_API int32_t koPreciseInitOptions(KoPreciseOptions *options); /* 1; 0 for null */
-/* From RGB, CMYK or grey to CMYK or RGB.
+/* From RGB, CMYK or grey to CMYK or RGB. From a profile to itself, inverted, with plane where there
+ * is black, and without a base, a limit in percent or saveInk, colours stay as they are; no limit is
+ * kept then.
  *   base  null, or a device link from CMYK to CMYK that colours go through first
  * Null on failure. */
 KOLINK_API KoPreciseLink *koPreciseMakeLink(const KoPreciseProfile *source,
