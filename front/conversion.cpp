@@ -3,11 +3,11 @@
 
 #include "frame/arithmetic.h"
 #include "frame/arithmetic_mode.h"
+#include "front/builtin_tables.h"
 #include "front/current_links.h"
 #include "front/front.h"
 #include "grid/bytes.h"
 #include "link/link.h"
-#include "resources/builtin_tables.h"
 
 namespace ko::front {
 namespace {
@@ -15,32 +15,20 @@ namespace {
 int32_t level(int32_t value) noexcept { return clampTo(value, 0, 255); }
 uint8_t byte(int32_t value) noexcept { return static_cast<uint8_t>(value); }
 
-static_assert(builtin::kTablePoints == grid::kBytePoints);
-
-// A row in portions that fit a small buffer of four values a pixel. convert(input, pixels, values)
-// fills it, store(input, values) takes a pixel's four values out of it.
-template <class Value, class Convert, class Store>
-void inPortions(const uint8_t* input, size_t channels, int32_t pixels, Convert convert,
-                Store store) noexcept {
-    constexpr int32_t kPixels = 512;
-    Value values[kPixels * 4];
-    while (pixels > 0) {
-        const int32_t count = std::min(pixels, kPixels);
-        convert(input, count, values);
-        for (int32_t pixel = 0; pixel < count; ++pixel, input += channels)
-            store(input, values + pixel * 4);
-        pixels -= count;
-    }
-}
-
+// In portions that fit a small buffer; store takes the four values of a pixel.
 template <class Store>
 void throughLink(const LinkProfile& link, const uint8_t* input, int32_t pixels,
                  Store store) noexcept {
-    inPortions<uint16_t>(input, link.inputChannels == 3 ? 3 : 4, pixels,
-                         [&](const uint8_t* from, int32_t count, uint16_t* values) {
-                             link::convertRow(link, from, count, values);
-                         },
-                         [&](const uint8_t*, const uint16_t* values) { store(values); });
+    constexpr int32_t kPixels = 512;
+    uint16_t values[kPixels * 4];
+    const int32_t channels = link.inputChannels == 3 ? 3 : 4;
+    while (pixels > 0) {
+        const int32_t count = std::min(pixels, kPixels);
+        link::convertRow(link, input, count, values);
+        for (int32_t pixel = 0; pixel < count; ++pixel) store(values + pixel * 4);
+        input += static_cast<ptrdiff_t>(count) * channels;
+        pixels -= count;
+    }
 }
 
 }  // namespace
@@ -73,7 +61,7 @@ Rgb cmykToRgb(int32_t c, int32_t m, int32_t y, int32_t k) noexcept {
 
 void rgbToCmykRow(const uint8_t* rgb, int32_t pixels, uint8_t* cmyk) noexcept {
     const LinkProfile* const current = rgbToCmykLink();
-    if (!current) return grid::bytesOfThreeRow(builtin::kRgbToCmyk, rgb, 3, pixels, cmyk);
+    if (!current) return grid::bytesOfThreeRow(builtin::kRgbToCmyk, rgb, pixels, cmyk);
     throughLink(*current, rgb, pixels, [&](const uint16_t* values) {
         for (int k = 0; k < 4; ++k) cmyk[k] = static_cast<uint8_t>(values[k] / 16);
         cmyk += 4;
@@ -81,23 +69,12 @@ void rgbToCmykRow(const uint8_t* rgb, int32_t pixels, uint8_t* cmyk) noexcept {
 }
 
 void cmykToRgbRow(const uint8_t* cmyk, int32_t pixels, uint8_t* rgb) noexcept {
-    if (const LinkProfile* const current = cmykToRgbLink()) {
-        throughLink(*current, cmyk, pixels, [&](const uint16_t* values) {
-            for (int k = 0; k < 3; ++k) rgb[k] = static_cast<uint8_t>(values[k] / 16);
-            rgb += 3;
-        });
-        return;
-    }
-    inPortions<uint8_t>(cmyk, 4, pixels,
-                        [](const uint8_t* inks, int32_t count, uint8_t* lights) {
-                            grid::bytesOfThreeRow(builtin::kCmyToRgb, inks, 4, count, lights);
-                        },
-                        [&](const uint8_t* inks, const uint8_t* light) {
-                            const uint32_t left = 255u - inks[3];
-                            for (int k = 0; k < 3; ++k)
-                                rgb[k] = static_cast<uint8_t>(light[k] * left / 255);
-                            rgb += 3;
-                        });
+    const LinkProfile* const current = cmykToRgbLink();
+    if (!current) return grid::dimmedBytesOfThreeRow(builtin::kCmyToRgb, cmyk, pixels, rgb);
+    throughLink(*current, cmyk, pixels, [&](const uint16_t* values) {
+        for (int k = 0; k < 3; ++k) rgb[k] = static_cast<uint8_t>(values[k] / 16);
+        rgb += 3;
+    });
 }
 
 int32_t rgbToGray(int32_t r, int32_t g, int32_t b) noexcept {

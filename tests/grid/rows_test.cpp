@@ -65,17 +65,19 @@ TEST(GridRows, OfWordsAndThreeAxesAreExact) {
     expectSame<3, 3>(input, fast, [&](int32_t* values) { wordsOfThree(nodes.data(), values); });
 }
 
-TEST(GridRows, OfBytesAreExactAtAnyStride) {
+TEST(GridRows, OfBytesAreExactAndDimmedByAFourthByte) {
     const auto bytes = randomNodes<uint8_t>(729 * 4);
     const auto* const nodes = reinterpret_cast<const uint8_t(*)[4]>(bytes.data());
-    for (const size_t stride : {3, 4}) {
-        const auto input = pixels(kPixels, stride);
-        std::vector<uint8_t> fast(kPixels * 4);
-        bytesOfThreeRow(nodes, input.data(), stride, kPixels, fast.data());
-        const auto plain = [&](int32_t* values) { bytesOfThree(nodes, values); };
-        if (stride == 3) expectSame<3, 4>(input, fast, plain);
-        else expectSame<4, 4>(input, fast, plain);
-    }
+    const auto three = pixels(kPixels, 3), four = pixels(kPixels, 4);
+    std::vector<uint8_t> fast(kPixels * 4);
+    bytesOfThreeRow(nodes, three.data(), kPixels, fast.data());
+    expectSame<3, 4>(three, fast, [&](int32_t* values) { bytesOfThree(nodes, values); });
+    dimmedBytesOfThreeRow(nodes, four.data(), kPixels, fast.data());
+    expectSame<4, 3>(four, fast, [&](int32_t* values) {
+        const int32_t left = 255 - values[3];
+        bytesOfThree(nodes, values);
+        for (size_t k = 0; k < 3; ++k) values[k] = values[k] * left / 255;
+    });
 }
 
 // 4095 is about what a builder makes, 65535 what a host may.
@@ -119,7 +121,7 @@ TEST(GridRows, AreExactWhereEveryBlendIsAWholeNumber) {
         wordsOfThreeRow(words, three.data(), kFew, fast.data());
         expectAll(fast, kFew * 3, 16 * level);
         const auto* const nodes = reinterpret_cast<const uint8_t(*)[4]>(filled.data());
-        bytesOfThreeRow(nodes, three.data(), 3, kFew, bytes.data());
+        bytesOfThreeRow(nodes, three.data(), kFew, bytes.data());
         expectAll(bytes, kFew * 4, level);
         const std::vector<uint16_t> shorts(17 * 17 * 17 * 17 * 4, level);
         shortsOfThreeRow(shorts.data(), 17, three.data(), kFew, fast.data());

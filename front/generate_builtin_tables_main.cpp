@@ -2,7 +2,7 @@
 #include <cstdio>
 #include <fstream>
 
-#include "resources/generate_builtin_tables.h"
+#include "front/generate_builtin_tables.h"
 
 int main(int argc, char** argv) {
     if (argc != 2) {
@@ -10,7 +10,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::ofstream file(argv[1], std::ios::binary);
-    file << ko::builtin::sourceOf(ko::builtin::generateTables());
+    file << ko::builtin::sourceOf(ko::builtin::generateRgbToCmyk());
     file.close();
     return file ? 0 : 1;
 }
