@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "frame/platform.h"
 #include "frame/text.h"
 #include "front/front.h"
 
@@ -36,8 +37,10 @@ bool setupProfile(const char* rgbPath, const char* cmykPath, int32_t intent) {
     link::Link cmykToRgb, rgbToCmyk;
     if (fill(settings, cmykPath, rgbPath, intent))
         cmykToRgb = link::combineIcmCmykProfile(settings);
+    const uint32_t reason = platform::lastError();  // the second is tried all the same
     if (fill(settings, rgbPath, cmykPath, intent))
         rgbToCmyk = link::combineIcmRgbProfile(settings);
+    if (!cmykToRgb) platform::setLastError(reason);
     if (!cmykToRgb || !rgbToCmyk) return false;  // as after an exception: neither is current
     cmykToRgbCurrent = std::move(cmykToRgb);
     rgbToCmykCurrent = std::move(rgbToCmyk);
