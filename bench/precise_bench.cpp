@@ -218,12 +218,13 @@ void judge(const Pair& pair, const std::string& name, const std::string& path, c
         const auto count = static_cast<double>(std::max<size_t>(1, off.size()));
         char peak[16] = "";
         if (cost.mebibytes > 0) std::snprintf(peak, sizeof peak, "%.0f", cost.mebibytes);
-        std::printf("| %s | %.3f / %.3f | %.1f | %.0f | %.3f / %.3f | %d, %.2f | %.2f | %.1f | "
-                    "%.2f | %s |\n",
-                    name.c_str(), mean(off), at(off, 0.95),
-                    100 * static_cast<double>(below) / count, ink / count, mean(bends),
-                    at(bends, 0.95), reversals, std::max(0.0, worst), mean(black),
-                    jumpAtBlack(through), cost.seconds, peak);
+        std::printf(
+            "| %s | %.3f / %.3f | %.1f | %.0f | %.3f / %.3f | %d, %.2f | %.2f | %.1f | "
+            "%.2f | %s |\n",
+            name.c_str(), mean(off), at(off, 0.95),
+            100 * static_cast<double>(below) / count, ink / count, mean(bends),
+            at(bends, 0.95), reversals, std::max(0.0, worst), mean(black),
+            jumpAtBlack(through), cost.seconds, peak);
         std::fflush(stdout);
     }
     cmsCloseProfile(link);
