@@ -16,6 +16,9 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     add_compile_options(-msse2 -mfpmath=sse -mstackrealign)
 endif()
 if(WIN32)
+    # GCC would count on the registers that its own version of an inline function leaves alone; the
+    # linker may keep another object's version, compiled with other options, which does not.
+    add_compile_options(-fno-ipa-ra)
     add_compile_definitions(WINVER=0x0601 _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=0)
     add_link_options(-static)
 endif()
