@@ -66,7 +66,8 @@ void CorrectionChangeWhole(benchmark::State& state) {
     for (auto _ : state) {
         changed = page.model.change();
         state.PauseTiming();
-        page.model.undo();
+        page.history.undo();
+        page.model.profileChanged();
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * changed);
