@@ -597,7 +597,8 @@ void thousandLoads(int loads) {
             good = good && other && release(other) == 1;
         }).join();
         ::dlclose(library);
-        if (turn == loads / 10) early = ::mallinfo2().uordblks, earlyPages = pages();
+        // What the system's loader keeps for itself it has after some twenty rounds.
+        if (turn == loads / 3) early = ::mallinfo2().uordblks, earlyPages = pages();
     }
     late = ::mallinfo2().uordblks, latePages = pages();
     good = good && ::dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD) == nullptr;
