@@ -253,10 +253,14 @@ const IccLut* plainGrid(const IccInput& link) {
         if (space != fourcc("CMYK") && space != fourcc("RGB ") && space != fourcc("GRAY")) return nullptr;
     const int spaces[] = {channelsOf(spaceOf(link.header().colourSpace, "")), channelsOf(spaceOf(link.header().connectionSpace, ""))};
     if (lut->inputChannels != spaces[0] || lut->outputChannels != spaces[1]) return nullptr;
-    for (const auto& [tables, channels] : {std::pair(lut->inputTables, int32_t{lut->inputChannels}),
-                                           std::pair(lut->outputTables, int32_t{lut->outputChannels})})
-        for (int32_t at = 0; at < 256 * channels; ++at)
-            if (static_cast<const uint8_t*>(tables)[at] != at % 256) return nullptr;
+    // By value: the record is packed, so that nothing may refer to its fields.
+    const auto areLines = [](const void* tables, int channels) {
+        for (int at = 0; at < 256 * channels; ++at)
+            if (static_cast<const uint8_t*>(tables)[at] != at % 256) return false;
+        return true;
+    };
+    if (!areLines(lut->inputTables, lut->inputChannels) || !areLines(lut->outputTables, lut->outputChannels))
+        return nullptr;
     return lut;
 }
 
