@@ -68,6 +68,15 @@ Json linkJson(const LinkFacts& facts) {
     return json;
 }
 
+// What goes in and comes out of the link, and the two colours that are to be the same.
+template <class Point>
+void addColour(Json& one, const Point& point, const LinkFacts& facts) {
+    one["in"] = inks(point.in, facts.inputs);
+    one["out"] = inks(point.out, facts.outputs);
+    one["wanted"] = lab(point.wanted);
+    one["printed"] = lab(point.printed);
+}
+
 Json colourJson(const ColourReport& report, const LinkFacts& facts) {
     Json json;
     json["groups"] = Json::array();
@@ -94,10 +103,7 @@ Json colourJson(const ColourReport& report, const LinkFacts& facts) {
         one["de00"] = rounded(colour.difference);
         one["de76"] = rounded(colour.difference76);
         one["best"] = rounded(colour.best);
-        one["in"] = inks(colour.in, facts.inputs);
-        one["out"] = inks(colour.out, facts.outputs);
-        one["wanted"] = lab(colour.wanted);
-        one["printed"] = lab(colour.printed);
+        addColour(one, colour, facts);
         json["worst"].push_back(std::move(one));
     }
     return json;
@@ -145,10 +151,7 @@ Json greyJson(const BlackReport& report, const LinkFacts& facts) {
     json["axis"] = Json::array();
     for (const GreyPoint& grey : report.greys) {
         Json one;
-        one["in"] = inks(grey.in, facts.inputs);
-        one["out"] = inks(grey.out, facts.outputs);
-        one["wanted"] = lab(grey.wanted);
-        one["printed"] = lab(grey.printed);
+        addColour(one, grey, facts);
         json["axis"].push_back(std::move(one));
     }
     return json;
