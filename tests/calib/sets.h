@@ -6,14 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "kolink/calibration.h"
+#include "tests/support/owned.h"
 
 namespace ko::test {
 
-struct ReleaseCalibSet {
-    void operator()(CalibCurveSet* set) const { jKoCalibReleaseCurve(set); }
-};
-using CalibSet = std::unique_ptr<CalibCurveSet, ReleaseCalibSet>;
+using CalibSet = OwnedCalibSet;
 using Tones = std::vector<std::pair<float, float>>;
 
 inline CalibSet newSet(int32_t channels, int32_t range = 255, int32_t limit = 255) {

@@ -83,7 +83,7 @@ struct Correcting {
 
 // Changes, and holds the whole grid and the count against the rules.
 void expectChangeByTheRules(Correcting& page) {
-    std::vector<uint32_t> expected(page.profile->grid, page.profile->grid + kNodes);
+    std::vector<uint32_t> expected(page.profile->grid, page.profile->grid + KOLINK_CMYK_NODES);
     const int count = test::referenceChange(expected.data(), page.model.picked(), page.delta(),
                                             page.referenceRange());
     EXPECT_EQ(page.model.nodesInRange(), count);
@@ -93,7 +93,7 @@ void expectChangeByTheRules(Correcting& page) {
 
 uint32_t differing(const CmykProfile& a, const CmykProfile& b) {
     uint32_t count = 0;
-    for (int32_t node = 0; node < kNodes; ++node) count += a.grid[node] != b.grid[node];
+    for (int32_t node = 0; node < KOLINK_CMYK_NODES; ++node) count += a.grid[node] != b.grid[node];
     return count;
 }
 
@@ -285,7 +285,7 @@ TEST(ColourCorrectionChange, OnlyTheGridChanges) {
     page.model.change();
     const auto fresh = createProfile();
     EXPECT_GT(differing(*page.profile, *fresh), 0u);
-    std::copy(fresh->grid, fresh->grid + kNodes, page.profile->grid);
+    std::copy(fresh->grid, fresh->grid + KOLINK_CMYK_NODES, page.profile->grid);
     const auto* const bytes = reinterpret_cast<const uint8_t*>(page.profile.get());
     const auto* const others = reinterpret_cast<const uint8_t*>(fresh.get());
     EXPECT_TRUE(std::equal(bytes, bytes + sizeof(CmykProfile), others));
@@ -357,7 +357,7 @@ TEST(ColourCorrectionUndo, TakesBackEveryOneOfAHundredChanges) {
         page.change({step % 2 ? 9 : -9, 4, -4, 2});
         page.model.change();
     }
-    const std::vector<uint32_t> after(page.profile->grid, page.profile->grid + kNodes);
+    const std::vector<uint32_t> after(page.profile->grid, page.profile->grid + KOLINK_CMYK_NODES);
     for (int step = 0; step < 100; ++step) EXPECT_TRUE(page.undo());
     EXPECT_EQ(differing(*page.profile, *before), 0u);
     while (page.history.redo()) {}
@@ -644,7 +644,7 @@ TEST(ColourCorrectionRange, ThePickedColourNeverLeavesTheSpans) {
 TEST(ColourCorrectionRange, TheCountFollowsEveryEdit) {
     Correcting page;
     const auto expectCount = [&] {
-        std::vector<uint32_t> grid(page.profile->grid, page.profile->grid + kNodes);
+        std::vector<uint32_t> grid(page.profile->grid, page.profile->grid + KOLINK_CMYK_NODES);
         const int count = test::referenceChange(grid.data(), page.model.picked(), {},
                                                 page.referenceRange());
         EXPECT_EQ(page.model.nodesInRange(), count);

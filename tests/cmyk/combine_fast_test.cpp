@@ -25,7 +25,7 @@ int32_t firstDifference(const Case& c, int32_t step = 7) {
     for (MadeLut* lut : {&source, &destination}) {
         lut->wild(1);
         if (c.smooth) lut->identityCurves();
-        EXPECT_EQ(ko::icc::lutSetup(lut->get()), 1);
+        EXPECT_TRUE(ko::icc::lutSetup(lut->get()));
     }
     Conversion conversion = kNoConversion;
     if (c.converts) conversion.emplace(*source.get(), *destination.get(), c.bridge);
@@ -49,7 +49,7 @@ int32_t firstDifference(const Case& c, int32_t step = 7) {
     const auto convert = [&](Cmyk& cmyk) {
         if (conversion) convertThroughIcc(*conversion, cmyk);
     };
-    for (int32_t n = 0; n < kNodes; n += step) {
+    for (int32_t n = 0; n < KOLINK_CMYK_NODES; n += step) {
         const Cmyk node{n / 35937, n / 1089 % 33, n / 33 % 33, n % 33};
         if (combineNode(chain, node, convert) != fast->grid[n]) return n;
     }

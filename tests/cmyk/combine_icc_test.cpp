@@ -38,7 +38,7 @@ struct Pair {
         } else {
             const double point[3] = {white[0] * 100.0, white[1] * 100.0, white[2] * 100.0};
             double colour[3];
-            if (sourceSpace == sig("XYZ ")) {
+            if (sourceSpace == signature("XYZ ")) {
                 for (int32_t i = 0; i < 3; ++i)
                     colour[i] = w[i] * 100.0 / (narrowSource ? 128 : 32768);
                 jIccXYZtoLab(colour, point);
@@ -67,9 +67,9 @@ struct Pair {
                std::vector<std::pair<uint32_t, White>> whites) {
         jIccLutSetup(a2b.get());
         jIccLutSetup(b2a.get());
-        IccFile{.connection = sourceSpace, .luts = {{sig("A2B1"), &a2b}}, .whites = whites}.write(
+        IccFile{.connection = sourceSpace, .luts = {{signature("A2B1"), &a2b}}, .whites = whites}.write(
             folder.path("source.icc"));
-        IccFile{.connection = destinationSpace, .luts = {{sig("B2A1"), &b2a}}}.write(
+        IccFile{.connection = destinationSpace, .luts = {{signature("B2A1"), &b2a}}}.write(
             folder.path("printer.icc"));
         setPath(settings.sourcePath, folder.path("source.icc"));
         setPath(settings.destinationPath, folder.path("printer.icc"));
@@ -98,7 +98,7 @@ Pair pairOf(int32_t sourcePrecision, int32_t destinationPrecision, uint32_t sour
     return Pair{MadeLut({4, 3, 5, sourcePrecision}), MadeLut({3, 4, 9, destinationPrecision}),
                 sourceSpace, destinationSpace};
 }
-constexpr uint32_t kLab = sig("Lab "), kXyz = sig("XYZ ");
+constexpr uint32_t kLab = signature("Lab "), kXyz = signature("XYZ ");
 
 }  // namespace
 
@@ -114,7 +114,7 @@ TEST(IccCombination, PassesTheSameConnectionSpaceOn) {
 TEST(IccCombination, PassesXyzOnWhenBothProfilesConnectThroughIt) {
     Pair pair = pairOf(2, 1, kXyz, kXyz);
     pair.a2b.wild(3), pair.b2a.wild(4);
-    pair.check({{sig("wtpt"), White{0.5f, 0.5f, 0.5f}}});
+    pair.check({{signature("wtpt"), White{0.5f, 0.5f, 0.5f}}});
 }
 
 TEST(IccCombination, TurnsXyzOfTheSourceIntoLab) {
@@ -123,7 +123,7 @@ TEST(IccCombination, TurnsXyzOfTheSourceIntoLab) {
             Pair pair = pairOf(source, destination, kXyz, kLab);
             pair.a2b.wild(5), pair.b2a.wild(6);
             pair.white = {0.6875f, 0.75f, 0.59375f};
-            pair.check({{sig("wtpt"), pair.white}});
+            pair.check({{signature("wtpt"), pair.white}});
         }
 }
 
@@ -133,7 +133,7 @@ TEST(IccCombination, TurnsLabOfTheSourceIntoXyz) {
             Pair pair = pairOf(source, destination, kLab, kXyz);
             pair.a2b.wild(7), pair.b2a.wild(8);
             pair.white = {0.90625f, 1.0f, 0.703125f};
-            pair.check({{sig("wtpt"), pair.white}});
+            pair.check({{signature("wtpt"), pair.white}});
         }
 }
 
@@ -149,7 +149,7 @@ TEST(IccCombination, TakesTheFirstOfTwoWhitePoints) {
     pair.a2b.wild(11), pair.b2a.wild(12);
     CmsLinkSettings settings = emptySettings();
     pair.white = {0.6875f, 0.75f, 0.59375f};
-    pair.write(folder, settings, {{sig("wtpt"), pair.white}, {sig("bkpt"), {0.3f, 0.3f, 0.3f}}});
+    pair.write(folder, settings, {{signature("wtpt"), pair.white}, {signature("bkpt"), {0.3f, 0.3f, 0.3f}}});
     const Combined once = combine(settings);
     Bytes bytes = readFile(settings.sourcePath);
     for (size_t i = 132; i < 132 + 12 * 3; i += 12)
@@ -161,9 +161,9 @@ TEST(IccCombination, TakesTheFirstOfTwoWhitePoints) {
 }
 
 TEST(IccCombination, TakesAnUnknownDestinationSpaceForTheOtherOfTheTwo) {
-    Pair pair = pairOf(2, 1, kLab, sig("Luv "));
+    Pair pair = pairOf(2, 1, kLab, signature("Luv "));
     pair.a2b.wild(13), pair.b2a.wild(14);
-    pair.check({{sig("wtpt"), kD50}});
+    pair.check({{signature("wtpt"), kD50}});
 }
 
 TEST(IccCombination, SurvivesAWhitePointOfZero) {
@@ -172,7 +172,7 @@ TEST(IccCombination, SurvivesAWhitePointOfZero) {
         Pair pair = pairOf(2, 1, space, space == kLab ? kXyz : kLab);
         pair.a2b.wild(15), pair.b2a.wild(16);
         CmsLinkSettings settings = emptySettings();
-        pair.write(folder, settings, {{sig("wtpt"), White{0, 0, 0}}});
+        pair.write(folder, settings, {{signature("wtpt"), White{0, 0, 0}}});
         EXPECT_TRUE(combine(settings));
     }
 }

@@ -1,6 +1,7 @@
 // Settings and small ICC files for the tests of combining.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <memory>
@@ -8,16 +9,13 @@
 #include <utility>
 #include <vector>
 
-#include "kolink.h"
 #include "tests/icc/lut_builder.h"
 #include "tests/support/files.h"
+#include "tests/support/profiles.h"
 
 namespace ko::test {
 
-struct ReleaseProfile {
-    void operator()(CmykProfile* profile) const { jKoCmykReleaseProfile(profile); }
-};
-using Combined = std::unique_ptr<CmykProfile, ReleaseProfile>;
+using Combined = OwnedCmykProfile;
 using Colour = std::array<int32_t, 4>;
 
 inline size_t nodeAt(int32_t c, int32_t m, int32_t y, int32_t k) {
@@ -48,26 +46,17 @@ inline Combined combineIcc(const CmsLinkSettings& settings) {
     return Combined(jKoCmykCombineIccProfile(&settings));
 }
 
-constexpr uint32_t sig(const char (&text)[5]) {
-    return static_cast<uint32_t>(text[0]) << 24 | static_cast<uint32_t>(text[1]) << 16 |
-           static_cast<uint32_t>(text[2]) << 8 | static_cast<uint32_t>(text[3]);
-}
-
 // A LUT in a block of its own, as a profile takes it over.
 inline IccLut* boundCopy(MadeLut& lut) {
-    const auto* from = reinterpret_cast<const uint8_t*>(lut.get());
-    const auto width = static_cast<size_t>(lut.spec().precision);
-    const size_t input = width * lut.spec().inputs * lut.spec().inputEntries;
-    const size_t grid = width * lut.nodes() * lut.spec().outputs;
-    const size_t output = width * lut.spec().outputs * lut.spec().outputEntries;
-    const size_t size = sizeof(IccLut) + input + grid + output;
-    auto* block = static_cast<uint8_t*>(jMemAlloc(static_cast<uint32_t>(size)));
-    std::memcpy(block, from, size);
-    auto* copy = reinterpret_cast<IccLut*>(block);
-    copy->inputTables = block + sizeof(IccLut);
-    copy->clut = block + sizeof(IccLut) + input;
-    copy->outputTables = block + sizeof(IccLut) + input + grid;
-    copy->workTable = nullptr;
+    const LutSpec& spec = lut.spec();
+    IccLut* const copy = hostLut(spec.inputs, spec.outputs, spec.gridPoints,
+                                 static_cast<uint8_t>(spec.precision), spec.inputEntries,
+                                 spec.outputEntries);
+    std::ranges::copy(lut->matrix, copy->matrix);
+    const auto* const tables = static_cast<const uint8_t*>(lut->inputTables);
+    const auto* const end = static_cast<const uint8_t*>(lut->outputTables) +
+                            spec.precision * spec.outputs * spec.outputEntries;
+    std::copy(tables, end, static_cast<uint8_t*>(copy->inputTables));
     return copy;
 }
 
@@ -75,7 +64,7 @@ using White = std::array<float, 3>;
 constexpr White kD50{0.9642028808f, 1.0f, 0.8249053955f};
 
 struct IccFile {
-    uint32_t space = sig("CMYK"), connection = sig("Lab ");
+    uint32_t space = signature("CMYK"), connection = signature("Lab ");
     std::vector<std::pair<uint32_t, MadeLut*>> luts = {};
     std::vector<std::pair<uint32_t, White>> whites = {};
 
@@ -83,17 +72,11 @@ struct IccFile {
         IccProfile* profile = jIccCreate(2);
         profile->header.colourSpace = space;
         profile->header.connectionSpace = connection;
-        for (const auto& [signature, lut] : luts) jIccBindTag(profile, signature, boundCopy(*lut));
-        for (const auto& [signature, white] : whites) {
-            void* block = jMemAlloc(sizeof white);
-            std::memcpy(block, white.data(), sizeof white);
-            jIccBindTag(profile, signature, block);
-        }
-        if (luts.empty() && whites.empty()) {
-            auto* text = static_cast<char*>(jMemAlloc(1));
-            *text = '\0';
-            jIccBindTag(profile, sig("cprt"), text);
-        }
+        for (const auto& [tag, lut] : luts) jIccBindTag(profile, tag, boundCopy(*lut));
+        for (const auto& [tag, white] : whites)
+            jIccBindTag(profile, tag, hostBlock(white.data(), sizeof white));
+        if (luts.empty() && whites.empty())
+            jIccBindTag(profile, signature("cprt"), hostText(""));
         jIccSaveProfile(profile, path.c_str());
         jIccRelease(profile);
     }

@@ -18,8 +18,8 @@ struct ConstantPair {
         a2b.identity(), b2a.identityCurves();
         for (size_t node = 0; node < b2a.nodes(); ++node)
             for (int32_t k = 0; k < 4; ++k) b2a.setNode(node, k, kInk[k]);
-        IccFile{.luts = {{sig("A2B0"), &a2b}}}.write(folder.path("source.icc"));
-        IccFile{.luts = {{sig("B2A0"), &b2a}}}.write(folder.path("printer.icc"));
+        IccFile{.luts = {{signature("A2B0"), &a2b}}}.write(folder.path("source.icc"));
+        IccFile{.luts = {{signature("B2A0"), &b2a}}}.write(folder.path("printer.icc"));
         setPath(settings.sourcePath, folder.path("source.icc"));
         setPath(settings.destinationPath, folder.path("printer.icc"));
     }
@@ -339,17 +339,17 @@ TEST(CmykCombination, ReadsPathsThatFillTheirFieldWithoutTerminator) {
 TEST(CmykCombination, NeedsCmykProfilesWithAKnownSourceConnectionSpace) {
     ConstantPair pair;
     const auto combines = [&](IccFile source, IccFile destination) {
-        source.luts = {{sig("A2B0"), &pair.a2b}};
-        destination.luts = {{sig("B2A0"), &pair.b2a}};
+        source.luts = {{signature("A2B0"), &pair.a2b}};
+        destination.luts = {{signature("B2A0"), &pair.b2a}};
         source.write(pair.folder.path("source.icc"));
         destination.write(pair.folder.path("printer.icc"));
         return combine(pair.settings) != nullptr;
     };
-    EXPECT_FALSE(combines({.space = sig("RGB ")}, {}));
-    EXPECT_FALSE(combines({}, {.space = sig("RGB ")}));
-    EXPECT_FALSE(combines({.connection = sig("CMYK")}, {}));
-    EXPECT_TRUE(combines({.connection = sig("XYZ ")}, {.connection = sig("XYZ ")}));
-    EXPECT_TRUE(combines({}, {.connection = sig("CMYK")})) << "the destination's goes untested";
+    EXPECT_FALSE(combines({.space = signature("RGB ")}, {}));
+    EXPECT_FALSE(combines({}, {.space = signature("RGB ")}));
+    EXPECT_FALSE(combines({.connection = signature("CMYK")}, {}));
+    EXPECT_TRUE(combines({.connection = signature("XYZ ")}, {.connection = signature("XYZ ")}));
+    EXPECT_TRUE(combines({}, {.connection = signature("CMYK")})) << "the destination's goes untested";
 }
 
 TEST(CmykCombination, ChoosesTablesByTheIntent) {
@@ -358,8 +358,8 @@ TEST(CmykCombination, ChoosesTablesByTheIntent) {
         MadeLut b2a({3, 4, 2, 1});
         b2a.identityCurves();
         for (size_t node = 0; node < b2a.nodes(); ++node) b2a.setNode(node, 0, 50 + intent);
-        const uint32_t a2bTag = sig("A2B0") + static_cast<uint32_t>(intent);
-        const uint32_t b2aTag = sig("B2A0") + static_cast<uint32_t>(intent);
+        const uint32_t a2bTag = signature("A2B0") + static_cast<uint32_t>(intent);
+        const uint32_t b2aTag = signature("B2A0") + static_cast<uint32_t>(intent);
         IccFile{.luts = {{a2bTag, &pair.a2b}}}.write(pair.folder.path("source.icc"));
         IccFile{.luts = {{b2aTag, &b2a}}}.write(pair.folder.path("printer.icc"));
         for (int32_t wanted = 0; wanted < 3; ++wanted) {
@@ -385,9 +385,9 @@ TEST(CmykCombination, GivesTheDefaultGridWhenATableCannotBeSetUp) {
     // One grid point is a shape that loads but has no cells.
     MadeLut flatSource({4, 3, 1, 1}), flatPrinter({3, 4, 1, 1});
     for (const bool sourceFails : {true, false}) {
-        IccFile{.luts = {{sig("A2B0"), sourceFails ? &flatSource : &pair.a2b}}}.write(
+        IccFile{.luts = {{signature("A2B0"), sourceFails ? &flatSource : &pair.a2b}}}.write(
             pair.folder.path("source.icc"));
-        IccFile{.luts = {{sig("B2A0"), sourceFails ? &pair.b2a : &flatPrinter}}}.write(
+        IccFile{.luts = {{signature("B2A0"), sourceFails ? &pair.b2a : &flatPrinter}}}.write(
             pair.folder.path("printer.icc"));
         const Combined result = combine(pair.settings);
         ASSERT_TRUE(result);

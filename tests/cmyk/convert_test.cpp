@@ -6,16 +6,13 @@
 #include <memory>
 #include <random>
 
-#include "kolink.h"
+#include "tests/support/owned.h"
 
 using testing::ElementsAre;
 
 namespace {
 
-struct Release {
-    void operator()(CmykProfile* profile) const { jKoCmykReleaseProfile(profile); }
-};
-using Profile = std::unique_ptr<CmykProfile, Release>;
+using Profile = ko::test::OwnedCmykProfile;
 using Colour = std::array<int32_t, 4>;
 
 Profile make() { return Profile(jKoCmykCreateProfile()); }

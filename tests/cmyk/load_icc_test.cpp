@@ -18,7 +18,7 @@ struct CmykIcc : testing::Test {
         writeFile(folder.path("p.icc"), bytes);
         return jKoCmykLoadProfile(profile.get(), folder.path("p.icc").c_str());
     }
-    int32_t load(const std::vector<Element>& elements) { return load(iccFile(elements)); }
+    int32_t load(const std::vector<Tag>& elements) { return load(iccFile(elements)); }
     std::vector<int> flags(int curve) {
         return {profile->curveFlags[curve], profile->curveFlags[curve] + 65};
     }
@@ -43,7 +43,7 @@ std::vector<int> slotsOf(int count, const std::function<int(int)>& entry) {
 
 TEST_F(CmykIcc, MarkedDescriptionGivesNameAndFlags) {
     std::ranges::fill(profile->curveFlags[0], uint8_t{0});
-    ASSERT_EQ(load({{"desc", descElement("_KOLINK_10J\nNAME: Test\nCTRL: 10001")}}), 1);
+    ASSERT_EQ(load({{"desc", descriptionElement("_KOLINK_10J\nNAME: Test\nCTRL: 10001")}}), 1);
     EXPECT_STREQ(profile->name, "Test");
     std::vector<int> expected(65, 0);
     expected[0] = expected[4] = expected[5] = 1;
@@ -51,12 +51,12 @@ TEST_F(CmykIcc, MarkedDescriptionGivesNameAndFlags) {
 }
 
 TEST_F(CmykIcc, SiblingMarkerIsKnownToo) {
-    ASSERT_EQ(load({{"desc", descElement("_NQCMS_IJP10J\nNAME: Sibling\n")}}), 1);
+    ASSERT_EQ(load({{"desc", descriptionElement("_NQCMS_IJP10J\nNAME: Sibling\n")}}), 1);
     EXPECT_STREQ(profile->name, "Sibling");
 }
 
 TEST_F(CmykIcc, MarkerIsComparedOverItsLengthOnly) {
-    ASSERT_EQ(load({{"desc", descElement("_KOLINK_10J and more\nNAME: Longer\n")}}), 1);
+    ASSERT_EQ(load({{"desc", descriptionElement("_KOLINK_10J and more\nNAME: Longer\n")}}), 1);
     EXPECT_STREQ(profile->name, "Longer");
 }
 
@@ -66,17 +66,17 @@ TEST_F(CmykIcc, DescriptionWithoutMarkerKeepsNameFlagsAndComment) {
     const auto before = flags(0);
     std::string text = " _KOLINK_10J\nNAME: Test\nCTRL: 10001\n";
     for (int line = 0; line < 4; ++line) text += "CTL2: 1\n";
-    ASSERT_EQ(load({{"desc", descElement(text + "comment")}}), 1);
+    ASSERT_EQ(load({{"desc", descriptionElement(text + "comment")}}), 1);
     EXPECT_STREQ(profile->name, "kept");
     EXPECT_STREQ(profile->comment, "kept too");
     EXPECT_EQ(flags(0), before);
 }
 
 TEST_F(CmykIcc, FirstDescriptionThatLoadsCounts) {
-    Bytes broken = descElement("_KOLINK_10J\nNAME: Broken\n");
+    Bytes broken = descriptionElement("_KOLINK_10J\nNAME: Broken\n");
     broken[0] = 'x';
-    ASSERT_EQ(load({{"desc", descElement("_KOLINK_10J\nNAME: First\n")},
-                    {"desc", descElement("_KOLINK_10J\nNAME: Second\n")}}), 1);
+    ASSERT_EQ(load({{"desc", descriptionElement("_KOLINK_10J\nNAME: First\n")},
+                    {"desc", descriptionElement("_KOLINK_10J\nNAME: Second\n")}}), 1);
     EXPECT_STREQ(profile->name, "First");
     ASSERT_EQ(load({{"desc", broken}}), 1);
     EXPECT_STREQ(profile->name, "First");
@@ -84,7 +84,7 @@ TEST_F(CmykIcc, FirstDescriptionThatLoadsCounts) {
 
 TEST_F(CmykIcc, DescriptionNeverChangesCurveValues) {
     std::memset(profile->curveValues, 77, sizeof profile->curveValues);
-    ASSERT_EQ(load({{"desc", descElement("_KOLINK_10J\nNAME: n\nCTRL: 111\n")}}), 1);
+    ASSERT_EQ(load({{"desc", descriptionElement("_KOLINK_10J\nNAME: n\nCTRL: 111\n")}}), 1);
     EXPECT_EQ(profile->curveValues[0][1], 77);
 }
 
@@ -340,8 +340,8 @@ TEST_F(CmykIcc, GridOfAClaimThatNoFileHoldsIsNotLoaded) {
 }
 
 TEST_F(CmykIcc, ManyDirectoryEntriesForOneTableAreLoadedInNoTime) {
-    std::vector<Element> elements(2000, {"A2B0", {}});
-    elements[0].bytes = smallLut8();
+    std::vector<Tag> elements(2000, {"A2B0", {}});
+    elements[0].element = smallLut8();
     ASSERT_EQ(load(elements), 1);
     EXPECT_EQ(profile->grid[nodeAt(32, 32, 32, 32)], 0xFFFFFFFFu);
 }

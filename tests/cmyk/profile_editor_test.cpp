@@ -24,7 +24,7 @@ struct Editing {
 
 test::OwnedProfile loaded(const std::string& path) {
     test::OwnedProfile profile(createProfile().release());
-    EXPECT_EQ(loadProfile(*profile, path.c_str()), 1) << path;
+    EXPECT_TRUE(loadProfile(*profile, path.c_str())) << path;
     return profile;
 }
 

@@ -25,7 +25,7 @@ struct CmykDamage : testing::Test {
         std::string text = "_KOLINK_10J\nNAME: Test\n";
         for (int line = 0; line < 4; ++line) text += "CTRL: 10001\n";
         for (int line = 0; line < 4; ++line) text += "CTL2: 10001\n";
-        return descElement(text + "comment\nmore");
+        return descriptionElement(text + "comment\nmore");
     }
 };
 

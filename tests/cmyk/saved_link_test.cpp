@@ -7,14 +7,11 @@
 #include <random>
 #include <vector>
 
-#include "kolink.h"
+#include "tests/support/owned.h"
 
 namespace {
 
-struct Release {
-    void operator()(CmykProfile* profile) const { jKoCmykReleaseProfile(profile); }
-};
-using Profile = std::unique_ptr<CmykProfile, Release>;
+using Profile = ko::test::OwnedCmykProfile;
 
 constexpr int32_t kPixels = 3000;  // more than two portions, and a part of one
 

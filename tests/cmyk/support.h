@@ -1,23 +1,20 @@
 // Profiles and files for the tests of CMYK profiles: owners, levels, and ICC files in bytes.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "kolink.h"
 #include "tests/support/files.h"
+#include "tests/support/profiles.h"
 
 namespace ko::test {
 
 // Where the profile comes from says which of the two programs it is: the exported functions or
 // the engine behind them. Both free with jMemFree.
-struct ProfileRelease {
-    void operator()(CmykProfile* profile) const { jMemFree(profile); }
-};
-using OwnedProfile = std::unique_ptr<CmykProfile, ProfileRelease>;
+using OwnedProfile = Owned<CmykProfile, jMemFree>;
 
 inline uint32_t gridLevel(uint32_t index) { return index == 32 ? 255 : 8 * index; }
 inline uint32_t curveLevelOf(int point) { return point == 64 ? 255u : 4u * static_cast<uint32_t>(point); }
@@ -47,38 +44,11 @@ inline Bytes amtFile(std::string_view name, std::string_view comment, const std:
     return tableFile(256, 64, name, comment, words);
 }
 
-// ICC files: a header, a directory and elements, big-endian.
-struct Element {
-    const char* signature;
-    Bytes bytes;
-};
-inline Bytes iccFile(const std::vector<Element>& elements) {
-    Bytes bytes(128, 0);
-    const std::string magic = "acsp";
-    std::copy(magic.begin(), magic.end(), bytes.begin() + 36);
-    append32(bytes, static_cast<uint32_t>(elements.size()));
-    auto offset = static_cast<uint32_t>(132 + 12 * elements.size());
-    for (const Element& element : elements) {
-        append(bytes, element.signature);
-        append32(bytes, offset);
-        append32(bytes, static_cast<uint32_t>(element.bytes.size()));
-        offset += static_cast<uint32_t>((element.bytes.size() + 3) / 4 * 4);
-    }
-    for (const Element& element : elements) {
-        bytes.insert(bytes.end(), element.bytes.begin(), element.bytes.end());
-        bytes.resize((bytes.size() + 3) / 4 * 4);
-    }
-    put32(bytes, 0, static_cast<uint32_t>(bytes.size()));
-    return bytes;
-}
-
-inline Bytes descElement(std::string_view text) {
-    Bytes bytes;
-    append(bytes, std::string_view("desc\0\0\0\0", 8));
-    append32(bytes, static_cast<uint32_t>(text.size() + 1));
-    append(bytes, text);
-    bytes.resize(bytes.size() + 1 + 78);
-    return bytes;
+// An ICC file whose header says nothing but what it is.
+inline Bytes iccFile(const std::vector<Tag>& tags) {
+    Bytes header(128);
+    std::ranges::copy(std::string_view("acsp"), header.begin() + 36);
+    return profileBytes(tags, header);
 }
 
 // The beginning of a LUT element, up to where the input tables start.
@@ -99,14 +69,7 @@ inline void appendRamp8(Bytes& bytes) {
 }
 
 // A 2-point 8-bit LUT from CMYK to CMYK: identity curves, and a grid that passes every ink on.
-inline Bytes smallLut8() {
-    Bytes bytes = lutHeader(1, 4, 4, 2);
-    for (int channel = 0; channel < 4; ++channel) appendRamp8(bytes);
-    for (int node = 0; node < 16; ++node)
-        for (int bit = 3; bit >= 0; --bit) bytes.push_back((node >> bit & 1) ? 255 : 0);
-    for (int channel = 0; channel < 4; ++channel) appendRamp8(bytes);
-    return bytes;
-}
+inline Bytes smallLut8() { return LutElement{.inputs = 4, .outputs = 4, .gridPoints = 2}.bytes(); }
 
 // The same in 16 bits; entries(channel, e) makes the input tables, output tables are ramps.
 template <class Entries>

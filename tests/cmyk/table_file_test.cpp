@@ -6,7 +6,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "tests/cmyk/table_support.h"
+#include "tests/support/files.h"
+#include "tests/support/owned.h"
 
 namespace ko::test {
 namespace {

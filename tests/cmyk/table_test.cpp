@@ -7,7 +7,8 @@
 #include <cstring>
 #include <thread>
 
-#include "tests/cmyk/table_support.h"
+#include "tests/support/files.h"
+#include "tests/support/owned.h"
 
 namespace ko::test {
 namespace {
@@ -240,7 +241,7 @@ TEST(RgbTableRow, GivesTheBitsOfTheOneColourFunction) {
 }
 
 TEST(CmykProfileRow, GivesTheBitsOfTheOneColourFunction) {
-    const OwnedProfile profile(jKoCmykCreateProfile());
+    const OwnedCmykProfile profile(jKoCmykCreateProfile());
     randomise(profile->grid, KOLINK_CMYK_NODES, 9);
     auto levels = randomLevels(4 * 200000, 10);
     for (size_t at = 0; at < levels.size(); at += 7) levels[at] |= 0xf8;
@@ -271,7 +272,7 @@ TEST(CmykTableRow, WritesNothingBehindTheLastPixel) {
 }
 
 TEST(CmykTableRow, FewerThanOnePixelDoesNothing) {
-    const OwnedProfile profile(jKoCmykCreateProfile());
+    const OwnedCmykProfile profile(jKoCmykCreateProfile());
     const auto cmyk = newCmykLut();
     const auto rgb = newRgbLut();
     for (const int32_t pixels : {0, -1, INT32_MIN}) {
@@ -285,7 +286,7 @@ TEST(CmykTableRow, FewerThanOnePixelDoesNothing) {
 TEST(CmykTableRow, SeveralThreadsMayUseOneTable) {
     const auto cmyk = newCmykLut();
     const auto rgb = newRgbLut();
-    const OwnedProfile profile(jKoCmykCreateProfile());
+    const OwnedCmykProfile profile(jKoCmykCreateProfile());
     randomise(cmyk->nodes, KOLINK_CMYK_LUT_NODES, 11);
     randomise(rgb->nodes, KOLINK_RGB_LUT_NODES, 12);
     const auto levels = randomLevels(4 * 3000, 13);

@@ -13,11 +13,11 @@
 #include <random>
 
 #include "cmyk/dialog/colour_place.h"
-#include "kolink.h"
 #include "tests/cmyk/correction_reference.h"
 #include "tests/dialog/layout.h"
 #include "tests/dialog/language.h"
 #include "tests/dialog/lifetime.h"
+#include "tests/support/owned.h"
 
 using namespace ko::test;
 using ko::cmyk::levelsAt;
@@ -35,10 +35,7 @@ constexpr int kSurfaces[] = {IDC_CUBE_AREA,      IDC_CUBE_SATURATION_BAR, IDC_CU
                              IDC_CUBE_LIGHTNESS, IDC_CUBE_LIGHTNESS_BAR,  IDC_CUBE_BLACK,
                              IDC_CUBE_BLACK_BAR};
 
-struct Release {
-    void operator()(CmykProfile* profile) const { jKoCmykReleaseProfile(profile); }
-};
-using Profile = std::unique_ptr<CmykProfile, Release>;
+using Profile = OwnedCmykProfile;
 
 // Opens the tab of the page; the page as a window of its own.
 DialogWindow correctionPage(const DialogWindow& dialog) {

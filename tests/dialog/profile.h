@@ -4,16 +4,13 @@
 #include <memory>
 #include <string>
 
-#include "kolink.h"
 #include "kolink/profile_dialog.h"
 #include "tests/dialog/driver.h"
+#include "tests/support/owned.h"
 
 namespace ko::test {
 
-struct ReleaseProfile {
-    void operator()(CmykProfile* profile) const { jKoCmykReleaseProfile(profile); }
-};
-using Profile = std::unique_ptr<CmykProfile, ReleaseProfile>;
+using Profile = OwnedCmykProfile;
 
 // A link on the disk that the library has written: curves and grid with something in them.
 void writeLink(const std::string& path, const char* name = "press", const char* comment = "");

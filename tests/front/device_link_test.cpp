@@ -340,7 +340,7 @@ TEST(DeviceLinkModel, CreateWritesTheLinkThatTheSettingsStandForAndSaysSo) {
     EXPECT_EQ(making.host.lastIcon, Answers::Icon::information);
     const auto expected = cmyk::combineProfile(making.model.settings());
     const auto written = cmyk::createProfile();
-    ASSERT_EQ(cmyk::loadProfile(*written, making.output.c_str()), 1);
+    ASSERT_TRUE(cmyk::loadProfile(*written, making.output.c_str()));
     EXPECT_EQ(std::memcmp(written->grid, expected->grid, sizeof expected->grid), 0);
     EXPECT_NE(written->grid[0], 0u);  // the paper colour is in it
 }

@@ -188,15 +188,12 @@ TEST(IccColour, SurvivesWhatIsNoNumber) {
 
 // Tone curves
 
-struct BlockReleaser {
-    void operator()(void* block) const { jMemFree(block); }
-};
-std::unique_ptr<IccCurve, BlockReleaser> curveOf(const std::vector<uint16_t>& entries) {
+Owned<IccCurve, jMemFree> curveOf(const std::vector<uint16_t>& entries) {
     std::vector<uint16_t> words = {static_cast<uint16_t>(entries.size()), 0};
     words.insert(words.end(), entries.begin(), entries.end());
     words.push_back(0);  // room for the record's one entry
     words.push_back(0);
-    return std::unique_ptr<IccCurve, BlockReleaser>(
+    return Owned<IccCurve, jMemFree>(
         static_cast<IccCurve*>(hostBlock(words.data(), words.size() * 2)));
 }
 int32_t through(const std::vector<uint16_t>& entries, int32_t value) {

@@ -19,7 +19,7 @@ struct LutSpec {
 
 class MadeLut {
 public:
-    using Close = int32_t (*)(IccLut*);
+    using Close = std::function<void(IccLut*)>;
     // close: tests of the engine pass its own
     explicit MadeLut(const LutSpec& spec, Close close = jIccLutClose) : spec_(spec), close_(close) {
         nodes_ = 1;

@@ -8,9 +8,10 @@
 #include <thread>
 #include <vector>
 
-#include "kolink.h"
+#include "tests/support/owned.h"
 
 namespace {
+using namespace ko::test;
 
 constexpr int kThreads = 4;
 constexpr int32_t kPixels = 5000;
@@ -43,15 +44,8 @@ void expectSameFromSeveralThreads(const std::function<void(const uint8_t*, int32
     EXPECT_NE(alone[0], alone[1]);
 }
 
-template <class Record, int32_t (*release)(Record*)>
-struct Releaser {
-    void operator()(Record* record) const { release(record); }
-};
-
-using Link = std::unique_ptr<LinkProfile, Releaser<LinkProfile, jKoLinkReleaseProfile>>;
-
-Link randomLink(int32_t channels) {
-    Link link(jKoLinkCreateProfile(channels, 17));
+OwnedLink randomLink(int32_t channels) {
+    OwnedLink link(jKoLinkCreateProfile(channels, 17));
     std::mt19937 random(5);
     const size_t values = (channels == 3 ? 17u * 17 * 17 : 17u * 17 * 17 * 17) * 4;
     for (size_t at = 0; at < values; ++at) link->grid[at] = static_cast<uint16_t>(random() % 4096);
@@ -59,27 +53,27 @@ Link randomLink(int32_t channels) {
 }
 
 TEST(RowsFromSeveralThreads, OfARgbLink) {
-    const Link link = randomLink(3);
+    const OwnedLink link = randomLink(3);
     expectSameFromSeveralThreads<uint16_t>([&](auto in, auto count, auto out) { jKoLinkCOLtoCMYK16Row(link.get(), in, count, out); });
 }
 
 TEST(RowsFromSeveralThreads, OfACmykLink) {
-    const Link link = randomLink(4);
+    const OwnedLink link = randomLink(4);
     expectSameFromSeveralThreads<uint16_t>([&](auto in, auto count, auto out) { jKoLinkCOLtoCMYK16Row(link.get(), in, count, out); });
 }
 
 TEST(RowsFromSeveralThreads, OfACmykProfile) {
-    const std::unique_ptr<CmykProfile, Releaser<CmykProfile, jKoCmykReleaseProfile>> profile(jKoCmykCreateProfile());
+    const OwnedCmykProfile profile(jKoCmykCreateProfile());
     expectSameFromSeveralThreads<uint16_t>([&](auto in, auto count, auto out) { jKoCmykCMYKtoCMYK16Row(profile.get(), in, count, out); });
 }
 
 TEST(RowsFromSeveralThreads, OfACmykTable) {
-    const std::unique_ptr<CmykLut, Releaser<CmykLut, jKoCmykReleaseCmykLut>> table(jKoCmykCreateCmykLut());
+    const OwnedCmykLut table(jKoCmykCreateCmykLut());
     expectSameFromSeveralThreads<uint16_t>([&](auto in, auto count, auto out) { jKoCmykLutCMYKtoCMYK16Row(table.get(), in, count, out); });
 }
 
 TEST(RowsFromSeveralThreads, OfAnRgbTable) {
-    const std::unique_ptr<RgbLut, Releaser<RgbLut, jKoRgbReleaseRgbLut>> table(jKoRgbCreateRgbLut());
+    const OwnedRgbLut table(jKoRgbCreateRgbLut());
     expectSameFromSeveralThreads<uint16_t>([&](auto in, auto count, auto out) { jKoRgbRGBtoRGB16Row(table.get(), in, count, out); });
 }
 

@@ -6,10 +6,7 @@
 namespace {
 using namespace ko::test;
 
-struct DeviceRelease {
-    void operator()(DeviceProfile* profile) const { jKoDevsReleaseProfile(profile); }
-};
-using Device = std::unique_ptr<DeviceProfile, DeviceRelease>;
+using Device = OwnedDevice;
 
 // Every entry of every table differs from its neighbours.
 Device filled() {

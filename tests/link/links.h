@@ -7,14 +7,11 @@
 #include <random>
 #include <vector>
 
-#include "kolink/link.h"
+#include "tests/support/owned.h"
 
 namespace ko::test {
 
-struct LinkRelease {
-    void operator()(LinkProfile* link) const { jKoLinkReleaseProfile(link); }
-};
-using LinkHolder = std::unique_ptr<LinkProfile, LinkRelease>;
+using LinkHolder = OwnedLink;
 
 inline size_t gridSize(const LinkProfile& link) {
     size_t size = 4;

@@ -5,8 +5,8 @@
 #include <optional>
 #include <span>
 
-#include "kolink.h"
 #include "tests/support/files.h"
+#include "tests/support/owned.h"
 
 namespace ko::test {
 
@@ -68,10 +68,7 @@ uint16_t get16(const Bytes& bytes, size_t at);  // big-endian
 uint32_t get32(const Bytes& bytes, size_t at);
 
 // A profile from the library, released with the test.
-struct ProfileReleaser {
-    void operator()(IccProfile* profile) const { jIccRelease(profile); }
-};
-using ProfileHandle = std::unique_ptr<IccProfile, ProfileReleaser>;
+using ProfileHandle = OwnedIccProfile;
 
 // Blocks to bind, from the library's allocator.
 void* hostBlock(const void* bytes, size_t size);

@@ -5,16 +5,11 @@
 #include <memory>
 #include <vector>
 
-#include "kolink/memory.h"
-#include "kolink/tone_curve.h"
-#include "kolink/tone_file.h"
+#include "tests/support/owned.h"
 
 namespace ko::test {
 
-struct ReleaseToneCurve {
-    void operator()(ToneCurve* curve) const { jKoToneReleaseToneCurve(curve); }
-};
-using Curve = std::unique_ptr<ToneCurve, ReleaseToneCurve>;
+using Curve = OwnedToneCurve;
 
 inline Curve newCurve(int32_t channels) { return Curve(jKoToneCreateToneCurve(channels)); }
 inline int16_t& flagOf(const Curve& curve, int32_t channel, int32_t x) {
