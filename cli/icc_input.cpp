@@ -46,7 +46,9 @@ const IccTagEntry* IccInput::find(uint32_t signature) const {
 
 uint32_t IccInput::elementType(const IccTagEntry& entry) const {
     const auto bytes = file_.bytes;
-    return ByteReader(bytes.subspan(std::min<size_t>(entry.offset, bytes.size()))).u32();
+    ByteReader in(bytes.subspan(std::min<size_t>(entry.offset, bytes.size())));
+    const uint32_t type = in.u32();
+    return in.ok() ? type : 0;
 }
 
 void* IccInput::loaded(uint32_t signature) const {

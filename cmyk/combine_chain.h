@@ -23,7 +23,6 @@ public:
     void preserve(const Cmyk& node, Cmyk& cmyk) const noexcept;
 
     bool addsTint(int32_t coverage) const noexcept { return tints_ && coverage < limit_; }
-    bool finishesWhite() const noexcept { return keepsWhite_; }
     const int16_t* black() const noexcept { return black_; }
     int32_t preservation() const noexcept { return preservation_; }
     const WorkingCurves& curves() const noexcept { return curves_; }

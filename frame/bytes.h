@@ -1,5 +1,5 @@
-// Numbers in and out of byte sequences, bounds-checked. Files of this library are big-endian
-// (ICC) or little-endian (tables); the readers and writers are told which.
+// Numbers in and out of byte sequences, bounds-checked. What is written is big-endian; a reader is
+// told the order.
 #pragma once
 
 #include <cstdint>
@@ -28,7 +28,7 @@ constexpr uint32_t fourcc(const char (&text)[5]) noexcept {
 }
 static_assert(fourcc("acsp") == 0x61637370);
 
-// Reads straight down a layout. A read that does not fit gives 0 and leaves ok() false.
+// Reads straight down a layout. Where the bytes end there are zeros, and ok() is false from then on.
 class ByteReader {
 public:
     explicit ByteReader(std::span<const uint8_t> bytes,
@@ -39,21 +39,17 @@ public:
     size_t remaining() const noexcept { return rest_.size(); }
 
     uint8_t u8() noexcept {
-        const auto bytes = take(1);
-        return bytes.empty() ? 0 : bytes[0];
+        const auto byte = take(1);
+        return byte.empty() ? 0 : byte[0];
     }
     uint16_t u16() noexcept {
-        const auto bytes = take(2);
-        if (bytes.empty()) return 0;
-        const auto value = static_cast<uint16_t>(bytes[0] << 8 | bytes[1]);
+        const int high = u8();
+        const auto value = static_cast<uint16_t>(high << 8 | u8());
         return order_ == ByteOrder::bigEndian ? value : reverse16(value);
     }
     uint32_t u32() noexcept {
-        const auto bytes = take(4);
-        if (bytes.empty()) return 0;
-        const uint32_t value = static_cast<uint32_t>(bytes[0]) << 24 |
-                               static_cast<uint32_t>(bytes[1]) << 16 |
-                               static_cast<uint32_t>(bytes[2]) << 8 | bytes[3];
+        uint32_t value = 0;
+        for (int at = 0; at < 4; ++at) value = value << 8 | u8();
         return order_ == ByteOrder::bigEndian ? value : reverse32(value);
     }
     int32_t s32() noexcept { return static_cast<int32_t>(u32()); }
@@ -77,21 +73,17 @@ private:
     bool ok_ = true;
 };
 
-// Appends to a byte sequence.
+// Appends to a byte sequence, most significant byte first.
 class ByteWriter {
 public:
-    explicit ByteWriter(std::vector<uint8_t>& bytes, ByteOrder order = ByteOrder::bigEndian)
-        : bytes_(bytes), order_(order) {}
+    explicit ByteWriter(std::vector<uint8_t>& bytes) noexcept : bytes_(bytes) {}
 
-    size_t position() const noexcept { return bytes_.size(); }
     void u8(uint8_t value) { bytes_.push_back(value); }
     void u16(uint16_t value) {
-        if (order_ == ByteOrder::littleEndian) value = reverse16(value);
         u8(static_cast<uint8_t>(value >> 8));
         u8(static_cast<uint8_t>(value));
     }
     void u32(uint32_t value) {
-        if (order_ == ByteOrder::littleEndian) value = reverse32(value);
         for (int shift = 24; shift >= 0; shift -= 8) u8(static_cast<uint8_t>(value >> shift));
     }
     void s32(int32_t value) { u32(static_cast<uint32_t>(value)); }
@@ -104,7 +96,6 @@ public:
 
 private:
     std::vector<uint8_t>& bytes_;
-    ByteOrder order_;
 };
 
 }  // namespace ko

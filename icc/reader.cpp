@@ -74,14 +74,10 @@ bool readDirectory(std::span<const uint8_t> bytes, Claims claims, IccProfile& pr
     if (!tags) return false;
     ByteReader in(from(bytes, kEntriesAt), orderOf(profile));
     for (int32_t at = 0; at < count && in.remaining() > 0; ++at) {
-        uint8_t entry[kEntrySize] = {};
-        const auto held = in.take(std::min<size_t>(kEntrySize, in.remaining()));
-        std::memcpy(entry, held.data(), held.size());
-        ByteReader fields(entry, orderOf(profile));
         IccTagEntry& tag = tags.get()[at];
-        tag.signature = fields.u32();
-        tag.offset = fields.u32();
-        tag.size = fields.u32();
+        tag.signature = in.u32();
+        tag.offset = in.u32();
+        tag.size = in.u32();
     }
     profile.tags = tags.release();
     profile.tagCount = count;

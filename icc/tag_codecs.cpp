@@ -11,9 +11,7 @@ constexpr uint64_t kTypeSize = 8;  // of type signature and reserved bytes
 // Decoding
 
 uint32_t countAt(const Element& element, uint64_t at) noexcept {
-    uint8_t bytes[4];
-    element.read(at, bytes);
-    return ByteReader(bytes, element.order()).u32();
+    return element.numbersAt(at).u32();
 }
 
 constexpr size_t kPage = 4096;
@@ -47,11 +45,9 @@ std::optional<uint64_t> claimXyz(const Element& element) noexcept {
 }
 
 Block<void> decodeXyz(const Element& element) noexcept {
-    uint8_t bytes[12];
-    element.read(kTypeSize, bytes);
     Block<float> xyz = allocateBlock<float>(3 * sizeof(float));
     if (!xyz) return nullptr;
-    ByteReader in(bytes, element.order());
+    ByteReader in = element.numbersAt(kTypeSize);
     for (int at = 0; at < 3; ++at) xyz.get()[at] = IccFixedToFloat(in.s32());
     return Block<void>(xyz.release());
 }
@@ -109,9 +105,7 @@ struct LutHead {
 std::optional<LutHead> lutHeadOf(const Element& element) noexcept {
     const bool narrow = element.hasType("mft1");
     if (!narrow && !element.hasType("mft2")) return std::nullopt;
-    uint8_t bytes[52 - kTypeSize];
-    element.read(kTypeSize, bytes);
-    ByteReader in(bytes, element.order());
+    ByteReader in = element.numbersAt(kTypeSize);
     LutHead head;
     LutShape& shape = head.shape;
     shape.inputChannels = in.u8();

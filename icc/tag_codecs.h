@@ -22,13 +22,8 @@ public:
 
     uint32_t size() const noexcept { return size_; }  // as the directory has it
     bool bigEndian() const noexcept { return bigEndian_; }
-    ByteOrder order() const noexcept {
-        return bigEndian_ ? ByteOrder::bigEndian : ByteOrder::littleEndian;
-    }
     bool hasType(const char (&type)[5]) const noexcept {
-        uint8_t bytes[4];
-        read(0, bytes);
-        return std::memcmp(bytes, type, 4) == 0;
+        return ByteReader(bytes_).u32() == fourcc(type);
     }
     // What the file has of these bytes.
     std::span<const uint8_t> held(uint64_t at, uint64_t size) const noexcept {
@@ -36,11 +31,9 @@ public:
         const auto rest = bytes_.subspan(static_cast<size_t>(at));
         return rest.first(static_cast<size_t>(std::min<uint64_t>(size, rest.size())));
     }
-    void read(uint64_t at, std::span<uint8_t> buffer) const noexcept {
-        const auto found = held(at, buffer.size());
-        std::copy(found.begin(), found.end(), buffer.begin());
-        std::fill(buffer.begin() + static_cast<std::ptrdiff_t>(found.size()), buffer.end(),
-                  uint8_t{0});
+    ByteReader numbersAt(uint64_t at) const noexcept {
+        return ByteReader(held(at, UINT64_MAX),
+                          bigEndian_ ? ByteOrder::bigEndian : ByteOrder::littleEndian);
     }
 
 private:

@@ -112,8 +112,9 @@ private:
     std::span<const uint8_t> from(uint64_t at) const {
         return at <= element_.size() ? element_.subspan(static_cast<size_t>(at)) : std::span<const uint8_t>();
     }
-    uint32_t wordAt(uint64_t at) const { return ByteReader(from(at)).u32(); }
-    uint32_t shortAt(uint64_t at) const { return ByteReader(from(at)).u16(); }
+    // A number that the end cuts is 0: no fault quotes half of one.
+    uint32_t wordAt(uint64_t at) const { return fits(at, 4) ? ByteReader(from(at)).u32() : 0; }
+    uint32_t shortAt(uint64_t at) const { return fits(at, 2) ? ByteReader(from(at)).u16() : 0u; }
     uint32_t byteAt(uint64_t at) const { return ByteReader(from(at)).u8(); }
     bool fits(uint64_t at, uint64_t size) const { return at <= element_.size() && size <= element_.size() - at; }
 

@@ -31,7 +31,7 @@ bool isOneOf(uint32_t value, const uint32_t (&values)[count]) {
 }
 
 uint32_t wordAt(std::span<const uint8_t> bytes, size_t at) {
-    return at <= bytes.size() ? ByteReader(bytes.subspan(at)).u32() : 0;
+    return ByteReader(bytes.subspan(std::min(at, bytes.size()))).u32();
 }
 
 class IccCheck {

@@ -250,6 +250,13 @@ TEST(IccCheck, TellsThePlaceOfAFault) {
     EXPECT_EQ(faults[0].offset, directoryOf(profile)[1].offset + 8);
 }
 
+TEST(IccCheck, TakesANumberThatTheEndCutsForZero) {
+    const auto faults = checkIcc(displayWith("rTRC", element("curv", {1})));
+    ASSERT_EQ(faults.size(), 1u);
+    EXPECT_STREQ(faults[0].rule, "curve-size");
+    EXPECT_EQ(faults[0].text, "a curve claims 0 entries, which do not fit");
+}
+
 Bytes moved(const Bytes& profile, size_t entry, int by) {  // and the tag's bytes with it
     Bytes bytes = profile;
     bytes.resize(bytes.size() + 8);
