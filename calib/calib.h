@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "frame/block.h"
+#include "frame/path.h"
 #include "kolink/calibration.h"
 
 namespace ko::calib {
@@ -33,13 +34,12 @@ bool setToneValue(CalibCurveSet& set, int32_t channel, float x, float y) noexcep
 bool deleteToneValue(CalibCurveSet& set, int32_t channel, float x) noexcept;
 
 // The two interpolators, not clamped. 0 outside the tones and for less than two of them.
-float CalibSplineValue(std::span<const CalibTone> tones, float x) noexcept;
-float CalibLinearValue(std::span<const CalibTone> tones, float x) noexcept;
+float splineValue(std::span<const CalibTone> tones, float x) noexcept;
+float linearValue(std::span<const CalibTone> tones, float x) noexcept;
 
-[[nodiscard]] Block<CalibCurveSet> loadCurve(const char* path);
+[[nodiscard]] Block<CalibCurveSet> loadCurve(const Path& path);
 // The same from a file's text; the path is the set's.
-[[nodiscard]] Block<CalibCurveSet> readCurve(std::string_view text, const char* path);
-[[nodiscard]] Block<CalibCurveSet> CalibLoadKeyedCurve(const char* path);
+[[nodiscard]] Block<CalibCurveSet> readCurve(std::string_view text, const Path& path);
 bool saveCurve(CalibCurveSet& set, const char* path);
 
 }  // namespace ko::calib

@@ -70,8 +70,8 @@ void initCurve(CalibCurveSet& set) noexcept {
 float toneValue(const CalibCurveSet& set, int32_t channel, float x) noexcept {
     const CalibChannel* found = findChannel(const_cast<CalibCurveSet&>(set), channel);
     if (!found) return 0.0f;
-    const float y = set.ctype == 1 ? CalibSplineValue(tonesOf(*found), x)
-                                   : CalibLinearValue(tonesOf(*found), x);
+    const float y = set.ctype == 1 ? splineValue(tonesOf(*found), x)
+                                   : linearValue(tonesOf(*found), x);
     return clampedTone(y, static_cast<float>(set.limit));
 }
 

@@ -38,9 +38,7 @@ extern "C" CalibCurveSet* jKoCalibCreateCurve(int32_t channelCount, int32_t rang
 }
 
 extern "C" int32_t jKoCalibReleaseCurve(CalibCurveSet* set) {
-    if (!set) return 0;
-    jMemFree(set);
-    return 1;
+    return ko::releaseRecord(set);
 }
 
 extern "C" int32_t jKoCalibInitCurve(CalibCurveSet* set) {

@@ -81,7 +81,7 @@ float cubicAt(double a, double c1, double c2, double b, float t) noexcept {
 
 }  // namespace
 
-float CalibSplineValue(std::span<const CalibTone> tones, float x) noexcept {
+float splineValue(std::span<const CalibTone> tones, float x) noexcept {
     if (isOutside(tones, x)) return 0.0f;
     if (tones.size() == 2) return lineValue(tones[0].x, tones[0].y, tones[1].x, tones[1].y, x);
     const size_t k = findSegment(tones, x);
@@ -100,7 +100,7 @@ float CalibSplineValue(std::span<const CalibTone> tones, float x) noexcept {
     }
 }
 
-float CalibLinearValue(std::span<const CalibTone> tones, float x) noexcept {
+float linearValue(std::span<const CalibTone> tones, float x) noexcept {
     if (isOutside(tones, x)) return 0.0f;
     const size_t k = findSegment(tones, x);
     return lineValue(tones[k - 1].x, tones[k - 1].y, tones[k].x, tones[k].y, x);

@@ -57,7 +57,7 @@ struct Sizes {
 };
 
 // A set as the sizes say, without tones.
-Block<CalibCurveSet> emptySet(const Sizes& sizes, const char* path) {
+Block<CalibCurveSet> emptySet(const Sizes& sizes, const Path& path) {
     const int32_t range = sizes.range != 0 ? sizes.range : 255;
     const int32_t limit = sizes.limit != 0 ? sizes.limit : range;
     if (sizes.channelCount < 1 || sizes.channelCount > KOLINK_CALIB_MAX_CHANNELS) {
@@ -65,7 +65,8 @@ Block<CalibCurveSet> emptySet(const Sizes& sizes, const char* path) {
         return nullptr;
     }
     auto set = createCurve(sizes.channelCount, range, limit);
-    if (!set || !copyPath(set->path, path)) return nullptr;
+    if (!set) return nullptr;
+    path.copyTo(set->path);
     for (CalibChannel& channel : channelsOf(*set)) {
         std::fill(std::begin(channel.tones), std::end(channel.tones), CalibTone{0.0f, 0.0f});
         channel.toneCount = 0;
@@ -126,7 +127,7 @@ void readPlainLine(const char* line, CalibCurveSet& set) noexcept {
         readChannelLine(line, set);
 }
 
-Block<CalibCurveSet> loadPlainCurve(std::string_view text, const char* path) {
+Block<CalibCurveSet> loadPlainCurve(std::string_view text, const Path& path) {
     Sizes sizes;
     readLines(text, [&](const char* line) { readSizes(line, sizes); });
     auto set = emptySet(sizes, path);
@@ -186,8 +187,8 @@ void readChannel(KeyedReader& keys, CalibChannel& channel) {
             insertTone(channel, toneIn(Scanner(text), ","));
 }
 
-Block<CalibCurveSet> loadKeyedCurve(std::string_view text, const char* path) {
-    auto file = SettingsFile::fromText(path, text);
+Block<CalibCurveSet> loadKeyedCurve(std::string_view text, const Path& path) {
+    auto file = SettingsFile::fromText(path.c_str(), text);
     if (!file) return nullptr;
     KeyedReader keys(*file);
     keys.select(kSetDirectory);
@@ -209,17 +210,12 @@ Block<CalibCurveSet> loadKeyedCurve(std::string_view text, const char* path) {
 
 }  // namespace
 
-Block<CalibCurveSet> CalibLoadKeyedCurve(const char* path) {
-    const FileReading reading = readWhole(path, kSettingsFiles);
-    return reading ? loadKeyedCurve(reading.file.text(), path) : nullptr;
-}
-
-Block<CalibCurveSet> loadCurve(const char* path) {
+Block<CalibCurveSet> loadCurve(const Path& path) {
     const FileReading reading = readWhole(path, kCalibrationFiles);
     return reading ? readCurve(reading.file.text(), path) : nullptr;
 }
 
-Block<CalibCurveSet> readCurve(std::string_view text, const char* path) {
+Block<CalibCurveSet> readCurve(std::string_view text, const Path& path) {
     // Editors that save in UTF-8 may put their mark in front.
     const bool keyed = text.starts_with('<') || text.starts_with("\xef\xbb\xbf<");
     return keyed ? loadKeyedCurve(text, path) : loadPlainCurve(text, path);

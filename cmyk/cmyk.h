@@ -10,6 +10,7 @@
 
 #include "frame/block.h"
 #include "frame/colour_words.h"
+#include "frame/path.h"
 #include "grid/cell.h"
 #include "kolink/cmyk_profile.h"
 #include "kolink/cmyk_table.h"
@@ -20,7 +21,6 @@
 namespace ko::cmyk {
 
 constexpr int32_t kGridPoints = KOLINK_CMYK_GRID_POINTS;
-constexpr int32_t kNodes = KOLINK_CMYK_NODES;
 constexpr int32_t kCurves = 8;       // 0..3 input C, M, Y, K; 4..7 output
 constexpr int32_t kCurvePoints = 65;
 
@@ -55,11 +55,10 @@ void resetCurve(CmykProfile& profile, int32_t curve) noexcept;
 void initProfile(CmykProfile& profile) noexcept;
 [[nodiscard]] Block<CmykProfile> createProfile() noexcept;
 
-// Load and save return 1 or 0 like the exported functions of these names.
-int32_t loadProfile(CmykProfile& profile, const char* path);
-int32_t loadLutable(CmykProfile& profile, const char* path) noexcept;
-int32_t loadLutableAmatch(CmykProfile& profile, const char* path) noexcept;
-int32_t saveProfile(CmykProfile& profile, const char* path);
+bool loadProfile(CmykProfile& profile, const Path& path);
+bool loadLutable(CmykProfile& profile, const Path& path) noexcept;
+bool loadLutableAmatch(CmykProfile& profile, const Path& path) noexcept;
+bool saveProfile(CmykProfile& profile, const Path& path);
 
 // The whole chain of a settings record baked into a new grid, as the exported functions of these
 // names; null when something does not load.

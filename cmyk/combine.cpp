@@ -2,29 +2,24 @@
 #include "cmyk/cmyk.h"
 
 #include <optional>
-#include <string>
 
 #include "cmyk/combine_chain.h"
 #include "cmyk/combine_fast.h"
 #include "cmyk/combine_icc.h"
 #include "cmyk/plugin.h"
 #include "frame/bytes.h"
-#include "frame/path.h"
 #include "frame/platform.h"
 #include "frame/state.h"
-#include "frame/text.h"
 #include "tone/tone.h"
 
 namespace ko::cmyk {
 namespace {
 
-std::string pathIn(const char (&field)[KOLINK_PATH_SIZE]) { return std::string(textIn(field)); }
-
 // The base profile; without a path it is the identity.
 Block<CmykProfile> loadBase(const CmsLinkSettings& settings) {
     auto base = createProfile();
-    const std::string path = pathIn(settings.basePath);
-    if (base && !path.empty() && loadProfile(*base, path.c_str()) != 1) return nullptr;
+    const Path path(settings.basePath);
+    if (base && !path.empty() && !loadProfile(*base, path)) return nullptr;
     return base;
 }
 
@@ -42,17 +37,18 @@ BlackCurve loadBlack(const CmsLinkSettings& settings, Black kind) {
         black.loaded = black.curve != nullptr;
         return black;
     }
-    const std::string path = pathIn(settings.blackPath);
+    const Path path(settings.blackPath);
     if (path.empty()) return black;
     black.curve = tone::createToneCurve(1);
-    black.loaded = black.curve && tone::loadBkcCurve(*black.curve, path.c_str());
+    black.loaded = black.curve && tone::loadBkcCurve(*black.curve, path);
     return black;
 }
 
 }  // namespace
 
 Block<CmykProfile> combineProfile(const CmsLinkSettings& settings, Black kind) {
-    const std::string source = pathIn(settings.sourcePath);
+    const Path source(settings.sourcePath);
+    if (!source) return nullptr;
     if (hasExtension(source.c_str(), ".icc")) return combineIccProfile(settings, kind);
 
     std::optional<platform::WaitCursor> cursor;  // goes last, when the plug-in is closed
@@ -60,11 +56,11 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings, Black kind) {
     auto result = createProfile();
     const auto dcc = tone::createToneCurve(6);
     if (!base || !result || !dcc) return nullptr;
-    const std::string dccPath = pathIn(settings.destinationPath);
-    if (!dccPath.empty() && !tone::loadDccCurve(*dcc, dccPath.c_str())) return nullptr;
+    const Path dccPath(settings.destinationPath);
+    if (!dccPath.empty() && !tone::loadDccCurve(*dcc, dccPath)) return nullptr;
     std::optional<Plugin> plugin;
     if (!source.empty()) {
-        plugin = Plugin::open(processState().productFolder, source);
+        plugin = Plugin::open(processState().productFolder, source.c_str());
         if (!plugin) return nullptr;
     }
     const BlackCurve black = loadBlack(settings, kind);
@@ -91,12 +87,11 @@ Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings, Black kind
     const auto base = loadBase(settings);
     auto result = createProfile();
     if (!base || !result) return nullptr;
-    const std::string source = pathIn(settings.sourcePath);
-    const std::string destination = pathIn(settings.destinationPath);
+    const Path source(settings.sourcePath), destination(settings.destinationPath);
     std::optional<icc::OpenPair> pair;
     IccLut *sourceTable = nullptr, *destinationTable = nullptr;
     if (!source.empty() && !destination.empty()) {
-        pair = icc::openPair(source.c_str(), destination.c_str(), fourcc("CMYK"), settings.intent);
+        pair = icc::openPair(source, destination, fourcc("CMYK"), settings.intent);
         if (!pair) return nullptr;
         sourceTable = pair->sourceLut(settings.intent);
         destinationTable = pair->destinationLut(settings.intent);

@@ -10,9 +10,7 @@ static_assert(offsetof(CmykProfile, curveValues) == 824 && offsetof(CmykProfile,
 extern "C" CmykProfile* jKoCmykCreateProfile(void) { return ko::cmyk::createProfile().release(); }
 
 extern "C" int32_t jKoCmykReleaseProfile(CmykProfile* profile) {
-    if (!profile) return 0;
-    jMemFree(profile);
-    return 1;
+    return ko::releaseRecord(profile);
 }
 
 extern "C" int32_t jKoCmykInitProfile(CmykProfile* profile) {
@@ -22,21 +20,17 @@ extern "C" int32_t jKoCmykInitProfile(CmykProfile* profile) {
 }
 
 extern "C" int32_t jKoCmykLoadProfile(CmykProfile* profile, const char* path) {
-    if (!ko::isGiven(profile)) return 0;
-    return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::loadProfile(*profile, path); });
+    return ko::atFile(profile, path, ko::cmyk::loadProfile);
 }
 
 extern "C" int32_t jKoCmykLoadLutable(CmykProfile* profile, const char* path) {
-    if (!profile) return 0;
-    return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::loadLutable(*profile, path); });
+    return ko::atFile(profile, path, ko::cmyk::loadLutable);
 }
 
 extern "C" int32_t jKoCmykLoadLutableAmatch(CmykProfile* profile, const char* path) {
-    if (!profile) return 0;
-    return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::loadLutableAmatch(*profile, path); });
+    return ko::atFile(profile, path, ko::cmyk::loadLutableAmatch);
 }
 
 extern "C" int32_t jKoCmykSaveProfile(CmykProfile* profile, const char* path) {
-    if (!ko::isGiven(profile)) return 0;
-    return ko::atBoundary<int32_t>(0, [&] { return ko::cmyk::saveProfile(*profile, path); });
+    return ko::atFile(profile, path, ko::cmyk::saveProfile);
 }

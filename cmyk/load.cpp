@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "frame/file.h"
-#include "frame/path.h"
 #include "frame/text.h"
 
 namespace ko::cmyk {
@@ -30,29 +29,28 @@ void readTable(CmykProfile& profile, std::span<const uint8_t> file,
 
 namespace {
 
-int32_t loadTable(CmykProfile& profile, const char* path, const TableForm& form) noexcept {
-    char checked[KOLINK_PATH_SIZE];
-    if (!copyPath(checked, path)) return 0;
+bool loadTable(CmykProfile& profile, const Path& path, const TableForm& form) noexcept {
     const FileReading reading =
-        readWhole(checked, kTableFiles, form.headerSize + sizeof profile.grid);
-    if (!reading) return 0;
+        readWhole(path, kTableFiles, form.headerSize + sizeof profile.grid);
+    if (!reading) return false;
     readTable(profile, reading.file.bytes(), form);
-    return copyPath(profile.path, checked) ? 1 : 0;
+    path.copyTo(profile.path);
+    return true;
 }
 
 }  // namespace
 
-int32_t loadLutable(CmykProfile& profile, const char* path) noexcept {
+bool loadLutable(CmykProfile& profile, const Path& path) noexcept {
     return loadTable(profile, path, kLutForm);
 }
 
-int32_t loadLutableAmatch(CmykProfile& profile, const char* path) noexcept {
+bool loadLutableAmatch(CmykProfile& profile, const Path& path) noexcept {
     return loadTable(profile, path, kAmtForm);
 }
 
-int32_t loadProfile(CmykProfile& profile, const char* path) {
-    if (hasExtension(path, ".lut")) return loadLutable(profile, path);
-    if (hasExtension(path, ".amt")) return loadLutableAmatch(profile, path);
+bool loadProfile(CmykProfile& profile, const Path& path) {
+    if (hasExtension(path.c_str(), ".lut")) return loadLutable(profile, path);
+    if (hasExtension(path.c_str(), ".amt")) return loadLutableAmatch(profile, path);
     return loadIccProfile(profile, path);
 }
 

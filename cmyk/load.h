@@ -20,7 +20,7 @@ constexpr TableForm kAmtForm = {256, 64};
 void readTable(CmykProfile& profile, std::span<const uint8_t> file,
                const TableForm& form) noexcept;
 
-int32_t loadIccProfile(CmykProfile& profile, const char* path);
+bool loadIccProfile(CmykProfile& profile, const Path& path);
 
 // Name, control points, comment, curves and grid from the tags "desc" and "A2B0" of a profile, as
 // far as these are loaded. Throws as takeGrid does.

@@ -134,17 +134,18 @@ void takeGrid(CmykProfile& profile, IccLut& lut) {
     evaluateGrid(profile, lut);
 }
 
-int32_t loadIccProfile(CmykProfile& profile, const char* path) {
+bool loadIccProfile(CmykProfile& profile, const Path& path) {
     constexpr uint32_t kTags[] = {fourcc("desc"), fourcc("A2B0")};
     icc::ProfileFile file = icc::openProfile(path);
-    if (!file) return 0;
+    if (!file) return false;
     for (const uint32_t tag : kTags)
-        if (icc::loadTag(file, tag) == icc::TagResult::shortMemory) return 0;
+        if (icc::loadTag(file, tag) == icc::TagResult::shortMemory) return false;
     const icc::ProfilePtr source = std::move(file.profile);
     file = {};  // its bytes go before the grid is made
     const platform::WaitCursor cursor(platform::WaitCursor::Source::library);
     takeTags(profile, *source);
-    return copyPath(profile.path, path) ? 1 : 0;
+    path.copyTo(profile.path);
+    return true;
 }
 
 void takeTags(CmykProfile& profile, const IccProfile& source) {

@@ -73,23 +73,21 @@ bool fillLink(IccProfile& link, const CmykProfile& profile) {
            bindLut(link, profile);
 }
 
-int32_t saveInto(icc::ProfilePtr link, const CmykProfile& profile, const char* path) {
-    if (!link) return 1;  // kept: without memory for the object a save counts as done
+bool saveInto(icc::ProfilePtr link, const CmykProfile& profile, const Path& path) {
+    if (!link) return true;  // kept: without memory for the object a save counts as done
     // A link that lacks a tag is not written: it would replace a good one.
-    const bool complete = fillLink(*link, profile);
-    return complete && icc::saveLinkProfile(link.get(), path) == 1 ? 1 : 0;
+    return fillLink(*link, profile) && icc::saveLinkProfile(link.get(), path);
 }
 
-int32_t saveProfile(CmykProfile& profile, const char* path) {
-    char checked[KOLINK_PATH_SIZE] = {};
-    if (!copyPath(checked, path)) return 0;
+bool saveProfile(CmykProfile& profile, const Path& path) {
+    if (!path) return false;
     // Also after a failure; and nothing may fail between the saving and it.
     struct PathKeeper {
-        char (&field)[KOLINK_PATH_SIZE];
-        const char* path;
-        ~PathKeeper() { (void)copyPath(field, path); }
-    } const keeper{profile.path, checked};
-    return saveInto(icc::create(icc::kCreateLink), profile, checked);
+        CmykProfile& profile;
+        const Path& path;
+        ~PathKeeper() { path.copyTo(profile.path); }
+    } const keeper{profile, path};
+    return saveInto(icc::create(icc::kCreateLink), profile, path);
 }
 
 }  // namespace ko::cmyk

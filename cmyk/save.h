@@ -12,7 +12,7 @@ namespace ko::cmyk {
 // Gives a new link its tags; false when memory is short.
 [[nodiscard]] bool fillLink(IccProfile& link, const CmykProfile& profile);
 
-// Fills a new link and writes it. 1 when all went well, and also without a link.
-int32_t saveInto(icc::ProfilePtr link, const CmykProfile& profile, const char* path);
+// Fills a new link and writes it. True when all went well, and also without a link.
+bool saveInto(icc::ProfilePtr link, const CmykProfile& profile, const Path& path);
 
 }  // namespace ko::cmyk

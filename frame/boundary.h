@@ -6,7 +6,8 @@
 
 #include "frame/arithmetic_mode.h"
 #include "frame/exception_room.h"
-#include "frame/platform.h"
+#include "frame/path.h"
+#include "kolink/memory.h"
 
 namespace ko {
 
@@ -30,6 +31,18 @@ Result atBoundary(Result failure, Work&& work) noexcept {
 // False, with its reason, for a record that a host left out.
 inline bool isGiven(const void* record) noexcept {
     return record || platform::failFor(platform::Cause::wrongArgument);
+}
+
+// Loads a record from a file or saves it: work takes the record and the path.
+template <class Record, class Work>
+bool atFile(Record* record, const char* path, Work&& work) noexcept {
+    return isGiven(record) && atBoundary(false, [&] { return work(*record, Path(path)); });
+}
+
+// What the release functions of records in one block do; false for null.
+inline bool releaseRecord(void* record) noexcept {
+    jMemFree(record);
+    return record != nullptr;
 }
 
 }  // namespace ko

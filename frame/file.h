@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "frame/platform.h"
+#include "frame/path.h"
 
 namespace ko {
 
@@ -91,6 +91,10 @@ struct FileReading {
 // is in platform::lastError; a success leaves that as it was.
 [[nodiscard]] FileReading readWhole(const char* path, const FileKind& kind,
                                     uint64_t wanted = UINT64_MAX) noexcept;
+[[nodiscard]] inline FileReading readWhole(const Path& path, const FileKind& kind,
+                                           uint64_t wanted = UINT64_MAX) noexcept {
+    return path ? readWhole(path.c_str(), kind, wanted) : FileReading{ReadResult::notOpened, {}};
+}
 
 using platform::SaveResult;
 

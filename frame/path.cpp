@@ -1,9 +1,10 @@
 #include "frame/path.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "frame/ascii.h"
-#include "frame/platform.h"
+#include "frame/text.h"
 
 namespace ko {
 namespace {
@@ -34,6 +35,12 @@ PathSplit splitPath(std::string_view path) noexcept {
 
 }  // namespace
 
+Path::Path(const char* path) noexcept : usable_(copyPath(text_, path)) {}
+
+void Path::copyTo(char (&field)[platform::kPathSize]) const noexcept {
+    std::copy(std::begin(text_), std::end(text_), field);
+}
+
 std::string_view folderOf(std::string_view path) noexcept {
     return path.substr(0, splitPath(path).folderEnd);
 }
@@ -50,8 +57,8 @@ std::string_view extensionOf(std::string_view path) noexcept {
     return dot == name.npos ? std::string_view() : name.substr(dot);
 }
 
-bool hasExtension(const char* path, std::string_view extension) noexcept {
-    return path && sameIgnoringCase(extensionOf(path), extension);
+bool hasExtension(std::string_view path, std::string_view extension) noexcept {
+    return sameIgnoringCase(extensionOf(path), extension);
 }
 
 std::string joinPath(std::string_view folder, std::string_view name) {

@@ -14,9 +14,8 @@ extern "C" int32_t jCmsInitCms(CmsLinkSettings* settings) {
 
 extern "C" int32_t jColorSetupProfile(const char* rgbProfilePath, const char* cmykProfilePath,
                                       int32_t intent) {
-    return ko::atBoundary<int32_t>(0, [&] {
-        return ko::front::setupProfile(rgbProfilePath, cmykProfilePath, intent) ? 1 : 0;
-    });
+    return ko::atBoundary(
+        false, [&] { return ko::front::setupProfile(rgbProfilePath, cmykProfilePath, intent); });
 }
 
 extern "C" void jColorEndProfile(void) { ko::front::endProfile(); }

@@ -30,30 +30,23 @@ uint32_t signatureOf(const char* text) noexcept {
     return signature;
 }
 
-// Whether that is why the last call failed.
-bool memoryWasShort() noexcept {
-    const platform::ErrorKeeper keeper;
-    const uint32_t error = platform::lastError();
-    platform::setLastError(platform::Cause::shortMemory);
-    return platform::lastError() == error;
-}
-
 // A file whose header cannot be read is listed with every colour space. Throws std::bad_alloc where
 // that is for want of memory.
 bool passes(const std::string& path, const char* colourSpace) {
     if (!colourSpace) return true;
     const icc::ProfilePtr profile = icc::loadHeader(path.c_str());
-    if (!profile && memoryWasShort()) throw std::bad_alloc();
+    if (!profile && platform::lastErrorIs(platform::Cause::shortMemory)) throw std::bad_alloc();
     return !profile || profile->header.colourSpace == signatureOf(colourSpace);
 }
 
 }  // namespace
 
 int32_t loadIccFileList(char* list, int32_t maxCount, const char* colourSpace) {
-    char pattern[KOLINK_PATH_SIZE];
-    if (!list || maxCount < 1 || !copyPath(pattern, list)) return 0;
-    const std::string_view folder = folderOf(pattern);
-    std::vector<std::string> names = platform::filesMatching(pattern);
+    if (!list || maxCount < 1) return 0;
+    const Path pattern(list);
+    if (!pattern) return 0;
+    const std::string_view folder = folderOf(pattern.c_str());
+    std::vector<std::string> names = platform::filesMatching(pattern.c_str());
     std::sort(names.begin(), names.end(), isBefore);
     int32_t count = 0;
     for (const std::string& name : names) {

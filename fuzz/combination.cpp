@@ -36,8 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto destination = lutFrom(shape, 3, 4);
     if (!source || !destination) return 0;
     const auto bridge = static_cast<ko::icc::Bridge>(shape.between(0, 2));
-    if (ko::icc::lutSetup(source.get()) != 1) return 0;
-    if (ko::icc::lutSetup(destination.get()) == 1) {
+    if (!ko::icc::lutSetup(source.get())) return 0;
+    if (ko::icc::lutSetup(destination.get())) {
         const IccPair pair(*source, *destination, bridge);
         const NodeChain chain(settings, *base, hasBlack ? black : nullptr);
         for (const Cmyk& node : nodes) {

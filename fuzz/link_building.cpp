@@ -21,7 +21,7 @@ bool saveProfile(Shape& shape, const char* path, bool press) {
                                       {fourcc("B2A0"), fourcc("B2A1"), fourcc("B2A2")}};
     const uint32_t tag = kTags[press][shape.between(0, 2)];
     if (!ko::icc::bindBlock(*profile, tag, lutFrom(shape, 3, press ? 4 : 3))) return false;
-    return ko::icc::saveProfile(profile.get(), path) == 1;
+    return ko::icc::saveProfile(profile.get(), path);
 }
 
 }  // namespace

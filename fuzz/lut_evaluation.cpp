@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             value = static_cast<int32_t>(wild ? shape.word() : shape.word() & 0xffff);
     }
     const auto lut = lutFrom(shape, inputs, outputs);
-    if (!lut || ko::icc::lutSetup(lut.get()) != 1) return 0;
+    if (!lut || !ko::icc::lutSetup(lut.get())) return 0;
     const int32_t top = ko::icc::lutMaximum(lut->precision);
     const ko::icc::FastLut fast(*lut);
     ko::icc::FastLut::Colour quick[kColours];

@@ -12,6 +12,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             for (const TagCodec& codec : tagCodecs())
                 if (loadTag(*profile, codec.signature)) any |= (codec.writers & kProfileWriter) != 0;
         return any ? std::move(profile) : nullptr;
-    }, [](IccProfile& profile, const char* path) { return saveProfile(&profile, path) == 1; });
+    }, [](IccProfile& profile, const char* path) { return saveProfile(&profile, path); });
     return 0;
 }

@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (int32_t change = shape.byte(); change > 0; --change)
         made->grid[shape.word() % KOLINK_CMYK_NODES] = shape.word();
     const std::string path = file.with(nullptr, 0);
-    if (saveProfile(*made, path.c_str()) != 1 || loadProfile(*loaded, path.c_str()) != 1) std::abort();
+    if (!saveProfile(*made, path.c_str()) || !loadProfile(*loaded, path.c_str())) std::abort();
     if (std::strcmp(made->name, loaded->name) != 0 || std::strcmp(made->comment, loaded->comment) != 0 ||
         std::memcmp(made->curveFlags, loaded->curveFlags, sizeof made->curveFlags) != 0 ||
         std::memcmp(made->grid, loaded->grid, sizeof made->grid) != 0)

@@ -39,15 +39,15 @@ extern "C" void* jIccLoadTag(IccProfile* profile, uint32_t signature) {
 }
 
 extern "C" uint32_t jIccSaveProfile(IccProfile* profile, const char* path) {
-    return ko::atBoundary<uint32_t>(0, [&] { return ko::icc::saveProfile(profile, path); });
+    return ko::atBoundary(false, [&] { return ko::icc::saveProfile(profile, path); });
 }
 
 extern "C" uint32_t jIccSaveDeviceProfile(IccProfile* profile, const char* path) {
-    return ko::atBoundary<uint32_t>(0, [&] { return ko::icc::saveDeviceProfile(profile, path); });
+    return ko::atBoundary(false, [&] { return ko::icc::saveDeviceProfile(profile, path); });
 }
 
 extern "C" uint32_t jIccSaveLinkProfile(IccProfile* profile, const char* path) {
-    return ko::atBoundary<uint32_t>(0, [&] { return ko::icc::saveLinkProfile(profile, path); });
+    return ko::atBoundary(false, [&] { return ko::icc::saveLinkProfile(profile, path); });
 }
 
 extern "C" void jIccXYZtoLab(double* colour, const double* white) {

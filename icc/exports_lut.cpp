@@ -13,7 +13,7 @@ bool isReady(const IccLut* lut) noexcept { return lut && lut->gridPoints >= 2; }
 }  // namespace
 
 extern "C" int32_t jIccLutSetup(IccLut* lut) {
-    return ko::atBoundary<int32_t>(0, [&] { return ko::icc::lutSetup(lut); });
+    return ko::atBoundary(false, [&] { return ko::icc::lutSetup(lut); });
 }
 
 extern "C" int32_t jIccLutClose(IccLut* lut) { return ko::icc::lutClose(lut); }

@@ -21,7 +21,7 @@
 namespace ko::icc {
 
 // The profile object. A profile owns its directory and the data of its tags.
-int32_t release(IccProfile* profile) noexcept;
+bool release(IccProfile* profile) noexcept;  // false for null
 struct ProfileReleaser {
     void operator()(IccProfile* profile) const noexcept { release(profile); }
 };
@@ -32,21 +32,21 @@ constexpr uint32_t kCreatePrinter = KOLINK_ICC_PRINTER;  // class 'prtr', PCS 'L
 constexpr uint32_t kCreateOtherMaker = KOLINK_ICC_OTHER_MAKER;
 
 [[nodiscard]] ProfilePtr create(uint32_t flags) noexcept;
-int32_t bindTag(IccProfile* profile, uint32_t signature, void* data) noexcept;
-int32_t unbindTag(IccProfile* profile, uint32_t signature) noexcept;
+bool bindTag(IccProfile* profile, uint32_t signature, void* data) noexcept;
+bool unbindTag(IccProfile* profile, uint32_t signature) noexcept;
 std::span<IccTagEntry> tagsOf(const IccProfile& profile) noexcept;
 IccTagEntry* findTag(const IccProfile& profile, uint32_t signature) noexcept;  // the first one
 
 // Gives a block to the profile; false, the block freed, when memory is short.
 template <class T>
 [[nodiscard]] bool bindBlock(IccProfile& profile, uint32_t signature, Block<T> block) noexcept {
-    if (!block || bindTag(&profile, signature, block.get()) != 1) return false;
+    if (!block || !bindTag(&profile, signature, block.get())) return false;
     (void)block.release();  // the profile's now
     return true;
 }
 
 // Files. loadHeader and loadTag each read the file anew, as the exported functions of these names.
-[[nodiscard]] ProfilePtr loadHeader(const char* path);
+[[nodiscard]] ProfilePtr loadHeader(const Path& path);
 void* loadTag(IccProfile& profile, uint32_t signature);
 
 // A profile and the bytes of its file, all of one moment: what the engine itself reads. The bytes
@@ -56,7 +56,7 @@ struct ProfileFile {
     FileBytes bytes;
     explicit operator bool() const noexcept { return profile != nullptr; }
 };
-[[nodiscard]] ProfileFile openProfile(const char* path);
+[[nodiscard]] ProfileFile openProfile(const Path& path);
 enum class TagResult {
     loaded,
     absent,       // no such tag, of another type, or with a claim that cannot be believed
@@ -65,9 +65,9 @@ enum class TagResult {
 // Binds the tag of that signature; findTag has it then.
 [[nodiscard]] TagResult loadTag(ProfileFile& file, uint32_t signature) noexcept;
 
-uint32_t saveProfile(IccProfile* profile, const char* path);
-uint32_t saveDeviceProfile(IccProfile* profile, const char* path);
-uint32_t saveLinkProfile(IccProfile* profile, const char* path);
+bool saveProfile(IccProfile* profile, const Path& path);
+bool saveDeviceProfile(IccProfile* profile, const Path& path);
+bool saveLinkProfile(IccProfile* profile, const Path& path);
 // What saveLinkProfile writes; nothing when a tag cannot be written.
 [[nodiscard]] std::optional<std::vector<uint8_t>> encodeLinkProfile(const IccProfile& profile);
 

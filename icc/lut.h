@@ -33,8 +33,8 @@ inline int32_t lutEntry(const void* table, size_t index, int32_t precision) noex
 bool isSupportedLut(const IccLut& lut) noexcept;
 
 // jIccLutSetup and jIccLutClose.
-int32_t lutSetup(IccLut* lut);
-int32_t lutClose(IccLut* lut) noexcept;
+bool lutSetup(IccLut* lut);
+bool lutClose(IccLut* lut) noexcept;
 
 // The plain evaluators: the reference of every other one.
 int32_t lutColor(const IccLut& lut, int32_t* values) noexcept;

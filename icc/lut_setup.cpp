@@ -113,17 +113,17 @@ bool isSupportedLut(const IccLut& lut) noexcept {
     return entries <= kLimit;
 }
 
-int32_t lutSetup(IccLut* lut) {
-    if (!lut) return 0;
+bool lutSetup(IccLut* lut) {
+    if (!lut) return false;
     void* const held = lut->workTable;
     lut->workTable = nullptr;
     if (held && workTables.remove(held, lut)) jMemFree(held);
-    if (!isSupportedLut(*lut)) return 0;
+    if (!isSupportedLut(*lut)) return false;
 
     const int32_t rows = lutRows(lut->precision);
     const size_t slots = size_t{kLutSlots} * static_cast<size_t>(rows + 1);
     auto table = allocateBlock<int32_t>(slots * sizeof(int32_t));
-    if (!table) return 0;
+    if (!table) return false;
     std::fill_n(table.get(), slots, 0);
     fillSlots(lut->inputTables, lut->inputChannels, lut->inputEntries, lut->precision,
               table.get());
@@ -134,15 +134,15 @@ int32_t lutSetup(IccLut* lut) {
 
     workTables.add(table.get(), lut);
     lut->workTable = table.release();
-    return 1;
+    return true;
 }
 
-int32_t lutClose(IccLut* lut) noexcept {
-    if (!lut || !lut->workTable) return 0;
+bool lutClose(IccLut* lut) noexcept {
+    if (!lut || !lut->workTable) return false;
     workTables.remove(lut->workTable);
     jMemFree(lut->workTable);
     lut->workTable = nullptr;
-    return 1;
+    return true;
 }
 
 }  // namespace ko::icc

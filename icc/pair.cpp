@@ -44,7 +44,7 @@ void crossToXyz(const Crossing& crossing, std::span<int32_t, 4> values) noexcept
 
 ReadyLut::ReadyLut(IccLut& lut) {
     if (!isSupportedLut(lut)) return;
-    if (lutSetup(&lut) != 1) throw std::bad_alloc();  // nothing else keeps it from being ready
+    if (!lutSetup(&lut)) throw std::bad_alloc();  // nothing else keeps it from being ready
     lut_ = &lut;
 }
 
@@ -62,7 +62,7 @@ IccLut* OpenPair::destinationLut(int32_t intent) {
     return loadData<IccLut>(destination, kFromConnection[intent]);
 }
 
-std::optional<OpenPair> openPair(const char* source, const char* destination,
+std::optional<OpenPair> openPair(const Path& source, const Path& destination,
                                  uint32_t sourceSpace, int32_t intent) {
     OpenPair pair{openProfile(source), {}, Bridge::none};
     if (!pair.source || pair.source.profile->header.colourSpace != sourceSpace) return {};

@@ -44,11 +44,10 @@ struct OpenPair {
     IccLut* destinationLut(int32_t intent);
 };
 
-// Paths need not end within the size of a path field. Empty unless both files open, the source
-// is of that colour space over Lab or XYZ, the destination is CMYK, and the intent is one that
-// has tables. The destination's connection space goes untested: what is not the source's own is
-// taken to be the other of the two.
-[[nodiscard]] std::optional<OpenPair> openPair(const char* source, const char* destination,
+// Empty unless both files open, the source is of that colour space over Lab or XYZ, the
+// destination is CMYK, and the intent is one that has tables. The destination's connection space
+// goes untested: what is not the source's own is taken to be the other of the two.
+[[nodiscard]] std::optional<OpenPair> openPair(const Path& source, const Path& destination,
                                                uint32_t sourceSpace, int32_t intent);
 
 // The data of a tag; null when it is absent. Throws std::bad_alloc.

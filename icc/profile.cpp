@@ -36,12 +36,12 @@ ProfilePtr create(uint32_t flags) noexcept {
     return profile;
 }
 
-int32_t release(IccProfile* profile) noexcept {
-    if (!profile) return 0;
+bool release(IccProfile* profile) noexcept {
+    if (!profile) return false;
     for (const IccTagEntry& tag : tagsOf(*profile)) jMemFree(tag.data);
     jMemFree(profile->tags);
     jMemFree(profile);
-    return 1;
+    return true;
 }
 
 std::span<IccTagEntry> tagsOf(const IccProfile& profile) noexcept {
@@ -55,30 +55,30 @@ IccTagEntry* findTag(const IccProfile& profile, uint32_t signature) noexcept {
     return nullptr;
 }
 
-int32_t bindTag(IccProfile* profile, uint32_t signature, void* data) noexcept {
-    if (!profile) return 0;
+bool bindTag(IccProfile* profile, uint32_t signature, void* data) noexcept {
+    if (!profile) return false;
     if (IccTagEntry* tag = findTag(*profile, signature)) {
         if (tag->data != data) jMemFree(tag->data);
         tag->data = data;
-        return 1;
+        return true;
     }
     const std::span<IccTagEntry> old = tagsOf(*profile);
-    if (old.size() >= static_cast<size_t>(std::numeric_limits<int32_t>::max())) return 0;
+    if (old.size() >= static_cast<size_t>(std::numeric_limits<int32_t>::max())) return false;
     Block<IccTagEntry> grown =
         allocateBlock<IccTagEntry>((uint64_t{old.size()} + 1) * sizeof(IccTagEntry));
-    if (!grown) return 0;
+    if (!grown) return false;
     std::copy(old.begin(), old.end(), grown.get());
     grown.get()[old.size()] = {signature, 0, 0, data};
     jMemFree(profile->tags);
     profile->tags = grown.release();
     profile->tagCount = static_cast<int32_t>(old.size() + 1);
-    return 1;
+    return true;
 }
 
-int32_t unbindTag(IccProfile* profile, uint32_t signature) noexcept {
-    if (!profile) return 0;
+bool unbindTag(IccProfile* profile, uint32_t signature) noexcept {
+    if (!profile) return false;
     IccTagEntry* const tag = findTag(*profile, signature);
-    if (!tag) return 1;
+    if (!tag) return true;
     // The data goes first, also when the smaller table cannot be had.
     jMemFree(tag->data);
     tag->data = nullptr;
@@ -86,14 +86,14 @@ int32_t unbindTag(IccProfile* profile, uint32_t signature) noexcept {
     Block<IccTagEntry> smaller;
     if (old.size() > 1) {
         smaller = allocateBlock<IccTagEntry>((uint64_t{old.size()} - 1) * sizeof(IccTagEntry));
-        if (!smaller) return 0;
+        if (!smaller) return false;
         const auto removed = old.begin() + (tag - old.data());
         std::copy(removed + 1, old.end(), std::copy(old.begin(), removed, smaller.get()));
     }
     jMemFree(profile->tags);
     profile->tags = smaller.release();
     profile->tagCount = static_cast<int32_t>(old.size() - 1);
-    return 1;
+    return true;
 }
 
 uint64_t IccReverseBytes(void* dst, const void* src, uint32_t elementSize,

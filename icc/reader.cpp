@@ -141,13 +141,11 @@ void* bindDecoded(IccProfile& profile, uint32_t signature, Decoded decoded) noex
 
 }  // namespace
 
-ProfilePtr loadHeader(const char* path) {
-    char checkedPath[KOLINK_PATH_SIZE] = {};
-    if (!copyPath(checkedPath, path)) return nullptr;
+ProfilePtr loadHeader(const Path& path) {
     // The directories of real profiles end well before that.
     constexpr uint64_t kBeginning = uint64_t{64} << 10;
     for (uint64_t wanted = kBeginning;;) {
-        const FileReading reading = readWhole(checkedPath, kProfileFiles, wanted);
+        const FileReading reading = readWhole(path, kProfileFiles, wanted);
         if (!reading) return nullptr;
         const auto bytes = reading.file.bytes();
         ProfilePtr profile = readHeader(bytes);
@@ -160,7 +158,7 @@ ProfilePtr loadHeader(const char* path) {
         }
         const Claims claims(reading.file.fileSize(), kClaimTolerance);
         if (!readDirectory(bytes, claims, *profile)) return nullptr;
-        std::memcpy(profile->path, checkedPath, sizeof checkedPath);
+        path.copyTo(profile->path);
         return profile;
     }
 }
@@ -177,15 +175,13 @@ void* loadTag(IccProfile& profile, uint32_t signature) {
                        readTag(profile, reading.file.bytes(), signature, kClaimTolerance));
 }
 
-ProfileFile openProfile(const char* path) {
+ProfileFile openProfile(const Path& path) {
     ProfileFile opened;
-    char checkedPath[KOLINK_PATH_SIZE] = {};
-    if (!copyPath(checkedPath, path)) return opened;
-    FileReading reading = readWhole(checkedPath, kProfileFiles);
+    FileReading reading = readWhole(path, kProfileFiles);
     if (!reading) return opened;
     opened.profile = parseHeader(reading.file.bytes());
     if (!opened.profile) return opened;
-    std::memcpy(opened.profile->path, checkedPath, sizeof checkedPath);
+    path.copyTo(opened.profile->path);
     opened.bytes = std::move(reading.file);
     return opened;
 }

@@ -62,24 +62,25 @@ bool assemble(const IccProfile& profile, Writers writer, uint64_t slots, FilePar
 
 bool isCount(uint64_t slots) noexcept { return slots != 0 && slots * kSlotSize <= UINT32_MAX; }
 
-uint32_t save(IccProfile* profile, const char* path, Writers writer) {
+bool save(IccProfile* profile, const Path& path, Writers writer) {
     if (!profile) return platform::failFor(platform::Cause::wrongArgument);
-    if (!copyPath(profile->path, path)) return 0;
+    if (!path) return false;
+    path.copyTo(profile->path);
     const uint64_t slots = countSlots(*profile, writer);
     FileParts file;
     if (!isCount(slots) || !assemble(*profile, writer, slots, file))
         return platform::failFor(platform::Cause::wrongArgument);
     // A file that cannot be created counts as written: hosts have never seen a 0 for it.
-    return replaceWhole(profile->path, kProfileFiles, file.parts()) == SaveResult::failed ? 0 : 1;
+    return replaceWhole(path.c_str(), kProfileFiles, file.parts()) != SaveResult::failed;
 }
 
 }  // namespace
 
-uint32_t saveProfile(IccProfile* profile, const char* path) {
+bool saveProfile(IccProfile* profile, const Path& path) {
     return save(profile, path, kProfileWriter);
 }
 
-uint32_t saveDeviceProfile(IccProfile* profile, const char* path) {
+bool saveDeviceProfile(IccProfile* profile, const Path& path) {
     return save(profile, path, kDeviceWriter);
 }
 
@@ -93,7 +94,7 @@ std::optional<std::vector<uint8_t>> encodeLinkProfile(const IccProfile& profile)
     return bytes;
 }
 
-uint32_t saveLinkProfile(IccProfile* profile, const char* path) {
+bool saveLinkProfile(IccProfile* profile, const Path& path) {
     return save(profile, path, kLinkWriter);
 }
 

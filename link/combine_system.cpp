@@ -3,7 +3,6 @@
 
 #include "frame/file.h"
 #include "frame/platform.h"
-#include "frame/text.h"
 #include "icc/icc.h"
 #include "link/link.h"
 #include "link/system_cms.h"
@@ -12,9 +11,9 @@ namespace ko::link {
 namespace {
 
 // Null when the file is not a valid profile.
-system::ProfileHandle OpenSystemProfile(const char* path) {
+system::ProfileHandle openSystemProfile(const Path& path) {
     const FileGuard guard;
-    system::ProfileHandle profile(system::openProfile(path));
+    system::ProfileHandle profile(system::openProfile(path.c_str()));
     if (profile && !system::isValid(*profile)) profile.reset();
     return profile;
 }
@@ -22,18 +21,13 @@ system::ProfileHandle OpenSystemProfile(const char* path) {
 // The destination's colours by its header. One that cannot be opened or is none, and any other
 // space, counts as CMYK: whether a transform can be made of it is for the system to say. Empty
 // when reading failed on the way, which says nothing about the colours.
-std::optional<system::Colours> coloursOf(const char* path) {
+std::optional<system::Colours> coloursOf(const Path& path) {
     const icc::ProfilePtr profile = icc::loadHeader(path);
     if (!profile && !platform::lastErrorIs(platform::Cause::damaged) &&
         readWhole(path, kProfileFiles, 1).result != ReadResult::notOpened)
         return std::nullopt;
     return profile && profile->header.colourSpace == fourcc("RGB ") ? system::Colours::rgb
                                                                     : system::Colours::cmyk;
-}
-
-bool terminated(std::span<const char> path) noexcept {
-    const size_t length = textIn(path).size();
-    return length > 0 && length < path.size();
 }
 
 // In storage order, one colour a call.
@@ -56,13 +50,15 @@ void fillGrid(LinkProfile& link, system::Transform& transform, system::Colours i
 }
 
 Link combine(const CmsLinkSettings& settings, system::Colours inputs) {
-    if (!terminated(settings.sourcePath) || !terminated(settings.destinationPath)) return nullptr;
+    const Path sourcePath(settings.sourcePath), destinationPath(settings.destinationPath);
+    if (!sourcePath || sourcePath.empty() || !destinationPath || destinationPath.empty())
+        return nullptr;
     if (settings.intent < 0 || settings.intent > 3) return nullptr;
-    const std::optional<system::Colours> outputs = coloursOf(settings.destinationPath);
+    const std::optional<system::Colours> outputs = coloursOf(destinationPath);
     if (!outputs) return nullptr;
-    const system::ProfileHandle source = OpenSystemProfile(settings.sourcePath);
+    const system::ProfileHandle source = openSystemProfile(sourcePath);
     if (!source) return nullptr;
-    const system::ProfileHandle destination = OpenSystemProfile(settings.destinationPath);
+    const system::ProfileHandle destination = openSystemProfile(destinationPath);
     if (!destination) return nullptr;
     const system::TransformHandle transform(
         system::createTransform(*source, *destination, static_cast<uint32_t>(settings.intent)));

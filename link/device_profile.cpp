@@ -95,13 +95,12 @@ void initDeviceProfile(DeviceProfile& profile) noexcept {
     copyText(profile.name, texts::kUntitled);
 }
 
-int32_t saveDeviceProfile(DeviceProfile& profile, const char* path) {
-    char name[KOLINK_PATH_SIZE] = {};
-    if (!copyPath(name, path)) return 0;
+bool saveDeviceProfile(DeviceProfile& profile, const Path& path) {
+    if (!path) return false;
     const icc::ProfilePtr icc = icc::create(icc::kCreatePrinter);
-    if (!icc) return 1;  // hosts have always been told so
+    if (!icc) return true;  // hosts have always been told so
 
-    std::memcpy(profile.path, name, sizeof name);  // also when the writing fails
+    path.copyTo(profile.path);  // also when the writing fails
     TagBinder tags(*icc);
     tags.text(fourcc("cprt"), kCopyright);
     tags.text(fourcc("desc"), std::string(kMarker).append(textIn(profile.description)));
@@ -120,7 +119,7 @@ int32_t saveDeviceProfile(DeviceProfile& profile, const char* path) {
     bindInks(tags, fourcc("B2A1"), profile.toCmyk1);
 
     // A profile that lacks a tag is not written: it would replace a good one.
-    return tags.complete() && icc::saveDeviceProfile(icc.get(), name) == 1 ? 1 : 0;
+    return tags.complete() && icc::saveDeviceProfile(icc.get(), path);
 }
 
 }  // namespace ko::link

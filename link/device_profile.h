@@ -2,13 +2,14 @@
 #pragma once
 
 #include "frame/block.h"
+#include "frame/path.h"
 #include "kolink/device_profile.h"
 
 namespace ko::link {
 
 [[nodiscard]] Block<DeviceProfile> createDeviceProfile() noexcept;
 void initDeviceProfile(DeviceProfile& profile) noexcept;
-// jKoDevsSaveProfile, with its results.
-int32_t saveDeviceProfile(DeviceProfile& profile, const char* path);
+// True without memory for the object as well.
+bool saveDeviceProfile(DeviceProfile& profile, const Path& path);
 
 }  // namespace ko::link

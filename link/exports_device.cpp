@@ -8,9 +8,7 @@ extern "C" DeviceProfile* jKoDevsCreateProfile(void) {
 }
 
 extern "C" int32_t jKoDevsReleaseProfile(DeviceProfile* profile) {
-    if (!profile) return 0;
-    jMemFree(profile);
-    return 1;
+    return ko::releaseRecord(profile);
 }
 
 extern "C" int32_t jKoDevsInitProfile(DeviceProfile* profile) {
@@ -20,6 +18,5 @@ extern "C" int32_t jKoDevsInitProfile(DeviceProfile* profile) {
 }
 
 extern "C" int32_t jKoDevsSaveProfile(DeviceProfile* profile, const char* path) {
-    if (!ko::isGiven(profile)) return 0;
-    return ko::atBoundary<int32_t>(0, [&] { return ko::link::saveDeviceProfile(*profile, path); });
+    return ko::atFile(profile, path, ko::link::saveDeviceProfile);
 }

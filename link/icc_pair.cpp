@@ -1,7 +1,6 @@
 #include "link/icc_pair.h"
 
 #include "frame/arithmetic.h"
-#include "frame/text.h"
 #include "icc/power.h"
 
 namespace ko::link {
@@ -56,9 +55,9 @@ void MatrixSource::toXyz16(int32_t* values) const noexcept {
 }
 
 std::optional<IccPair> openPair(const CmsLinkSettings& settings, uint32_t colourSpace) {
-    if (textIn(settings.sourcePath).empty() || textIn(settings.destinationPath).empty()) return {};
-    auto open = icc::openPair(settings.sourcePath, settings.destinationPath, colourSpace,
-                              settings.intent);
+    const Path source(settings.sourcePath), destination(settings.destinationPath);
+    if (source.empty() || destination.empty()) return {};
+    auto open = icc::openPair(source, destination, colourSpace, settings.intent);
     if (!open) return {};
 
     IccPair pair;

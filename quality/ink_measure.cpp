@@ -24,7 +24,7 @@ public:
         if (!profile) return;
         lut_ = icc::decodeTag(*profile, bytes, fourcc("A2B0"));
         auto* const lut = static_cast<IccLut*>(lut_.get());
-        ready_ = lut && lut->inputChannels == 4 && lut->outputChannels == 4 && icc::lutSetup(lut) == 1;
+        ready_ = lut && lut->inputChannels == 4 && lut->outputChannels == 4 && icc::lutSetup(lut);
     }
     ~LibraryTable() {
         if (ready_) icc::lutClose(static_cast<IccLut*>(lut_.get()));

@@ -60,29 +60,29 @@ extern "C" int32_t jKoToneRGBtoCMYK16(const ToneCurve* curve, uint8_t r, uint8_t
 }
 
 extern "C" int32_t jKoToneLoadBkcCurve(ToneCurve* curve, const char* path) {
-    return ko::isGiven(curve) && ko::atBoundary(false, [&] { return ko::tone::loadBkcCurve(*curve, path); });
+    return ko::atFile(curve, path, ko::tone::loadBkcCurve);
 }
 
 extern "C" int32_t jKoToneSaveBkcCurve(ToneCurve* curve, const char* path) {
-    return ko::isGiven(curve) && ko::atBoundary(false, [&] { return ko::tone::saveBkcCurve(*curve, path); });
+    return ko::atFile(curve, path, ko::tone::saveBkcCurve);
 }
 
 extern "C" int32_t jKoToneLoadCmykToneCurve(ToneCurve* curve, const char* path) {
-    return ko::isGiven(curve) && ko::atBoundary(false, [&] { return ko::tone::loadCmykToneCurve(*curve, path); });
+    return ko::atFile(curve, path, ko::tone::loadCmykToneCurve);
 }
 
 extern "C" int32_t jKoToneSaveCmykToneCurve(ToneCurve* curve, const char* path) {
-    return ko::isGiven(curve) && ko::atBoundary(false, [&] { return ko::tone::saveCmykToneCurve(*curve, path); });
+    return ko::atFile(curve, path, ko::tone::saveCmykToneCurve);
 }
 
 extern "C" int32_t jKoToneLoadDccCurve(ToneCurve* curve, const char* path) {
-    return ko::isGiven(curve) && ko::atBoundary(false, [&] { return ko::tone::loadDccCurve(*curve, path); });
+    return ko::atFile(curve, path, ko::tone::loadDccCurve);
 }
 
 extern "C" int32_t jKoToneLoadDcc(DccSettings* settings, const char* path) {
-    return ko::isGiven(settings) && ko::atBoundary(false, [&] { return ko::tone::loadDcc(*settings, path); });
+    return ko::atFile(settings, path, ko::tone::loadDcc);
 }
 
 extern "C" int32_t jKoToneSaveDcc(DccSettings* settings, const char* path) {
-    return ko::isGiven(settings) && ko::atBoundary(false, [&] { return ko::tone::saveDcc(*settings, path); });
+    return ko::atFile(settings, path, ko::tone::saveDcc);
 }

@@ -103,18 +103,15 @@ void read(ToneCurve& curve, std::string_view text, int32_t maxValue, ReadLine&& 
 // What all loaders share: the curve is reset when the file cannot be opened, and stays as it was
 // when it cannot be read.
 template <class Read>
-bool load(ToneCurve& curve, const char* path, Read&& readText) {
-    char kept[KOLINK_PATH_SIZE];  // the path given may be the curve's own, which the reset empties
-    const bool pathFits = copyPath(kept, path);
-    const FileReading reading =
-        pathFits ? readWhole(kept, kCurveFiles) : FileReading{ReadResult::notOpened, {}};
+bool load(ToneCurve& curve, const Path& path, Read&& readText) {
+    const FileReading reading = readWhole(path, kCurveFiles);
     if (reading.result == ReadResult::failed) return false;
     if (!reading) {
         initToneCurve(curve);
         return false;
     }
     readText(reading.file.text());
-    std::copy(std::begin(kept), std::end(kept), curve.path);
+    path.copyTo(curve.path);
     return true;
 }
 
@@ -156,23 +153,23 @@ std::optional<Problem> whyNoCurveFile(int32_t channels, const char* path) {
                                    : texts::kNoDcc};
 }
 
-bool loadBkcCurve(ToneCurve& curve, const char* path) {
+bool loadBkcCurve(ToneCurve& curve, const Path& path) {
     if (!hasChannels(curve, 1)) return false;
     return load(curve, path, [&](std::string_view text) { readBkcCurve(curve, text); });
 }
 
-bool loadCmykToneCurve(ToneCurve& curve, const char* path) {
+bool loadCmykToneCurve(ToneCurve& curve, const Path& path) {
     if (!hasChannels(curve, 4)) return false;
     if (curve.channelCount > 4) return platform::failFor(platform::Cause::wrongArgument);
     return load(curve, path, [&](std::string_view text) { readCmykToneCurve(curve, text); });
 }
 
-bool loadDccCurve(ToneCurve& curve, const char* path) {
+bool loadDccCurve(ToneCurve& curve, const Path& path) {
     if (!hasChannels(curve, 6)) return false;
     return load(curve, path, [&](std::string_view text) { readDccCurve(curve, text); });
 }
 
-bool loadDcc(DccSettings& settings, const char* path) {
+bool loadDcc(DccSettings& settings, const Path& path) {
     if (!hasChannels(settings, 6)) return false;
     return load(*settings.curves, path, [&](std::string_view text) { readDcc(settings, text); });
 }

@@ -8,7 +8,7 @@
 #include <span>
 #include <string_view>
 
-#include "frame/platform.h"
+#include "frame/path.h"
 #include "frame/problem.h"
 #include "kolink/tone_curve.h"
 #include "kolink/tone_file.h"
@@ -74,17 +74,17 @@ bool rgbToCmyk16(const ToneCurve& curve, uint8_t r, uint8_t g, uint8_t b,
 // Why a file is no curve file of that many channels, though every file loads as one: nothing in it
 // is a curve.
 std::optional<Problem> whyNoCurveFile(int32_t channels, const char* path);
-bool loadBkcCurve(ToneCurve& curve, const char* path);
-bool loadCmykToneCurve(ToneCurve& curve, const char* path);
-bool loadDccCurve(ToneCurve& curve, const char* path);
-bool loadDcc(DccSettings& settings, const char* path);
+bool loadBkcCurve(ToneCurve& curve, const Path& path);
+bool loadCmykToneCurve(ToneCurve& curve, const Path& path);
+bool loadDccCurve(ToneCurve& curve, const Path& path);
+bool loadDcc(DccSettings& settings, const Path& path);
 // The same from a file's text, into curves that have the channels.
 void readBkcCurve(ToneCurve& curve, std::string_view text) noexcept;
 void readCmykToneCurve(ToneCurve& curve, std::string_view text) noexcept;
 void readDccCurve(ToneCurve& curve, std::string_view text) noexcept;
 void readDcc(DccSettings& settings, std::string_view text) noexcept;
-bool saveBkcCurve(ToneCurve& curve, const char* path);
-bool saveCmykToneCurve(ToneCurve& curve, const char* path);
-bool saveDcc(DccSettings& settings, const char* path);
+bool saveBkcCurve(ToneCurve& curve, const Path& path);
+bool saveCmykToneCurve(ToneCurve& curve, const Path& path);
+bool saveDcc(DccSettings& settings, const Path& path);
 
 }  // namespace ko::tone

@@ -38,17 +38,16 @@ void putCurves(LineWriter& lines, const ToneCurve& curve, size_t curves) {
     for (const CurveKey& key : std::span(kCurveKeys).first(curves)) putCurve(lines, curve, key);
 }
 
-bool save(ToneCurve& curve, const char* path, const LineWriter& lines) {
-    char checked[KOLINK_PATH_SIZE];
-    if (!copyPath(checked, path)) return false;
-    if (replaceWhole(checked, kCurveFiles, lines.text()) != SaveResult::written) return false;
-    std::copy(std::begin(checked), std::end(checked), curve.path);
+bool save(ToneCurve& curve, const Path& path, const LineWriter& lines) {
+    if (!path || replaceWhole(path.c_str(), kCurveFiles, lines.text()) != SaveResult::written)
+        return false;
+    path.copyTo(curve.path);
     return true;
 }
 
 }  // namespace
 
-bool saveBkcCurve(ToneCurve& curve, const char* path) {
+bool saveBkcCurve(ToneCurve& curve, const Path& path) {
     if (!hasChannels(curve, 1)) return false;
     const std::string rule(48, '-');
     LineWriter lines;
@@ -62,14 +61,14 @@ bool saveBkcCurve(ToneCurve& curve, const char* path) {
     return save(curve, path, lines);
 }
 
-bool saveCmykToneCurve(ToneCurve& curve, const char* path) {
+bool saveCmykToneCurve(ToneCurve& curve, const Path& path) {
     if (!hasChannels(curve, 4)) return false;
     LineWriter lines;
     putCurves(lines, curve, kCmykCurves);
     return save(curve, path, lines);
 }
 
-bool saveDcc(DccSettings& settings, const char* path) {
+bool saveDcc(DccSettings& settings, const Path& path) {
     if (!hasChannels(settings, 6)) return false;
     ToneCurve& curves = *settings.curves;
     LineWriter lines;

@@ -11,6 +11,6 @@
 namespace ko::calib {
 
 // Runs the dialog on the set; see kolink/calib_dialog.h.
-int32_t editCurve(HWND owner, CalibCurveSet& set);
+bool editCurve(HWND owner, CalibCurveSet& set);
 
 }  // namespace ko::calib

@@ -173,7 +173,7 @@ private:
 
 }  // namespace
 
-int32_t editCurve(HWND owner, CalibCurveSet& set) {
+bool editCurve(HWND owner, CalibCurveSet& set) {
     registerSurfaceClass();
     CalibEditor editor(set);
     return CalibDialog(editor).run(owner, wideTranslated(texts::kCalibTemplate).c_str()) == 1;

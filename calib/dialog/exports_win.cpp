@@ -5,5 +5,5 @@
 #include "frame/boundary.h"
 
 extern "C" int32_t jKoCalibEditCurveDlg(HWND owner, CalibCurveSet* set) {
-    return set ? ko::atBoundary<int32_t>(0, [&] { return ko::calib::editCurve(owner, *set); }) : 0;
+    return set && ko::atBoundary(false, [&] { return ko::calib::editCurve(owner, *set); });
 }

@@ -11,7 +11,7 @@
 namespace ko::cmyk {
 
 // Runs the dialog on the profile that path names; see kolink/profile_dialog.h.
-int32_t editProfile(HWND owner, char* path, ColourDisplay display);
+bool editProfile(HWND owner, char* path, ColourDisplay display);
 
 // What a page tells the dialog that it stands on.
 class PageFrame {

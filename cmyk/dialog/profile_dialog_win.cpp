@@ -138,10 +138,10 @@ private:
 
 }  // namespace
 
-int32_t editProfile(HWND owner, char* path, ColourDisplay display) {
-    if (!path) return 0;
+bool editProfile(HWND owner, char* path, ColourDisplay display) {
+    if (!path) return false;
     const Block<CmykProfile> profile = createProfile();
-    if (!profile) return 0;
+    if (!profile) return false;
     if (!fileNameOf(path).empty()) {
         // A profile of another kind would be overwritten by a link that prints nothing.
         const auto problem = whyNoLink(path);
@@ -152,10 +152,10 @@ int32_t editProfile(HWND owner, char* path, ColourDisplay display) {
                         missing ? wideTranslated(texts::kProfileMissing)
                                 : wideProblem(widePath(path), *problem),
                         MB_OK | MB_ICONEXCLAMATION);
-            return 0;
+            return false;
         }
     }
-    if (!copyPath(profile->path, path)) return 0;
+    if (!copyPath(profile->path, path)) return false;
     registerSurfaceClass();
     registerTabsAndSpins();
     const INT_PTR result = ProfileDialog(*profile, display).run(owner, L"PROFILEDLG");

@@ -95,7 +95,7 @@ std::string ProfileEditor::startOfSaveAs() const {
 std::optional<Problem> ProfileEditor::write(const std::string& path) {
     const std::string before(this->path());
     platform::setLastError(0);
-    const bool saved = saveProfile(profile_, path.c_str()) == 1;
+    const bool saved = saveProfile(profile_, path.c_str());
     const uint32_t error = platform::lastError();
     if (saved && error == 0) return std::nullopt;
     (void)copyPath(profile_.path, before.c_str());  // no file has the other one

@@ -180,7 +180,7 @@ bool DeviceLinkModel::create(DeviceLinkHost& host) {
         }
         const std::string output(path(LinkPath::output));
         platform::setLastError(0);
-        const bool saved = cmyk::saveProfile(*profile, output.c_str()) == 1;
+        const bool saved = cmyk::saveProfile(*profile, output.c_str());
         const uint32_t error = platform::lastError();
         if (!saved || !holds(output, *profile))
             return fail(host, {LinkPath::output, output, fileProblem(error)});

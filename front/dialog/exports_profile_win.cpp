@@ -30,5 +30,5 @@ void display(std::span<const uint32_t> cmyk, std::span<uint32_t> rgb) {
 }  // namespace
 
 extern "C" int32_t jKoCmykProfileDlg(HWND owner, char* path) {
-    return atBoundary<int32_t>(0, [&] { return cmyk::editProfile(owner, path, display); });
+    return atBoundary(false, [&] { return cmyk::editProfile(owner, path, display); });
 }

@@ -6,5 +6,5 @@ static_assert(sizeof(ProfileSelection) == 524);
 
 extern "C" int32_t jColorProfileSelectDlg(HWND owner, ProfileSelection* selection) {
     if (!selection) return 0;
-    return ko::atBoundary<int32_t>(0, [&] { return ko::front::selectProfiles(owner, *selection); });
+    return ko::atBoundary(false, [&] { return ko::front::selectProfiles(owner, *selection); });
 }

@@ -105,12 +105,12 @@ private:
 
 }  // namespace
 
-int32_t selectProfiles(HWND owner, ProfileSelection& selection) {
+bool selectProfiles(HWND owner, ProfileSelection& selection) {
     ProfileSelectionModel model(selection, processState().productFolder);
     const std::wstring name = wideTranslated(texts::kSelectionTemplate);
-    if (SelectionDialog(model).run(owner, name.c_str()) != 1) return 0;
+    if (SelectionDialog(model).run(owner, name.c_str()) != 1) return false;
     selection = model.record();
-    return 1;
+    return true;
 }
 
 }  // namespace ko::front

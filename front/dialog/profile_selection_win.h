@@ -6,7 +6,7 @@
 
 namespace ko::front {
 
-// 1 for OK, 0 otherwise; see kolink/profile_selection_dialog.h.
-int32_t selectProfiles(HWND owner, ProfileSelection& selection);
+// True for OK; see kolink/profile_selection_dialog.h.
+bool selectProfiles(HWND owner, ProfileSelection& selection);
 
 }  // namespace ko::front

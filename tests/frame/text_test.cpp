@@ -199,7 +199,7 @@ TEST(Path, ExtensionIsComparedWithoutCase) {
     EXPECT_TRUE(hasExtension("a.IcC", ".icc"));
     EXPECT_FALSE(hasExtension("a.icc2", ".icc"));
     EXPECT_FALSE(hasExtension("icc", ".icc"));
-    EXPECT_FALSE(hasExtension(nullptr, ".icc"));
+    EXPECT_FALSE(hasExtension("", ".icc"));
 }
 
 TEST(Path, ThatIsTooLongForAFieldIsRefused) {

@@ -7,13 +7,13 @@
 using namespace ko;
 
 extern "C" int32_t jKoToneBkcCurveDlg(HWND owner, char* path) {
-    return atBoundary<int32_t>(0, [&] { return tone::editFile(owner, tone::kBkcEditor, path); });
+    return atBoundary(false, [&] { return tone::editFile(owner, tone::kBkcEditor, path); });
 }
 
 extern "C" int32_t jKoToneCmykToneCurveDlg(HWND owner, char* path) {
-    return atBoundary<int32_t>(0, [&] { return tone::editFile(owner, tone::kCmykEditor, path); });
+    return atBoundary(false, [&] { return tone::editFile(owner, tone::kCmykEditor, path); });
 }
 
 extern "C" int32_t jKoToneDccDlg(HWND owner, char* path) {
-    return atBoundary<int32_t>(0, [&] { return tone::editFile(owner, tone::kDccEditor, path); });
+    return atBoundary(false, [&] { return tone::editFile(owner, tone::kDccEditor, path); });
 }

@@ -11,6 +11,6 @@
 namespace ko::tone {
 
 // Runs the dialog of that kind on the file that path names; see kolink/tone_dialog.h.
-int32_t editFile(HWND owner, const ToneEditorKind& kind, char* path);
+bool editFile(HWND owner, const ToneEditorKind& kind, char* path);
 
 }  // namespace ko::tone

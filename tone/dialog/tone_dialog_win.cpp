@@ -93,10 +93,10 @@ const wchar_t* templateOf(const ToneEditorKind& kind) {
 
 }  // namespace
 
-int32_t editFile(HWND owner, const ToneEditorKind& kind, char* path) {
-    if (!path) return 0;
+bool editFile(HWND owner, const ToneEditorKind& kind, char* path) {
+    if (!path) return false;
     const OwnedCurve curve = createToneCurve(kind.channels);
-    if (!curve) return 0;
+    if (!curve) return false;
     DccSettings settings{};
     settings.curves = curve.get();
     const bool dcc = kind.channels == 6;
@@ -111,10 +111,10 @@ int32_t editFile(HWND owner, const ToneEditorKind& kind, char* path) {
                                          {widePath(path)})
                                 : wideProblem(widePath(path), *problem),
                         MB_OK | MB_ICONEXCLAMATION);
-            return 0;
+            return false;
         }
     }
-    if (!copyPath(curve->path, path)) return 0;
+    if (!copyPath(curve->path, path)) return false;
     registerSurfaceClass();
     ToneEditor editor(kind, *curve, dcc ? &settings : nullptr);
     const INT_PTR result = ToneDialog(editor).run(owner, templateOf(kind));
