@@ -7,10 +7,10 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/table_file.h"
-#include "cmyk/cmyk.h"
-#include "cmyk/table_text.h"
 #include "frame/lines.h"
 #include "frame/text.h"
+#include "table/table.h"
+#include "table/text.h"
 
 namespace ko::cli {
 namespace {
@@ -35,8 +35,8 @@ void show(const InputFile& file, const Table& table) {
     const auto nodes = nodesOf(table);
     const bool isCmyk = table.cmyk != nullptr;
     Table plain;
-    if (isCmyk) plain.cmyk = orShortOfMemory(cmyk::createCmykLut());
-    else plain.rgb = orShortOfMemory(cmyk::createRgbLut());
+    if (isCmyk) plain.cmyk = orShortOfMemory(table::create<CmykLut>());
+    else plain.rgb = orShortOfMemory(table::create<RgbLut>());
     const auto plainNodes = nodesOf(plain);
     size_t changed = 0;
     for (size_t at = 0; at < nodes.size(); ++at) changed += nodes[at] != plainNodes[at];
@@ -71,7 +71,7 @@ void convert(const Table& table, const std::string& form, const std::string& out
         for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(word >> shift);
     // Read again, a table is binary by a byte that text does not have in its first line.
     LineReader lines(bytes);
-    if (cmyk::tableFileOf(lines) != cmyk::TableFile::binary)
+    if (table::formOf(lines) != table::FileForm::binary)
         failOn(output, "this table cannot be told from text in the binary form; keep it as text");
     writeFile(output, bytes);
 }

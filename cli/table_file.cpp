@@ -6,8 +6,8 @@
 
 #include "cli/errors.h"
 #include "cli/icc_input.h"
-#include "cmyk/cmyk.h"
-#include "cmyk/table_text.h"
+#include "table/table.h"
+#include "table/text.h"
 
 namespace ko::cli {
 namespace {
@@ -26,19 +26,19 @@ bool isWholeNumber(std::string_view text) {
 }
 
 struct Form {
-    cmyk::TableFile file = cmyk::TableFile::neither;
+    table::FileForm file = table::FileForm::neither;
     size_t numbers = 0;  // on the first data line with a digit
-    bool isText() const { return file == cmyk::TableFile::text; }
+    bool isText() const { return file == table::FileForm::text; }
 };
 
 Form formOf(const InputFile& file) {
     LineReader lines(file.text());
-    Form form{cmyk::tableFileOf(lines)};
+    Form form{table::formOf(lines)};
     if (!form.isText()) return form;
     for (std::string_view line; lines.next(line);) {
-        line = cmyk::tableLine(line);
+        line = table::countedPart(line);
         if (!hasDigit(line)) continue;
-        for (cmyk::TableNumbers numbers(line); !numbers.next().text.empty();) ++form.numbers;
+        for (table::Numbers numbers(line); !numbers.next().text.empty();) ++form.numbers;
         break;
     }
     return form;
@@ -48,12 +48,12 @@ Form formOf(const InputFile& file) {
 
 bool isTable(const InputFile& file) {
     const Form form = formOf(file);
-    return form.isText() || (form.file == cmyk::TableFile::binary && (file.size == sizeof(CmykLut) || file.size == sizeof(RgbLut)));
+    return form.isText() || (form.file == table::FileForm::binary && (file.size == sizeof(CmykLut) || file.size == sizeof(RgbLut)));
 }
 
 Table loadTable(const InputFile& file, std::optional<ColourSpace> space) {
     const Form form = formOf(file);
-    if (form.file == cmyk::TableFile::neither) failOn(file.path, "is no table: it has neither a line #begindata nor binary content");
+    if (form.file == table::FileForm::neither) failOn(file.path, "is no table: it has neither a line #begindata nor binary content");
     if (!space) {
         if (form.isText() && form.numbers == 0) failOn(file.path, "holds no line of numbers behind #begindata");
         const bool cmyk = form.isText() ? form.numbers >= 7 : file.size > sizeof(RgbLut);
@@ -67,11 +67,11 @@ Table loadTable(const InputFile& file, std::optional<ColourSpace> space) {
     table.isText = form.isText();
     bool loaded = false;
     if (*space == ColourSpace::cmyk) {
-        table.cmyk = orShortOfMemory(cmyk::createCmykLut());
-        loaded = cmyk::readCmykLut(*table.cmyk, file.text());
+        table.cmyk = orShortOfMemory(table::create<CmykLut>());
+        loaded = table::read(*table.cmyk, file.text());
     } else {
-        table.rgb = orShortOfMemory(cmyk::createRgbLut());
-        loaded = cmyk::readRgbLut(*table.rgb, file.text());
+        table.rgb = orShortOfMemory(table::create<RgbLut>());
+        loaded = table::read(*table.rgb, file.text());
     }
     if (!loaded) failOn(file.path, "cannot be loaded as a table");
     return table;
@@ -93,19 +93,19 @@ TableReport checkTableText(const InputFile& file, const Table& table) {
     for (std::string_view line; lines.next(line);) {
         ++number;
         if (!data) {
-            data = cmyk::isTableStart(line);
+            data = table::isStart(line);
             continue;
         }
         ++report.lines;
-        if (line.size() >= cmyk::kTableLineSize)
-            warn("is longer than " + std::to_string(cmyk::kTableLineSize - 1) + " bytes; the rest is not read");
-        line = cmyk::tableLine(line);
+        if (line.size() >= table::kLineSize)
+            warn("is longer than " + std::to_string(table::kLineSize - 1) + " bytes; the rest is not read");
+        line = table::countedPart(line);
         if (!hasDigit(line)) {
             warn("holds no number and sets the node of all zeros to 0");
             given.insert(0);
             continue;
         }
-        cmyk::TableNumbers numbers(line);
+        table::Numbers numbers(line);
         size_t count = 0;
         size_t node = 0;
         bool inside = true;
@@ -123,9 +123,9 @@ TableReport checkTableText(const InputFile& file, const Table& table) {
             else if (at < inputs && value != 255 && value % 16 != 0)
                 warn("level " + std::to_string(value) + " is between grid points");
             if (at >= inputs) continue;
-            const auto index = cmyk::tableIndexOf(value);
+            const auto index = table::indexOf(value);
             inside = inside && index;
-            if (index) node = node * cmyk::kTableGridPoints + *index;
+            if (index) node = node * table::kGridPoints + *index;
         }
         if (count != wanted)
             warn("has " + std::to_string(count) + " numbers instead of " + std::to_string(wanted));

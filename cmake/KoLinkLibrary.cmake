@@ -9,7 +9,7 @@ set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEP
              ${PROJECT_SOURCE_DIR}/cmake/exports.txt
              ${PROJECT_SOURCE_DIR}/cmake/exports_windows.txt)
 
-set(KO_ENGINE frame grid icc tone calib cmyk link front)
+set(KO_ENGINE frame grid icc table tone calib cmyk link front)
 set(patterns)
 set(dialog_sources)
 foreach(folder ${KO_ENGINE})

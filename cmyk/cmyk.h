@@ -1,5 +1,5 @@
-// CMYK printer profiles and colour tables: what the engine offers to the exported functions, to
-// the dialogs and to the tools.
+// CMYK printer profiles: what the engine offers to the exported functions, to the dialogs and to
+// the tools.
 #pragma once
 
 #include <array>
@@ -13,7 +13,6 @@
 #include "frame/path.h"
 #include "grid/cell.h"
 #include "kolink/cmyk_profile.h"
-#include "kolink/cmyk_table.h"
 #include "kolink/link_settings.h"
 #include "kolink/saved_link.h"
 #include "kolink/tone_curve.h"
@@ -79,37 +78,5 @@ void cmykToCmyk16Row(const CmykProfile& profile, const uint8_t* input, int32_t p
 void makeCurveTables(const CmykProfile& profile, CmykCurveTables& tables) noexcept;
 void linkCmykToCmyk16Row(const CmykProfile& profile, const CmykCurveTables& tables,
                          const uint8_t* input, int32_t pixels, uint16_t* output) noexcept;
-
-// The small tables.
-constexpr int32_t kTableGridPoints = 17;
-
-// The level of a table's grid index: 16 apart, the last cell is 15 wide.
-constexpr int32_t tableLevel(int32_t index) noexcept {
-    return grid::steppedLevel(index, kTableGridPoints);
-}
-
-void initCmykLut(CmykLut& table) noexcept;
-void initRgbLut(RgbLut& table) noexcept;
-[[nodiscard]] Block<CmykLut> createCmykLut() noexcept;
-[[nodiscard]] Block<RgbLut> createRgbLut() noexcept;
-
-// 1 or 0 like the exported functions of these names.
-int32_t loadCmykLut(CmykLut& table, const char* path);
-int32_t loadRgbLut(RgbLut& table, const char* path);
-int32_t saveCmykLut(const CmykLut& table, const char* path);
-int32_t saveRgbLut(const RgbLut& table, const char* path);
-// The same from what a file holds; false, the table as it was, when that is of neither form.
-bool readCmykLut(CmykLut& table, std::string_view file) noexcept;
-bool readRgbLut(RgbLut& table, std::string_view file) noexcept;
-
-// One colour in place: 0..255 in (clamped), 0..4080 out.
-void lutCmykToCmyk16(const CmykLut& table, int32_t* cmyk) noexcept;
-void rgbToRgb16(const RgbLut& table, int32_t* rgb) noexcept;
-
-// The same for rows of pixels, bit for bit.
-void lutCmykToCmyk16Row(const CmykLut& table, const uint8_t* input, int32_t pixels,
-                        uint16_t* output) noexcept;
-void rgbToRgb16Row(const RgbLut& table, const uint8_t* input, int32_t pixels,
-                   uint16_t* output) noexcept;
 
 }  // namespace ko::cmyk

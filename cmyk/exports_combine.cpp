@@ -3,6 +3,7 @@
 
 #include "cmyk/cmyk.h"
 #include "cmyk/convert.h"
+#include "frame/arithmetic_mode.h"
 #include "frame/boundary.h"
 
 extern "C" void jKoCmykCMYKtoCMYK16(const CmykProfile* profile, int32_t* cmyk) {
@@ -11,6 +12,12 @@ extern "C" void jKoCmykCMYKtoCMYK16(const CmykProfile* profile, int32_t* cmyk) {
     std::copy_n(cmyk, 4, values.begin());
     ko::cmyk::cmykToCmyk16(*profile, values);
     std::copy_n(values.begin(), 4, cmyk);
+}
+
+extern "C" void jKoCmykCMYKtoCMYK16Row(const CmykProfile* profile, const uint8_t* input,
+                                       int32_t pixels, uint16_t* output) {
+    const ko::ArithmeticMode arithmetic;
+    ko::cmyk::cmykToCmyk16Row(*profile, input, pixels, output);
 }
 
 extern "C" CmykProfile* jKoCmykCombineProfile(const CmsLinkSettings* settings) {

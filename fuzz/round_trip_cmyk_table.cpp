@@ -2,18 +2,18 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "cmyk/cmyk.h"
 #include "fuzz/temp_file.h"
+#include "table/table.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    using namespace ko::cmyk;
+    using namespace ko::table;
     static TempFile file;
-    static const auto first = createCmykLut(), second = createCmykLut();
+    static const auto first = create<CmykLut>(), second = create<CmykLut>();
     if (!first || !second) return 0;
     const std::string path = file.with(data, size);
-    initCmykLut(*first);  // what a file leaves out
-    if (loadCmykLut(*first, path.c_str()) != 1) return 0;
-    if (saveCmykLut(*first, path.c_str()) != 1 || loadCmykLut(*second, path.c_str()) != 1 ||
+    init(*first);  // what a file leaves out
+    if (!load(*first, path.c_str())) return 0;
+    if (!save(*first, path.c_str()) || !load(*second, path.c_str()) ||
         std::memcmp(first.get(), second.get(), sizeof *first) != 0)
         std::abort();
     return 0;

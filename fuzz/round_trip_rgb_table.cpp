@@ -2,19 +2,19 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "cmyk/cmyk.h"
 #include "fuzz/temp_file.h"
+#include "table/table.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    using namespace ko::cmyk;
+    using namespace ko::table;
     static TempFile file;
-    static const auto first = createRgbLut(), second = createRgbLut();
+    static const auto first = create<RgbLut>(), second = create<RgbLut>();
     if (!first || !second) return 0;
     const std::string path = file.with(data, size);
-    initRgbLut(*first);  // what a file leaves out
-    if (loadRgbLut(*first, path.c_str()) != 1) return 0;
+    init(*first);  // what a file leaves out
+    if (!load(*first, path.c_str())) return 0;
     for (uint32_t& node : first->nodes) node &= 0xffffff;  // the rest is in the binary form alone
-    if (saveRgbLut(*first, path.c_str()) != 1 || loadRgbLut(*second, path.c_str()) != 1 ||
+    if (!save(*first, path.c_str()) || !load(*second, path.c_str()) ||
         std::memcmp(first.get(), second.get(), sizeof *first) != 0)
         std::abort();
     return 0;

@@ -21,8 +21,8 @@
 
 #include "kolink/calibration.h"
 #include "kolink/cmyk_profile.h"
-#include "kolink/cmyk_table.h"
 #include "kolink/colour.h"
+#include "kolink/colour_table.h"
 #include "kolink/device_profile.h"
 #include "kolink/icc_colour.h"
 #include "kolink/icc_file.h"

@@ -7,12 +7,13 @@
 #include <span>
 #include <string_view>
 
-#include "cmyk/cmyk.h"
-#include "cmyk/table_text.h"
 #include "frame/ascii.h"
+#include "frame/colour_words.h"
 #include "frame/file.h"
+#include "table/table.h"
+#include "table/text.h"
 
-namespace ko::cmyk {
+namespace ko::table {
 namespace {
 
 static_assert(std::endian::native == std::endian::little);  // raw words are read as they are
@@ -34,7 +35,9 @@ struct RgbForm {
     static uint32_t pack(const int32_t* outputs) noexcept {
         return packRgb(outputs[0], outputs[1], outputs[2]);
     }
-    static uint32_t output(uint32_t word, size_t channel) noexcept { return word >> (8 * channel) & 255; }
+    static uint32_t output(uint32_t word, size_t channel) noexcept {
+        return word >> (8 * channel) & 255;
+    }
 };
 
 // Whether any of a line's bytes is one that no text holds.
@@ -47,24 +50,24 @@ bool holdsControl(std::string_view line) noexcept {
 
 }  // namespace
 
-std::string_view tableLine(std::string_view line) noexcept {
-    line = line.substr(0, kTableLineSize - 1);
+std::string_view countedPart(std::string_view line) noexcept {
+    line = line.substr(0, kLineSize - 1);
     return line.substr(0, line.find('\0'));
 }
 
-bool isTableStart(std::string_view line) noexcept {
-    return sameIgnoringCase(tableLine(line), kBeginData);
+bool isStart(std::string_view line) noexcept {
+    return sameIgnoringCase(countedPart(line), kBeginData);
 }
 
-TableFile tableFileOf(LineReader& lines) noexcept {
+FileForm formOf(LineReader& lines) noexcept {
     for (std::string_view line; lines.next(line);) {
-        if (holdsControl(line)) return TableFile::binary;
-        if (isTableStart(line)) return TableFile::text;
+        if (holdsControl(line)) return FileForm::binary;
+        if (isStart(line)) return FileForm::text;
     }
-    return TableFile::neither;
+    return FileForm::neither;
 }
 
-TableNumbers::Number TableNumbers::next() noexcept {
+Numbers::Number Numbers::next() noexcept {
     constexpr std::string_view kSeparators = "\t ,";
     const std::string_view rest = scanner_.rest();
     const int32_t value = scanner_.integer();
@@ -74,7 +77,7 @@ TableNumbers::Number TableNumbers::next() noexcept {
     return {value, text};
 }
 
-std::optional<size_t> tableIndexOf(int32_t level) noexcept {
+std::optional<size_t> indexOf(int32_t level) noexcept {
     if (level < 0 || level > 255 + 15) return std::nullopt;
     return static_cast<size_t>(level + level / 255) / 16;
 }
@@ -84,12 +87,12 @@ namespace {
 
 template <class Form>
 void takeLine(std::span<uint32_t> nodes, std::string_view line) noexcept {
-    TableNumbers numbers(line);
+    Numbers numbers(line);
     size_t node = 0;
     for (size_t axis = 0; axis < Form::kInputs; ++axis) {
-        const auto index = tableIndexOf(numbers.next().value);
+        const auto index = indexOf(numbers.next().value);
         if (!index) return;
-        node = node * kTableGridPoints + *index;
+        node = node * kGridPoints + *index;
     }
     int32_t outputs[Form::kOutputs];
     for (int32_t& output : outputs) output = numbers.next().value;
@@ -97,31 +100,31 @@ void takeLine(std::span<uint32_t> nodes, std::string_view line) noexcept {
 }
 
 template <class Form>
-bool read(std::span<uint32_t> nodes, std::string_view file) noexcept {
+bool readNodes(std::span<uint32_t> nodes, std::string_view file) noexcept {
     LineReader lines(file);
-    switch (tableFileOf(lines)) {
-        case TableFile::neither: return platform::failFor(platform::Cause::damaged);
-        case TableFile::binary:  // of a cut file, the rest stays as it was
+    switch (formOf(lines)) {
+        case FileForm::neither: return platform::failFor(platform::Cause::damaged);
+        case FileForm::binary:  // of a cut file, the rest stays as it was
             std::memcpy(nodes.data(), file.data(), std::min(file.size(), nodes.size_bytes()));
             return true;
-        case TableFile::text: break;
+        case FileForm::text: break;
     }
-    for (std::string_view line; lines.next(line);) takeLine<Form>(nodes, tableLine(line));
+    for (std::string_view line; lines.next(line);) takeLine<Form>(nodes, countedPart(line));
     return true;
 }
 
-template <class Form>
-int32_t load(std::span<uint32_t> nodes, const char* path) {
+template <class Table>
+bool loadFrom(Table& table, const char* path) {
     const FileReading reading = readWhole(path, kColourTableFiles);
-    return reading && read<Form>(nodes, reading.file.text()) ? 1 : 0;
+    return reading && read(table, reading.file.text());
 }
 
 template <class Form>
-int32_t save(std::span<const uint32_t> nodes, const char* path) {
+bool saveNodes(std::span<const uint32_t> nodes, const char* path) {
     LineWriter lines;
     lines.put(kBeginData);
     const uint32_t* node = nodes.data();
-    grid::forEachNode<Form::kInputs>(kTableGridPoints, [&](const auto& indices) {
+    grid::forEachNode<Form::kInputs>(kGridPoints, [&](const auto& indices) {
         const uint32_t word = *node++;
         char text[64];
         char* end = text;
@@ -129,24 +132,25 @@ int32_t save(std::span<const uint32_t> nodes, const char* path) {
             if (end != text) *end++ = '\t';
             end = std::to_chars(end, text + sizeof text, number).ptr;
         };
-        for (const int32_t index : indices) add(static_cast<uint32_t>(tableLevel(index)));
-        for (size_t channel = 0; channel < Form::kOutputs; ++channel) add(Form::output(word, channel));
+        for (const int32_t index : indices) add(static_cast<uint32_t>(levelOf(index)));
+        for (size_t channel = 0; channel < Form::kOutputs; ++channel)
+            add(Form::output(word, channel));
         lines.put({text, end});
     });
-    return replaceWhole(path, kColourTableFiles, lines.text()) == SaveResult::written ? 1 : 0;
+    return replaceWhole(path, kColourTableFiles, lines.text()) == SaveResult::written;
 }
 
 }  // namespace
 
-bool readCmykLut(CmykLut& table, std::string_view file) noexcept {
-    return read<CmykForm>(table.nodes, file);
+bool read(CmykLut& table, std::string_view file) noexcept {
+    return readNodes<CmykForm>(table.nodes, file);
 }
-bool readRgbLut(RgbLut& table, std::string_view file) noexcept {
-    return read<RgbForm>(table.nodes, file);
+bool read(RgbLut& table, std::string_view file) noexcept {
+    return readNodes<RgbForm>(table.nodes, file);
 }
-int32_t loadCmykLut(CmykLut& table, const char* path) { return load<CmykForm>(table.nodes, path); }
-int32_t loadRgbLut(RgbLut& table, const char* path) { return load<RgbForm>(table.nodes, path); }
-int32_t saveCmykLut(const CmykLut& table, const char* path) { return save<CmykForm>(table.nodes, path); }
-int32_t saveRgbLut(const RgbLut& table, const char* path) { return save<RgbForm>(table.nodes, path); }
+bool load(CmykLut& table, const char* path) { return loadFrom(table, path); }
+bool load(RgbLut& table, const char* path) { return loadFrom(table, path); }
+bool save(const CmykLut& table, const char* path) { return saveNodes<CmykForm>(table.nodes, path); }
+bool save(const RgbLut& table, const char* path) { return saveNodes<RgbForm>(table.nodes, path); }
 
-}  // namespace ko::cmyk
+}  // namespace ko::table

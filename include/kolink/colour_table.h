@@ -5,8 +5,8 @@
  * input levels, then outputs. The binary form is the record's words, little-endian. Table files
  * are read and written without the file guard. A table that nobody changes may be used by several
  * threads. */
-#ifndef KOLINK_CMYK_TABLE_H
-#define KOLINK_CMYK_TABLE_H
+#ifndef KOLINK_COLOUR_TABLE_H
+#define KOLINK_COLOUR_TABLE_H
 
 #include "kolink/api.h"
 
