@@ -19,6 +19,7 @@
 #include "cli/icc_input.h"
 #include "cli/link_choices.h"
 #include "cli/measured_link.h"
+#include "cli/origin.h"
 #include "cli/precise.h"
 #include "cli/system.h"
 #include "cmyk/cmyk.h"
@@ -62,7 +63,7 @@ struct Options {
     std::optional<std::string> name, comment;
     std::string output;
     GateOptions gates;
-    bool verbose = false, reports = false;
+    bool verbose = false, reports = false, leavesOutPaths = false;
 };
 
 void say(const std::string& line) { std::fputs(("kolink: " + line + "\n").c_str(), stderr); }
@@ -324,6 +325,11 @@ private:
     std::optional<MeasuredLink> link_;
 };
 
+// A whole path would make other bytes in another folder.
+bool tellsPlaces(const Options& options, std::optional<int64_t> reproducible) {
+    return !options.leavesOutPaths && !reproducible;
+}
+
 void runPrecise(const Options& options, const Texts& texts, std::optional<int64_t> date,
                 const quality::Gates& gates) {
     const auto start = std::chrono::steady_clock::now();
@@ -338,7 +344,7 @@ void runPrecise(const Options& options, const Texts& texts, std::optional<int64_
     file.size = sizeof file;
     file.editable = info.inputs == 4 && info.outputs == 4 && info.bits == 8 && info.gridPoints == cmyk::kGridPoints;
     file.date = date.value_or(now());
-    const std::string name = options.name.value_or(""), provenance = pair.provenance() +
+    const std::string name = options.name.value_or(""), provenance = pair.provenance(tellsPlaces(options, date)) +
         (options.comment && !file.editable ? "comment: " + printable(*options.comment) + '\n' : "");
     if (!name.empty()) file.name = name.c_str();
     file.editName = texts.name.c_str();
@@ -361,7 +367,7 @@ void runPrecise(const Options& options, const Texts& texts, std::optional<int64_
 }
 
 // What is said of a link that the library made.
-Finish finishOf(const Options& options) {
+Finish finishOf(const Options& options, bool withPlaces) {
     const LinkChoices& choices = options.choices;
     Finish finish;
     std::string& text = finish.provenance;
@@ -370,7 +376,9 @@ Finish finishOf(const Options& options) {
         if (!path) return;
         finish.sequence.push_back(sequenceEntry(openInput(*path)));
         line(role, finish.sequence.back().name);
-        if (!finish.sequence.back().id.empty()) line(std::string(role) + "-id", finish.sequence.back().id);
+        if (finish.sequence.back().id.empty()) return;
+        line(std::string(role) + "-id", finish.sequence.back().id);
+        text += originLines(role, *path, withPlaces);
     };
     take("base", choices.base);
     take("source", choices.source);
@@ -404,7 +412,7 @@ void runClassic(const Options& options, const Texts& texts, std::optional<int64_
     const CmykProfilePtr profile = request.combine(options.output);
     setText(profile->comment, texts.comment);
     setText(profile->name, texts.name);
-    const std::vector<uint8_t> bytes = finished(encode(*profile, date), *profile, finishOf(options));
+    const std::vector<uint8_t> bytes = finished(encode(*profile, date), *profile, finishOf(options, tellsPlaces(options, date)));
     verify(inMemory(options.output, bytes), *profile);
     const Inspection inspection(options, gates, bytes);
     writeFile(options.output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
@@ -460,6 +468,7 @@ void addLinkCommand(Command& app) {
     command.option("--comment", options->comment, "Comment kept in the link").called("TEXT");
     command.flag("--report", options->reports, "Print what the link costs, as kolink report does");
     options->gates.addFileTo(command);
+    command.flag("--no-paths", options->leavesOutPaths, "Keep the names of the profiles in the link, not their folders");
     command.flag("-v,--verbose", options->verbose, "Say on standard error how it was made and what was written");
     command.does([options] { runLink(*options); });
 }

@@ -23,10 +23,12 @@ public:
 
     const quality::LinkFacts& facts() const { return subject_->facts(); }
     void judgeBy(const JudgedBy& by, const InputFile& source, const InputFile& destination);
+    // Says which profile is missing where colours are not judged.
+    void leaveColours(Origin missing) { missing_ = std::move(missing); }
     // Fails when a gate asks for colours and nothing has been said of the profiles.
     void measure(const quality::Gates& gates);
 
-    ReportedLink reported() const { return {file_.path, *subject_, findings_, judgedBy_, gates_}; }
+    ReportedLink reported() const { return {file_.path, *subject_, findings_, judgedBy_, missing_, gates_}; }
     Json json() const { return qualityJson(reported()); }
     std::string summary() const { return qualitySummary(reported()); }
     // Says a line on standard error for each gate that does not hold.
@@ -36,6 +38,7 @@ private:
     const InputFile& file_;
     std::optional<quality::Subject> subject_;
     std::optional<JudgedBy> judgedBy_;
+    Origin missing_;
     quality::Findings findings_;
     std::vector<quality::GateResult> gates_;
 };

@@ -5,6 +5,7 @@
 
 #include "cli/classic_link.h"
 #include "cli/errors.h"
+#include "cli/origin.h"
 #include "cmyk/cmyk.h"
 #include "cmyk/description.h"
 #include "frame/bytes.h"
@@ -124,13 +125,12 @@ std::vector<std::string> PrecisePair::files() const {
     return files;
 }
 
-std::string PrecisePair::provenance() const {
-    std::string text;
+std::string PrecisePair::provenance(bool withPlaces) const {
+    std::string text = originLines("source", source_.path(), withPlaces) +
+                       originLines("destination", destination_.path(), withPlaces);
     const auto line = [&](const char* key, const std::string& value) {
         text += std::string(key) + ": " + value + '\n';
     };
-    line("source-file", fileName(source_.path()));
-    line("destination-file", fileName(destination_.path()));
     if (choices_.blackIsFile()) line("black-file", fileName(*choices_.black));
     if (base_) {
         line("base-file", fileName(base_->path()));

@@ -54,7 +54,7 @@ public:
     bool sameFile() const;
     std::vector<std::string> files() const;
     // Lines "key: value" for what the engine does not know of: files, paper, version.
-    std::string provenance() const;
+    std::string provenance(bool withPlaces) const;
 
 private:
     const LinkChoices& choices_;

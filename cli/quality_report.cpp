@@ -305,10 +305,20 @@ std::string jumpLine(const Subject& subject) {
            percents(nodes.jumpFrom, subject.facts().inputs) + " to " + percents(nodes.jumpTo, subject.facts().inputs);
 }
 
-std::string judgedLine(const std::optional<JudgedBy>& judgedBy) {
-    if (!judgedBy) return "no profiles: colours are not judged (--source, --destination)";
-    return printable(judgedBy->source) + " and " + printable(judgedBy->destination) + ", " +
-           intentName(judgedBy->intent) + (judgedBy->compensateBlack ? " with black-point compensation" : "");
+std::string missingText(const Origin& missing) {
+    switch (missing.state) {
+        case Origin::State::gone: return printable(missing.path) + " is not where it was";
+        case Origin::State::changed: return printable(missing.path) + " is not the profile that the link was made from";
+        default: return "the link does not name them";
+    }
+}
+
+std::string judgedLine(const ReportedLink& link) {
+    if (!link.judgedBy)
+        return "no profiles, colours are not judged: " + missingText(link.missing) + " (--source, --destination)";
+    const JudgedBy& by = *link.judgedBy;
+    return printable(by.source) + " and " + printable(by.destination) + ", " + intentName(by.intent) +
+           (by.compensateBlack ? " with black-point compensation" : "");
 }
 
 std::string spreadText(const Spread& of) {
@@ -346,6 +356,7 @@ Json qualityJson(const ReportedLink& link) {
     } else {
         json["judgedBy"] = nullptr;
     }
+    json["notJudged"] = link.judgedBy ? Json(nullptr) : Json(missingText(link.missing));
     const bool ink = link.subject.toInk();
     json["colour"] = link.findings.colour ? colourJson(*link.findings.colour, facts) : Json(nullptr);
     json["purity"] = purityJson(link.findings.purity);
@@ -366,7 +377,7 @@ std::string qualitySummary(const ReportedLink& link) {
     const Findings& findings = link.findings;
     const bool seen = findings.colour.has_value();
     std::string out = line("Link", printable(link.path) + ": " + fileLine(link.subject.facts()));
-    out += line("Judged by", judgedLine(link.judgedBy));
+    out += line("Judged by", judgedLine(link));
     if (seen) {
         const ColourReport& colour = *findings.colour;
         const Spread &all = colour.group("all").difference, &near = colour.group("reachable").difference;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/origin.h"
 #include "cli/report.h"
 #include "quality/quality.h"
 
@@ -23,6 +24,7 @@ struct ReportedLink {
     const quality::Subject& subject;
     const quality::Findings& findings;
     const std::optional<JudgedBy>& judgedBy;
+    const Origin& missing;  // without judgedBy: which profile, and why
     const std::vector<quality::GateResult>& gates;
 };
 

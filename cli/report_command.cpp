@@ -1,5 +1,4 @@
 // kolink report: what a link costs and where it is wrong, in numbers, and gates that stop it.
-#include <filesystem>
 #include <memory>
 
 #include "cli/arguments.h"
@@ -8,6 +7,7 @@
 #include "cli/files.h"
 #include "cli/gate_options.h"
 #include "cli/measured_link.h"
+#include "cli/origin.h"
 #include "cli/quality_page.h"
 #include "cli/report.h"
 #include "frame/arithmetic_mode.h"
@@ -15,10 +15,8 @@
 namespace ko::cli {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr char kExamples[] =
-    "The profiles that a link was made from are looked for beside it, by what it says of itself:\n"
+    "The profiles that a link was made from are looked for where they were and beside it:\n"
     "  kolink report proof.icc\n"
     "  kolink report proof.icc --source press.icc --destination printer.icc --full\n"
     "\n"
@@ -36,33 +34,6 @@ struct Options {
     bool compensatesBlack = false, full = false, json = false;
     GateOptions gates;
 };
-
-std::string hex(const std::array<uint8_t, 16>& id) {
-    std::string text;
-    for (const uint8_t byte : id) {
-        text += "0123456789abcdef"[byte >> 4];
-        text += "0123456789abcdef"[byte & 15];
-    }
-    return text;
-}
-
-// A profile that the link was made from, where it lies beside the link or in the current folder:
-// of that name, and with that ID. Empty: there is none.
-std::string placeOf(const quality::LinkFacts& facts, const std::string& link, const std::string& side) {
-    const std::string name = facts.from(side + "-file"), id = facts.from(side + "-id");
-    if (name.empty() || id.empty() || fs::path(name).has_parent_path() || name == "." || name == "..") return {};
-    for (const fs::path& folder : {toPath(link).parent_path(), fs::path()}) {
-        const fs::path place = folder / toPath(name);
-        std::error_code error;
-        if (!fs::is_regular_file(place, error)) continue;
-        try {
-            const InputFile file = openInput(fromPath(place));
-            if (file.type == FileType::icc && hex(precise::profileId(file.bytes)) == id) return file.path;
-        } catch (const Failure&) {  // one that cannot be read is not the one
-        }
-    }
-    return {};
-}
 
 precise::Intent intentNamed(const std::string& word) {
     constexpr const char* kIntents[] = {"perceptual", "relative", "saturation", "absolute"};
@@ -93,7 +64,7 @@ public:
 private:
     struct Measured {
         Measured(const Reporting& reporting, const std::string& path)
-            : file(openInput(path)), link(file, reporting.nodes()), judgedBy(reporting.judgesOf(path, link.facts())) {
+            : file(openInput(path)), link(file, reporting.nodes()), judgedBy(reporting.judgesOf(path, link)) {
             if (judgedBy) link.judgeBy(*judgedBy, openInput(judgedBy->source), openInput(judgedBy->destination));
             link.measure(reporting.gates_);
         }
@@ -133,16 +104,23 @@ private:
         writeText(*options_.page, qualityPage(links, language), inputs);
     }
 
-    std::optional<JudgedBy> judgesOf(const std::string& link, const quality::LinkFacts& facts) const {
+    // Without profiles the link keeps what stands in the way.
+    std::optional<JudgedBy> judgesOf(const std::string& path, MeasuredLink& link) const {
+        const quality::LinkFacts& facts = link.facts();
         JudgedBy by;
         if (options_.source) {
             by.source = *options_.source;
             by.destination = *options_.destination;
         } else {
-            by.source = placeOf(facts, link, "source");
-            by.destination = placeOf(facts, link, "destination");
+            for (auto& [side, place] : {std::pair("source", &by.source), std::pair("destination", &by.destination)}) {
+                Origin origin = originOf(facts, path, side);
+                if (!origin.found()) {
+                    link.leaveColours(std::move(origin));
+                    return std::nullopt;
+                }
+                *place = std::move(origin.path);
+            }
             by.found = true;
-            if (by.source.empty() || by.destination.empty()) return std::nullopt;
         }
         by.intent = options_.intent ? intentNamed(*options_.intent) : facts.intent;
         by.compensateBlack = options_.compensatesBlack || facts.from("bpc") == "yes";

@@ -2,7 +2,7 @@
 check "report --help shows an example" shows "  kolink report " report --help
 readonly schema=$top/docs/report.schema.json
 cp "$printer" printer.icc
-kolink link --source "$printer" --destination "$printer" --black plane --preserve secondaries --grid 9 -o report.icc
+kolink link --source "$printer" --destination "$printer" --black plane --preserve secondaries --grid 9 --no-paths -o report.icc
 
 report() { kolink report "$@" > "$out" 2> "$err" < /dev/null; }
 twelve_lines() {
@@ -20,12 +20,35 @@ found() {  # FILES OF THE LINK BESIDE IT
         (cd folder && report ../beside.icc --json) && grep -q '"from": "provenance"' "$out"
 }
 check "report finds the profiles beside the link" found
+kolink link --source printer.icc --destination printer.icc --grid 9 --no-paths -o named.icc
 not_found() {  # another file of that name is not the one
-    mkdir other && cp beside.icc other/ && cp "$press" other/printer.icc && (cd other && report beside.icc) &&
+    mkdir other && cp named.icc other/beside.icc && cp "$press" other/printer.icc && (cd other && report beside.icc) &&
         grep -q 'no profiles' "$out"
 }
 check "report does not take another profile of the same name" not_found
 rm -rf other
+moved() { mkdir moved && mv beside.icc moved/ && (cd / && report "$there/moved/beside.icc" "$@"); }
+there=$(pwd)
+there=$(native && echo "$there" || echo "Z:$there")
+check "report finds the profiles where they were" eval 'moved --json && grep -q "\"from\": \"provenance\"" "$out"'
+mv printer.icc "$meanwhile/"
+check "report says which profile is gone" eval 'report moved/beside.icc && grep -q "printer.icc is not where it was" "$out"'
+cp "$press" printer.icc
+check "report says which profile is another one" eval \
+    'report moved/beside.icc && grep -q "printer.icc is not the profile that the link was made from" "$out"'
+mv "$meanwhile/printer.icc" .
+check "link --no-paths keeps names alone" eval \
+    'grep -aq "source-file: printer.icc" named.icc && ! grep -aq "source-path" named.icc && report named.icc --json &&
+     grep -q "\"from\": \"provenance\"" "$out"'
+cp printer.icc "刷り 100%.icc"
+native && check "profiles are found by names that are not ASCII" eval \
+    'kolink link --source "刷り 100%.icc" --destination printer.icc --grid 9 -o named.icc &&
+     grep -aq "source-file: %e5%88%b7%e3%82%8a 100%25.icc" named.icc && report named.icc --json &&
+     grep -q "\"from\": \"provenance\"" "$out"'
+check "a link of the classic method tells its profiles too" eval \
+    'kolink link --source printer.icc --destination printer.icc --method classic -o named.icc && (cd / && report "$there/named.icc" --json) &&
+     grep -q "\"from\": \"provenance\"" "$out"'
+rm -rf moved named.icc "刷り 100%.icc"
 keeps_schema() { report "$@" --json && python3 "$top/tests/cli/schema.py" "$schema" "$out"; }
 if native; then
     check "report --json keeps its schema" keeps_schema report.icc --source "$printer" --destination "$printer"
