@@ -11,7 +11,6 @@
 #include "cli/precise.h"
 #include "cli/table_file.h"
 #include "link/link.h"
-#include "precise/link_row.h"
 
 namespace ko::cli {
 namespace {
@@ -173,57 +172,21 @@ private:
 };
 
 // Colour by colour through profiles, or through a saved link.
-class TransformConversion : public Conversion {
+class TransformConversion final : public Conversion {
 public:
     explicit TransformConversion(PreciseTransform transform) : transform_(std::move(transform)) {}
-    void convert8(const uint8_t* in, size_t count, uint8_t* out) override { convert(in, count, out); }
-    void convert16(const uint16_t* in, size_t count, uint16_t* out) override { convert(in, count, out); }
+    void convert8(const uint8_t* in, size_t count, uint8_t* out) override {
+        koPreciseTransformRow8(transform_.get(), in, out, count);
+    }
+    void convert16(const uint16_t* in, size_t count, uint16_t* out) override {
+        koPreciseTransformRow16(transform_.get(), in, out, count);
+    }
     void convertFloats(const float* in, size_t count, float* out) override {
         koPreciseTransformFloats(transform_.get(), in, out, count);
     }
 
 private:
-    template <class Level>
-    void convert(const Level* in, size_t count, Level* out) {
-        constexpr double kTop = static_cast<Level>(~Level{0});
-        std::array<float, 4 * kPortion> from, to;
-        const auto inputs = static_cast<size_t>(channelsOf(input)), outputs = static_cast<size_t>(channelsOf(output));
-        while (count > 0) {
-            const size_t part = std::min(count, kPortion);
-            for (size_t at = 0; at < part * inputs; ++at) from[at] = static_cast<float>(*in++ / kTop);
-            convertFloats(from.data(), part, to.data());
-            for (size_t at = 0; at < part * outputs; ++at) *out++ = levelOf<Level>(static_cast<double>(to[at]));
-            count -= part;
-        }
-    }
     PreciseTransform transform_;
-};
-
-// A saved link whose rows of whole levels need nothing but its grid.
-class GridConversion final : public Conversion {
-public:
-    GridConversion(IccInput link, const IccLut& lut, ColourSpace in, ColourSpace out) : link_(std::move(link)) {
-        grid_ = {static_cast<const uint8_t*>(lut.clut), lut.inputChannels, lut.outputChannels, lut.gridPoints};
-        input = in;
-        output = out;
-    }
-    void convert8(const uint8_t* in, size_t count, uint8_t* out) override {
-        precise::convertRow8(grid_, in, out, count);
-    }
-    void convert16(const uint16_t* in, size_t count, uint16_t* out) override { fine().convert16(in, count, out); }
-    void convertFloats(const float* in, size_t count, float* out) override { fine().convertFloats(in, count, out); }
-
-private:
-    // Made when it is asked for, since its grid is in floats.
-    Conversion& fine() {
-        if (!fine_) fine_ = std::make_unique<TransformConversion>(linkTransform(PreciseProfile(link_.file())));
-        fine_->input = input;
-        fine_->output = output;
-        return *fine_;
-    }
-    IccInput link_;
-    precise::ByteGrid grid_{};
-    std::unique_ptr<Conversion> fine_;
 };
 
 ColourSpace spaceOf(uint32_t signature, const std::string& path) {
@@ -241,29 +204,6 @@ ColourSpace spaceOf(uint32_t signature, const std::string& path) {
     }
 }
 
-// The A2B0 of a link that is 8-bit inks or light without curves; null for any other.
-const IccLut* plainGrid(const IccInput& link) {
-    const IccTagEntry* const entry = link.find(fourcc("A2B0"));
-    if (!entry || link.elementType(*entry) != fourcc("mft1")) return nullptr;
-    const IccLut* const lut = link.lut(fourcc("A2B0"));
-    if (lut->inputEntries != 256 || lut->outputEntries != 256 ||
-        !precise::hasRows({nullptr, lut->inputChannels, lut->outputChannels, lut->gridPoints}))
-        return nullptr;
-    for (const uint32_t space : {link.header().colourSpace, link.header().connectionSpace})
-        if (space != fourcc("CMYK") && space != fourcc("RGB ") && space != fourcc("GRAY")) return nullptr;
-    const int spaces[] = {channelsOf(spaceOf(link.header().colourSpace, "")), channelsOf(spaceOf(link.header().connectionSpace, ""))};
-    if (lut->inputChannels != spaces[0] || lut->outputChannels != spaces[1]) return nullptr;
-    // By value: the record is packed, so that nothing may refer to its fields.
-    const auto areLines = [](const void* tables, int channels) {
-        for (int at = 0; at < 256 * channels; ++at)
-            if (static_cast<const uint8_t*>(tables)[at] != at % 256) return false;
-        return true;
-    };
-    if (!areLines(lut->inputTables, lut->inputChannels) || !areLines(lut->outputTables, lut->outputChannels))
-        return nullptr;
-    return lut;
-}
-
 std::unique_ptr<Conversion> savedLink(const std::string& path, bool isFine) {
     InputFile file = openInput(path);
     CmykProfilePtr record;
@@ -276,12 +216,6 @@ std::unique_ptr<Conversion> savedLink(const std::string& path, bool isFine) {
         if (icc.header().deviceClass != fourcc("link"))
             failOn(path, "is a profile of class " + signatureText(icc.header().deviceClass) + ": it is no link");
         if (hasLibraryNodes(icc)) record = cmykProfile(icc);
-        else if (const IccLut* const lut = isFine ? nullptr : plainGrid(icc)) {
-            const ColourSpace in = spaceOf(icc.header().colourSpace, path), out = spaceOf(icc.header().connectionSpace, path);
-            auto conversion = std::make_unique<GridConversion>(std::move(icc), *lut, in, out);
-            conversion->files = {path};
-            return conversion;
-        }
     }
     std::unique_ptr<Conversion> conversion;
     if (record && !isFine) {

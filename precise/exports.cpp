@@ -30,6 +30,9 @@ struct KoPreciseProfile {
 struct KoPreciseTransform {
     Evaluator evaluator;
     bool limited;  // device results stay within 0..1
+    // Of a plain link: rows of bytes need nothing but its grid.
+    std::vector<uint8_t> nodes;
+    std::optional<ByteGrid> grid;
 };
 struct KoPreciseLink {
     std::unique_ptr<Link> link;
@@ -179,6 +182,36 @@ void linkRow(const KoPreciseLink* link, const Level* in, Level* out, size_t coun
     }
 }
 
+// Rows of integers through a transform, the nearest level. Other numbers than device colours have
+// no levels.
+template <class Level>
+void transformRow(const KoPreciseTransform* transform, const Level* in, Level* out,
+                  size_t count) noexcept {
+    const ko::ArithmeticMode arithmetic;
+    const int inputs = transform->evaluator.inputs(), outputs = transform->evaluator.outputs();
+    constexpr double top = static_cast<Level>(~Level{0});
+    for (; count > 0; --count, in += inputs, out += outputs) {
+        Colour colour{};
+        for (int ch = 0; ch < inputs; ++ch) colour[static_cast<size_t>(ch)] = in[ch] / top;
+        colour = transform->evaluator.at(colour);
+        for (int ch = 0; ch < outputs; ++ch)
+            out[ch] = static_cast<Level>(std::clamp(colour[static_cast<size_t>(ch)], 0.0, 1.0) * top + 0.5);
+    }
+}
+
+// The transform of a link with the grid that serves its rows of bytes.
+KoPreciseTransform* withGrid(Evaluator evaluator, const Profile* link) {
+    auto made = std::make_unique<KoPreciseTransform>(KoPreciseTransform{std::move(evaluator), true, {}, {}});
+    const auto grid = link ? plainGrid(*link) : std::nullopt;
+    if (grid && grid->inputs == made->evaluator.inputs() && grid->outputs == made->evaluator.outputs()) {
+        size_t size = static_cast<size_t>(grid->outputs);
+        for (int axis = 0; axis < grid->inputs; ++axis) size *= static_cast<size_t>(grid->points);
+        made->nodes.assign(grid->nodes, grid->nodes + size);
+        made->grid = ByteGrid{made->nodes.data(), grid->inputs, grid->outputs, grid->points};
+    }
+    return made.release();
+}
+
 }  // namespace
 
 extern "C" const char* koPreciseVersion(void) { return KOLINK_VERSION; }
@@ -261,7 +294,9 @@ extern "C" KoPreciseTransform* koPreciseMakeTransform(const KoPreciseProfile* so
             device = space != ko::fourcc("Lab ") && space != ko::fourcc("XYZ ");
         }
         if (!pipeline) return nullptr;
-        return new KoPreciseTransform{Evaluator(std::move(*pipeline)), device};
+        if (source && source->profile->isLink())
+            return withGrid(Evaluator(std::move(*pipeline)), source->profile.get());
+        return new KoPreciseTransform{Evaluator(std::move(*pipeline)), device, {}, {}};
     });
 }
 
@@ -288,6 +323,20 @@ extern "C" void koPreciseTransformFloats(const KoPreciseTransform* transform, co
             out[ch] = static_cast<float>(transform->limited ? std::clamp(value, 0.0, 1.0) : value);
         }
     }
+}
+
+extern "C" void koPreciseTransformRow16(const KoPreciseTransform* transform, const uint16_t* in,
+                                        uint16_t* out, size_t count) {
+    if (!transform || !in || !out) return;
+    transformRow(transform, in, out, count);
+}
+
+extern "C" void koPreciseTransformRow8(const KoPreciseTransform* transform, const uint8_t* in,
+                                       uint8_t* out, size_t count) {
+    if (!transform || !in || !out) return;
+    if (!transform->grid) return transformRow(transform, in, out, count);
+    const ko::ArithmeticMode arithmetic;
+    convertRow8(*transform->grid, in, out, count);
 }
 
 extern "C" double koPreciseInvert(const KoPreciseProfile* profile, const double lab[3],

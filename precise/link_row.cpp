@@ -81,6 +81,36 @@ void convert(const ByteGrid& grid, const uint8_t* in, uint8_t* out, size_t count
 
 }  // namespace
 
+std::optional<ByteGrid> plainGrid(const Profile& link) noexcept {
+    constexpr size_t kHeader = 48, kEntries = 256;
+    const auto element = link.tag(fourcc("A2B0"));
+    if (!link.isLink() || element.size() < kHeader) return std::nullopt;
+    for (const uint32_t space : {link.header().space, link.header().connection})
+        if (space != fourcc("CMYK") && space != fourcc("RGB ") && space != fourcc("GRAY"))
+            return std::nullopt;
+    ByteReader in(element);
+    if (in.u32() != fourcc("mft1")) return std::nullopt;
+    const ByteGrid grid = {nullptr, element[8], element[9], element[10]};
+    if (!hasRows(grid) || grid.inputs != channelsOf(link.header().space) ||
+        grid.outputs != channelsOf(link.header().connection))
+        return std::nullopt;
+    const auto inputs = static_cast<size_t>(grid.inputs), outputs = static_cast<size_t>(grid.outputs);
+    uint64_t size = outputs;
+    for (int axis = 0; axis < grid.inputs; ++axis) size *= static_cast<uint64_t>(grid.points);
+    if (size > element.size() || element.size() - size < kHeader + (inputs + outputs) * kEntries)
+        return std::nullopt;
+    const auto nodes = element.subspan(kHeader + inputs * kEntries);
+    const auto areLines = [](std::span<const uint8_t> tables) {
+        for (size_t at = 0; at < tables.size(); ++at)
+            if (tables[at] != at % kEntries) return false;
+        return true;
+    };
+    if (!areLines(element.subspan(kHeader, inputs * kEntries)) ||
+        !areLines(nodes.subspan(static_cast<size_t>(size), outputs * kEntries)))
+        return std::nullopt;
+    return ByteGrid{nodes.data(), grid.inputs, grid.outputs, grid.points};
+}
+
 void convertRow8(const ByteGrid& grid, const uint8_t* in, uint8_t* out, size_t count) noexcept {
     if (grid.outputs == 3) convert<3>(grid, in, out, count);
     else convert<4>(grid, in, out, count);

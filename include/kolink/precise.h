@@ -162,6 +162,12 @@ KOLINK_API int32_t koPreciseTransformOutputs(const KoPreciseTransform *transform
  * overlap. Double arithmetic. Device results are limited to 0..1. Allocates nothing. */
 KOLINK_API void koPreciseTransformFloats(const KoPreciseTransform *transform, const float *in,
                                          float *out, size_t count);
+/* The same in 8 and 16 bits, rounded to the nearest level: of transforms between device colours,
+ * a device link that was opened among them. Allocate nothing. */
+KOLINK_API void koPreciseTransformRow16(const KoPreciseTransform *transform, const uint16_t *in,
+                                        uint16_t *out, size_t count);
+KOLINK_API void koPreciseTransformRow8(const KoPreciseTransform *transform, const uint8_t *in,
+                                       uint8_t *out, size_t count);
 
 /* The inks with which a CMYK profile prints a colour, by Newton steps on its forward table.
  *   lab    the colour, relative to the profile's white

@@ -768,6 +768,28 @@ void makePrecisely() {
             for (const uint16_t level : levels) out.number(level);
             out.endLine();
         }
+        // The file as a reader has it, in rows of both widths.
+        KoPreciseProfile* const saved = koPreciseOpenProfile(path.c_str(), &error);
+        KoPreciseTransform* const read =
+            koPreciseMakeTransform(saved, nullptr, KO_PRECISE_RELATIVE, 0, &error);
+        require(read, error.text);
+        for (int n = 0; n < 200; ++n) {
+            std::array<uint16_t, 4> in{}, levels{};
+            std::array<uint8_t, 4> bytes{}, seen{}, wanted{};
+            for (size_t ch = 0; ch < 4; ++ch) {
+                in[ch] = static_cast<uint16_t>(random.between(0, 65535));
+                bytes[ch] = static_cast<uint8_t>(in[ch] >> 8);
+            }
+            koPreciseTransformRow16(read, in.data(), levels.data(), 1);
+            koPreciseTransformRow8(read, bytes.data(), seen.data(), 1);
+            koPreciseLinkRow8(link, bytes.data(), wanted.data(), 1);
+            require(one.bits == 16 || seen == wanted, "a saved link is not the one that was made");
+            for (const uint16_t level : levels) out.number(level);
+            for (const uint8_t level : seen) out.number(level);
+            out.endLine();
+        }
+        koPreciseReleaseTransform(read);
+        koPreciseReleaseProfile(saved);
         koPreciseReleaseLink(link);
     }
     for (KoPreciseProfile* profile : profiles) koPreciseReleaseProfile(profile);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "precise/link.h"
+#include "precise/link_file.h"
 #include "precise/link_row.h"
 
 namespace ko::precise {
@@ -59,6 +60,46 @@ TEST(PreciseLinkRow, GivesTheNearestLevelOnEdgesDiagonalsAndTheTop) {
                 for (int ink = 0; ink < 4; ++ink)
                     in.push_back(static_cast<uint8_t>(inks >> ink & 1 ? level : rest));
     compare(link, in);
+}
+
+// A file of the link, 4 inputs and outputs.
+std::vector<uint8_t> fileOf(Link& link) {
+    link.sourceSpace = link.destinationSpace = fourcc("CMYK");
+    link.origins.resize(2);
+    Problem problem;
+    const auto bytes = linkFile(link, {}, problem);
+    EXPECT_EQ(problem.text, "");
+    return bytes;
+}
+
+TEST(PreciseLinkRow, FindsThePlainGridOfASavedLink) {
+    std::mt19937 random(13);
+    Link link = randomLink(4, 4, 9, random);
+    Problem problem;
+    const auto profile = Profile::parse(fileOf(link), problem);
+    ASSERT_TRUE(profile);
+    const auto grid = plainGrid(*profile);
+    ASSERT_TRUE(grid);
+    EXPECT_EQ(grid->points, 9);
+    EXPECT_TRUE(std::equal(link.table.begin(), link.table.end(), grid->nodes));
+}
+
+TEST(PreciseLinkRow, TakesNoGridWhoseCurvesAreBentOrWhoseElementIsNotWholeOrOfAnotherKind) {
+    std::mt19937 random(14);
+    Link link = randomLink(4, 4, 9, random);
+    const auto bytes = fileOf(link);
+    Problem problem;
+    const auto whole = Profile::parse(bytes, problem);
+    ASSERT_TRUE(whole);
+    const auto element = static_cast<size_t>(whole->tag(fourcc("A2B0")).data() - whole->bytes().data());
+    const size_t tables = element + 48 + 4 * 256 + link.table.size();
+    for (const size_t at : {element, element + 8, element + 9, element + 10, element + 48 + 700, tables, tables + 1023}) {
+        auto bent = bytes;
+        ++bent[at];
+        const auto profile = Profile::parse(bent, problem);
+        ASSERT_TRUE(profile);
+        EXPECT_FALSE(plainGrid(*profile)) << "byte " << at - element;
+    }
 }
 
 }  // namespace
