@@ -16,6 +16,7 @@
 #include "cli/system.h"
 #include "cli/waiting.h"
 #include "frame/state.h"
+#include "grid/rows.h"
 #include "kolink/version.h"
 
 namespace ko::cli {
@@ -72,9 +73,11 @@ public:
 int run(int argc, char** argv) {
     const Attachment attachment;
     setGuardWait(waitForGuard);
+    const std::string version =
+        std::string("kolink " KOLINK_VERSION ", kernels for ") + grid::rows().name;
     Arguments arguments("Makes ICC device links, converts colours and pictures through them, and shows and\n"
                         "edits what profiles, tables, tone curves and calibration sets hold.", "kolink",
-                        "kolink " KOLINK_VERSION);
+                        version.c_str());
     arguments.examples(kExamples);
     addCommands(arguments);
     ExitStatus status = kDone;

@@ -10,7 +10,7 @@
 namespace ko::cmyk {
 
 void cmykToCmyk16(const CmykProfile& profile, Cmyk& cmyk) noexcept {
-    grid::wordsOfFour<kGridPoints>(profile.grid, cmyk.data());
+    grid::oneWordsOfFour<kGridPoints>(profile.grid, cmyk.data());
 }
 
 void cmykToCmyk16Row(const CmykProfile& profile, const uint8_t* input, int32_t pixels,

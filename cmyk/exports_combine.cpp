@@ -7,6 +7,7 @@
 #include "frame/boundary.h"
 
 extern "C" void jKoCmykCMYKtoCMYK16(const CmykProfile* profile, int32_t* cmyk) {
+    const ko::ArithmeticMode arithmetic;
     if (!profile || !cmyk) return;
     ko::cmyk::Cmyk values;
     std::copy_n(cmyk, 4, values.begin());

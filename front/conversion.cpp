@@ -52,9 +52,7 @@ Rgb cmykToRgb(int32_t c, int32_t m, int32_t y, int32_t k) noexcept {
         link::convert(*current, values);
         for (int32_t& value : values) value /= 16;
     } else {
-        const int32_t light = 255 - values[3];
-        grid::bytesOfThree(builtin::kCmyToRgb, values);
-        for (int32_t& value : values) value = value * light / 255;
+        grid::dimmedBytesOfThree(builtin::kCmyToRgb, values);
     }
     return {byte(values[0]), byte(values[1]), byte(values[2])};
 }

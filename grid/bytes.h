@@ -12,12 +12,13 @@ constexpr int32_t kBytePoints = 9;
 // In place: three levels in (clamped), four out.
 void bytesOfThree(const uint8_t (*nodes)[4], int32_t* values) noexcept;
 
-// The same for pixels of 3 bytes; 4 bytes out.
+// In place: four levels in, the last of which dims what the others give: output * (255 - last) /
+// 255, truncated; the first 3 values out.
+void dimmedBytesOfThree(const uint8_t (*nodes)[4], int32_t* values) noexcept;
+
+// The same for pixels of 3 bytes, 4 bytes out, and of 4 bytes, 3 bytes out.
 void bytesOfThreeRow(const uint8_t (*nodes)[4], const uint8_t* input, int32_t pixels,
                      uint8_t* output) noexcept;
-
-// For pixels of 4 bytes, the last of which dims what the others give: output * (255 - last) / 255,
-// truncated; the first 3 outputs.
 void dimmedBytesOfThreeRow(const uint8_t (*nodes)[4], const uint8_t* input, int32_t pixels,
                            uint8_t* output) noexcept;
 

@@ -8,13 +8,13 @@ namespace ko::link {
 
 void convert3(const LinkProfile& link, int32_t* values) noexcept {
     if (nodeCount(link) == 0) std::fill_n(values, 4, 0);
-    else grid::shortsOfThree(link.grid, link.gridPoints, values);
+    else grid::oneShortsOfThree(link.grid, link.gridPoints, values);
 }
 
 void convert(const LinkProfile& link, int32_t* values) noexcept {
     if (nodeCount(link) == 0) std::fill_n(values, 4, 0);
     else if (link.inputChannels == 3) convert3(link, values);
-    else grid::shortsOfFour(link.grid, link.gridPoints, values);
+    else grid::oneShortsOfFour(link.grid, link.gridPoints, values);
 }
 
 void convertRow(const LinkProfile& link, const uint8_t* input, int32_t pixels,

@@ -54,10 +54,12 @@ extern "C" int32_t jKoRgbSaveRgbLut(const RgbLut* table, const char* path) {
 }
 
 extern "C" int32_t jKoCmykLutCMYKtoCMYK16(const CmykLut* table, int32_t* cmyk) {
+    const ko::ArithmeticMode arithmetic;
     ko::table::convert(*table, cmyk);
     return cmyk[3];
 }
 extern "C" int32_t jKoRgbRGBtoRGB16(const RgbLut* table, int32_t* rgb) {
+    const ko::ArithmeticMode arithmetic;
     ko::table::convert(*table, rgb);
     return rgb[2];
 }

@@ -21,10 +21,10 @@ void init(RgbLut& table) noexcept {
 }
 
 void convert(const CmykLut& table, int32_t* cmyk) noexcept {
-    grid::wordsOfFour<kGridPoints>(table.nodes, cmyk);
+    grid::oneWordsOfFour<kGridPoints>(table.nodes, cmyk);
 }
 
-void convert(const RgbLut& table, int32_t* rgb) noexcept { grid::wordsOfThree(table.nodes, rgb); }
+void convert(const RgbLut& table, int32_t* rgb) noexcept { grid::oneWordsOfThree(table.nodes, rgb); }
 
 void convertRow(const CmykLut& table, const uint8_t* input, int32_t pixels,
                 uint16_t* output) noexcept {
