@@ -59,28 +59,34 @@ void copyTags(TIFF* from, TIFF* to) {
     }
 }
 
-void prepareOutput(TIFF* out, const Page& page, ColourSpace space, uint16_t bits,
+// False: the picture would lack something.
+bool prepareOutput(TIFF* out, const Page& page, ColourSpace space, uint16_t bits,
                    std::span<const uint8_t> profile) {
     const uint16_t channels = static_cast<uint16_t>(channelsOf(space));
-    TIFFSetField(out, TIFFTAG_IMAGEWIDTH, page.width);
-    TIFFSetField(out, TIFFTAG_IMAGELENGTH, page.height);
-    TIFFSetField(out, TIFFTAG_BITSPERSAMPLE, bits);
-    TIFFSetField(out, TIFFTAG_SAMPLESPERPIXEL, channels);
-    TIFFSetField(out, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    bool isWhole = true;
+    const auto set = [&](uint32_t tag, auto... values) {
+        isWhole = TIFFSetField(out, tag, values...) && isWhole;
+    };
+    set(TIFFTAG_IMAGEWIDTH, page.width);
+    set(TIFFTAG_IMAGELENGTH, page.height);
+    set(TIFFTAG_BITSPERSAMPLE, bits);
+    set(TIFFTAG_SAMPLESPERPIXEL, channels);
+    set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     const bool lossless = page.compression == COMPRESSION_NONE || page.compression == COMPRESSION_LZW ||
                           page.compression == COMPRESSION_ADOBE_DEFLATE ||
                           page.compression == COMPRESSION_PACKBITS;
     const uint16_t compression = lossless ? page.compression : static_cast<uint16_t>(COMPRESSION_LZW);
-    TIFFSetField(out, TIFFTAG_COMPRESSION, compression);
+    set(TIFFTAG_COMPRESSION, compression);
     if (compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE)
-        TIFFSetField(out, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
-    TIFFSetField(out, TIFFTAG_PHOTOMETRIC,
-                 space == ColourSpace::cmyk ? PHOTOMETRIC_SEPARATED
-                 : space == ColourSpace::rgb ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
-    if (space == ColourSpace::cmyk) TIFFSetField(out, TIFFTAG_INKSET, INKSET_CMYK);
+        set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    set(TIFFTAG_PHOTOMETRIC, space == ColourSpace::cmyk  ? PHOTOMETRIC_SEPARATED
+                             : space == ColourSpace::rgb ? PHOTOMETRIC_RGB
+                                                         : PHOTOMETRIC_MINISBLACK);
+    if (space == ColourSpace::cmyk) set(TIFFTAG_INKSET, INKSET_CMYK);
     if (!profile.empty())
-        TIFFSetField(out, TIFFTAG_ICCPROFILE, static_cast<uint32_t>(profile.size()), profile.data());
-    TIFFSetField(out, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(out, 0));
+        set(TIFFTAG_ICCPROFILE, static_cast<uint32_t>(profile.size()), profile.data());
+    set(TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(out, 0));
+    return isWhole;
 }
 
 // Rows of one page through a conversion, of 8 or 16 bits on either side.
@@ -119,9 +125,10 @@ private:
     std::vector<uint16_t> wideIn_, wideOut_;
 };
 
-// With the system's reason, where the file has one: the picture's library does not know it.
+// With the system's reason, where the file has one: the picture's library does not know it. A file
+// that took every byte is not finished either, since the picture in it is not whole.
 [[noreturn]] void failToWrite(const std::string& path, NewFile& made) {
-    if (made.finish() != SaveResult::written) failWithReason(path, "cannot be written");
+    if (made.hasFailed() && made.finish() != SaveResult::written) failWithReason(path, "cannot be written");
     failWith(path, "cannot be written");
 }
 
@@ -212,8 +219,12 @@ void convertImage(const Options& options) {
                                   ", and the conversion takes " + nameOf(conversion->input));
         const auto bits = static_cast<uint16_t>(options.bits ? options.bits : page.bits);
         forgetTiffError();
-        prepareOutput(out.get(), page, conversion->output, bits, profile);
-        copyTags(in.get(), out.get());
+        const bool isPrepared = inTiff([&] {
+            if (!prepareOutput(out.get(), page, conversion->output, bits, profile)) return false;
+            copyTags(in.get(), out.get());
+            return true;
+        });
+        if (!isPrepared) failToWrite(options.output, made);
         requireWholeReading(file.path);
 
         std::vector<TiffPtr> more;
@@ -222,19 +233,27 @@ void convertImage(const Options& options) {
         Progress progress(fromPath(toPath(options.output).filename()), page.height, options.quiet);
         for (uint32_t y = 0; y < page.height; ++y) {
             reader.read(y, rows.input());
-            if (TIFFWriteScanline(out.get(), rows.convert(), y, 0) < 0) failToWrite(options.output, made);
+            uint8_t* const row = rows.convert();
+            if (inTiff([&] { return TIFFWriteScanline(out.get(), row, y, 0); }) < 0) failToWrite(options.output, made);
             progress.advanceTo(y + 1);
             if (const int signal = system::interruption()) throw Interrupted{signal};
         }
-        if (number + 1 == kMostPages || !TIFFReadDirectory(in.get())) break;
-        if (!TIFFWriteDirectory(out.get())) failToWrite(options.output, made);
+        if (TIFFLastDirectory(in.get())) break;
+        if (number + 1 == kMostPages) failOn(file.path, "has more than " + grouped(kMostPages) + " pages");
+        forgetTiffError();
+        if (!inTiff([&] { return TIFFReadDirectory(in.get()); })) {
+            requireWholeReading(file.path);
+            failWith(file.path, "cannot be read at page " + std::to_string(number + 2));
+        }
+        if (!inTiff([&] { return TIFFWriteDirectory(out.get()); })) failToWrite(options.output, made);
         page = readPage(file, in.get());
     }
     requireWholeReading(file.path);
     forgetTiffError();
-    if (!TIFFFlush(out.get())) failToWrite(options.output, made);
+    if (!inTiff([&] { return TIFFFlush(out.get()); })) failToWrite(options.output, made);
     out.reset();
-    if (hasTiffError() || made.finish() != SaveResult::written) failToWrite(options.output, made);
+    if (hasTiffError()) failToWrite(options.output, made);
+    if (made.finish() != SaveResult::written) failWithReason(options.output, "cannot be written");
 }
 
 }  // namespace

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csetjmp>
 #include <cstdarg>
 #include <cstdio>
+#include <new>
 
 #include "cli/errors.h"
 #include "cli/system.h"
+#include "frame/platform.h"
 
 namespace ko::cli {
 namespace {
@@ -17,7 +20,12 @@ constexpr uint64_t kMostBuffer = uint64_t{256} << 20;
 // Called by a library in C, through which no exception may go: a fixed field.
 char gTiffError[300] = "";
 
+// Short memory, and the way out of a call that must not go on with it.
+bool gShortMemory = false, gMayLeave = false;
+std::jmp_buf gWayOut;
+
 void noteError(const char* module, const char* format, va_list arguments) {
+    if (gMayLeave && errno == ENOMEM) std::longjmp(gWayOut, 1);
     if (gTiffError[0]) return;
     const int length = std::snprintf(gTiffError, sizeof gTiffError, "%s: ", module ? module : "TIFF");
     if (length < 0 || static_cast<size_t>(length) >= sizeof gTiffError) return;
@@ -30,9 +38,13 @@ void ignoreWarning(const char*, const char*, va_list) {}
 // another picture; so the first failed read is kept and ends the work.
 uint32_t gReadFailure = 0;
 
+// What is called from within the TIFF library leaves runInTiff the error that it looks for.
+using platform::ErrorKeeper;
+
 std::FILE* streamOf(thandle_t handle) { return static_cast<std::FILE*>(handle); }
 
 tmsize_t readGiven(thandle_t handle, void* buffer, tmsize_t size) {
+    const ErrorKeeper keeper;
     std::FILE* const stream = streamOf(handle);
     errno = 0;
     const size_t got = std::fread(buffer, 1, static_cast<size_t>(size), stream);
@@ -44,12 +56,14 @@ tmsize_t readGiven(thandle_t handle, void* buffer, tmsize_t size) {
 }
 tmsize_t writeNever(thandle_t, void*, tmsize_t) { return -1; }
 toff_t seekGiven(thandle_t handle, toff_t offset, int from) {
+    const ErrorKeeper keeper;
     std::FILE* const stream = streamOf(handle);
     if (offset > static_cast<toff_t>(INT64_MAX)) return static_cast<toff_t>(-1);
     if (std::fseek(stream, static_cast<long>(offset), from) != 0) return static_cast<toff_t>(-1);
     return static_cast<toff_t>(std::ftell(stream));
 }
 toff_t sizeGiven(thandle_t handle) {
+    const ErrorKeeper keeper;
     std::FILE* const stream = streamOf(handle);
     const long here = std::ftell(stream);
     if (here < 0 || std::fseek(stream, 0, SEEK_END) != 0) return 0;
@@ -61,15 +75,18 @@ int closeGiven(thandle_t handle) { return std::fclose(streamOf(handle)); }
 NewFile& fileOf(thandle_t handle) { return *static_cast<NewFile*>(handle); }
 
 tmsize_t readMade(thandle_t handle, void* buffer, tmsize_t size) {
+    const ErrorKeeper keeper;
     NewFile& file = fileOf(handle);
     const auto left = std::min<uint64_t>(static_cast<uint64_t>(size),
                                          file.size() - std::min(file.size(), file.position()));
     return file.read({static_cast<uint8_t*>(buffer), static_cast<size_t>(left)}) ? static_cast<tmsize_t>(left) : -1;
 }
 tmsize_t writeMade(thandle_t handle, void* bytes, tmsize_t size) {
+    const ErrorKeeper keeper;
     return fileOf(handle).write({static_cast<const uint8_t*>(bytes), static_cast<size_t>(size)}) ? size : -1;
 }
 toff_t seekMade(thandle_t handle, toff_t offset, int from) {
+    const ErrorKeeper keeper;
     NewFile& file = fileOf(handle);
     const uint64_t start = from == SEEK_CUR ? file.position() : from == SEEK_END ? file.size() : 0;
     return file.seek(start + offset) ? file.position() : static_cast<toff_t>(-1);
@@ -101,6 +118,22 @@ void requirePixels(const InputFile& file, const Page& page) {
 
 }  // namespace
 
+// No object with a destructor is between the two: the library is C, and so is what it calls back.
+void runInTiff(void (*call)(void*), void* data) {
+    errno = 0;
+    if (setjmp(gWayOut) == 0) {
+        gMayLeave = true;
+        call(data);
+    }
+    gMayLeave = false;
+    gShortMemory = errno == ENOMEM;
+    if (gShortMemory) throw std::bad_alloc();
+}
+
+void TiffCloser::operator()(TIFF* tiff) const {
+    if (!gShortMemory) TIFFClose(tiff);
+}
+
 void forgetTiffError() { gTiffError[0] = 0; }
 bool hasTiffError() { return gTiffError[0] != 0; }
 
@@ -119,17 +152,23 @@ TiffPtr openTiff(const std::string& path) {
     TIFFSetWarningHandler(ignoreWarning);
     std::FILE* const stream = std::fopen(path.c_str(), "rbe");
     if (!stream) failOn(path, "cannot be read: " + system::errorText(static_cast<uint32_t>(errno)));
-    TiffPtr tiff(TIFFClientOpen(path.c_str(), "rm", stream, readGiven, writeNever, seekGiven, closeGiven,
-                                sizeGiven, nullptr, nullptr));
+    // Without its first page, which would be closed there and then when it cannot be read.
+    TiffPtr tiff(inTiff([&] {
+        return TIFFClientOpen(path.c_str(), "rmh", stream, readGiven, writeNever, seekGiven, closeGiven,
+                              sizeGiven, nullptr, nullptr);
+    }));
     if (!tiff) std::fclose(stream);  // it is the TIFF library's only once that has opened it
+    const bool hasPage = tiff && inTiff([&] { return TIFFSetDirectory(tiff.get(), 0); });
     requireWholeReading(path);
-    if (!tiff) failWith(path, "is not a TIFF picture");
+    if (!hasPage) failWith(path, "is not a TIFF picture");
     return tiff;
 }
 
 TiffPtr newTiff(NewFile& file, bool large) {
-    return TiffPtr(TIFFClientOpen("the new picture", large ? "w8" : "w", &file, readMade, writeMade,
-                                  seekMade, closeMade, sizeMade, nullptr, nullptr));
+    return TiffPtr(inTiff([&] {
+        return TIFFClientOpen("the new picture", large ? "w8" : "w", &file, readMade, writeMade, seekMade,
+                              closeMade, sizeMade, nullptr, nullptr);
+    }));
 }
 
 Page readPage(const InputFile& file, TIFF* tiff) {
@@ -154,7 +193,7 @@ Page readPage(const InputFile& file, TIFF* tiff) {
                          (format == SAMPLEFORMAT_UINT ? " bits" : " bits that are not plain numbers") +
                          "; 8 or 16 bits are needed");
     if (photometric == PHOTOMETRIC_YCBCR && page.compression == COMPRESSION_JPEG) {
-        TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        inTiff([&] { return TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB); });
         photometric = PHOTOMETRIC_RGB;
     }
     if (photometric == PHOTOMETRIC_RGB && page.samples >= 3) page.space = ColourSpace::rgb;
@@ -184,7 +223,7 @@ std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIF
     if (!page.planar || page.tiled) return handles;
     for (int channel = 1; channel < channelsOf(page.space); ++channel) {
         more.push_back(openTiff(path));
-        if (!TIFFSetDirectory(more.back().get(), static_cast<tdir_t>(number)))
+        if (!inTiff([&] { return TIFFSetDirectory(more.back().get(), static_cast<tdir_t>(number)); }))
             failWith(path, "cannot be read");
         handles.push_back(more.back().get());
     }
@@ -214,7 +253,9 @@ void RowReader::read(uint32_t row, uint8_t* pixels) {
     if (page_.tiled) return readTiled(row, pixels);
     const size_t plane = page_.planar ? buffer_.size() / channels_ : 0;
     for (size_t at = 0; at < (page_.planar ? channels_ : 1); ++at)
-        if (TIFFReadScanline(handles_[at], &buffer_[at * plane], row, static_cast<uint16_t>(at)) < 0)
+        if (inTiff([&] {
+                return TIFFReadScanline(handles_[at], &buffer_[at * plane], row, static_cast<uint16_t>(at));
+            }) < 0)
             failWith(path_, "cannot be read at row " + std::to_string(row + 1));
     requireWholeReading(path_);
     for (size_t channel = 0; channel < channels_; ++channel) {
@@ -237,8 +278,10 @@ void RowReader::readTiled(uint32_t row, uint8_t* pixels) {
     if (row % tileHeight_ == 0 || row == 0)
         for (size_t plane = 0; plane < planes; ++plane)
             for (uint32_t tile = 0; tile < across; ++tile)
-                if (TIFFReadTile(handles_[0], &buffer_[(plane * across + tile) * tileBytes_], tile * tileWidth_,
-                                 row, 0, static_cast<uint16_t>(plane)) < 0)
+                if (inTiff([&] {
+                        return TIFFReadTile(handles_[0], &buffer_[(plane * across + tile) * tileBytes_],
+                                            tile * tileWidth_, row, 0, static_cast<uint16_t>(plane));
+                    }) < 0)
                     failWith(path_, "cannot be read at row " + std::to_string(row + 1));
     requireWholeReading(path_);
     const size_t step = page_.planar ? 1 : page_.samples;

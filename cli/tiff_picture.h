@@ -13,8 +13,22 @@
 
 namespace ko::cli {
 
+// Every call of the TIFF library that may take memory goes through here. That library drops a tag
+// that it gets no memory for, often without a word, and then walks over a list that is not there.
+// The C library tells: inTiff throws std::bad_alloc, and the pictures are never touched again.
+void runInTiff(void (*call)(void*), void* data);
+template <class Call>
+auto inTiff(Call&& call) {
+    struct Work {
+        Call& call;
+        decltype(call()) result;
+    } work{call, {}};
+    runInTiff([](void* data) { static_cast<Work*>(data)->result = static_cast<Work*>(data)->call(); }, &work);
+    return work.result;
+}
+
 struct TiffCloser {
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+    void operator()(TIFF* tiff) const;  // one that ran short of memory is left to the system
 };
 using TiffPtr = std::unique_ptr<TIFF, TiffCloser>;
 

@@ -114,7 +114,8 @@ NewFile::~NewFile() {
 }
 
 bool NewFile::write(std::span<const uint8_t> bytes) noexcept {
-    if (!file_ || !platform::write(*file_, bytes.data(), bytes.size())) return false;
+    failed_ = failed_ || !file_ || !platform::write(*file_, bytes.data(), bytes.size());
+    if (failed_) return false;
     position_ += bytes.size();
     size_ = std::max(size_, position_);
     return true;

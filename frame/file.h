@@ -118,6 +118,7 @@ public:
     explicit operator bool() const noexcept { return file_ != nullptr; }
     bool write(std::span<const uint8_t> bytes) noexcept;  // false: finish will fail
     bool write(std::string_view text) noexcept;
+    bool hasFailed() const noexcept { return failed_; }
     // For a file that is not written from front to back: goes elsewhere and reads what is written
     // already. A place that is passed over and never written is zeros.
     bool seek(uint64_t position) noexcept;
@@ -133,6 +134,7 @@ private:
     platform::NewFile* file_ = nullptr;
     uint64_t position_ = 0, size_ = 0;
     SaveResult result_ = SaveResult::failed;
+    bool failed_ = false;  // a write
 };
 
 // The same for a file whose parts are in memory.

@@ -260,6 +260,18 @@ if native; then
         check "the same from tiffcp $form" eval 'kolink image rgb8.tif plain.tif --builtin && tiffcp '"$form"' rgb8.tif other.tif && kolink image other.tif result.tif --builtin && tiffcp -c none -r 1000 result.tif result1.tif && tiffcp -c none -r 1000 plain.tif plain1.tif && tiff colours result1.tif > got.txt && tiff colours plain1.tif > wanted.txt && same got.txt wanted.txt'
     done
     check "every page of several" eval 'tiffcp rgb8.tif rgb8.tif rgb8.tif pages.tif && kolink image pages.tif result.tif --builtin && [ "$(tiffinfo result.tif | grep -c "Image Width")" = 3 ]'
+    whole_or_nothing() {  # PAGE: what cannot be read ends it, and the old result stays
+        echo old > result.tif
+        kolink image damaged.tif result.tif --builtin > "$out" 2> "$err"
+        [ $? = 1 ] && grep -q "damaged.tif: cannot be read at page $1" "$err" && [ "$(cat result.tif)" = old ] || { cat "$err"; return 1; }
+    }
+    tiff pages pages.tif 2 "$screen"
+    check "two pages, whole" eval 'kolink image pages.tif result.tif --builtin && [ "$(tiffinfo result.tif | grep -c "Image Width")" = 2 ]'
+    head -c -100 pages.tif > damaged.tif
+    check "a picture that is cut in its second page is not taken for one of a single page" whole_or_nothing 2
+    (head -c -4 pages.tif; head -c 8 pages.tif | tail -c 4) > damaged.tif
+    check "pages that go round in a circle have no end" whole_or_nothing 3
+    rm -f damaged.tif
     small_memory() {  # the picture has 90 MB
         tiff make wide.tif 6000 5000 3 8 2 9
         python3 - "$tool" << 'PYTHON'

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Makes TIFF pictures and says what is in them; uncompressed, one page, little-endian.
+"""Makes TIFF pictures and says what is in them; uncompressed, little-endian, mostly of one page.
 
   tiff.py make FILE WIDTH HEIGHT SAMPLES BITS PHOTOMETRIC SEED   random pixels, 300 dpi
+  tiff.py pages FILE COUNT PROFILE   pages with texts and a profile, the last directory last
   tiff.py claim FILE WIDTH HEIGHT COMPRESSION   so many pixels, of which it holds a few bytes
   tiff.py colours FILE      the pixels as lines of numbers, 16-bit samples as 8-bit ones
   tiff.py ramp FILE SAMPLES PHOTOMETRIC   4,096 levels of 16 bits, in CMYK of black alone
@@ -24,6 +25,30 @@ def claim(path, width, height, compression):
         for tag, kind, value in entries:
             out.write(struct.pack("<HHII", tag, kind, 1, value))
         out.write(bytes(4) + bytes(range(64)))
+
+
+def pages(path, count, profile):
+    text = b"a text that lies outside"
+    with open(profile, "rb") as file:
+        icc = file.read()
+    out = bytearray(b"II*\0" + bytes(4))
+    link = 4  # where it is said where the next directory is
+    for number in range(count):
+        pixels = len(out)
+        out += bytes((number + at * 7) % 256 for at in range(36)) + icc + bytes(len(icc) % 2)
+        texts = len(out)
+        out += text + b"\0" + bytes(1)
+        entries = [(256, 4, 1, 4), (257, 4, 1, 3), (258, 3, 1, 8), (259, 3, 1, 1), (262, 3, 1, 2),
+                   (270, 2, len(text), texts), (273, 4, 1, pixels), (277, 3, 1, 3), (278, 4, 1, 3),
+                   (279, 4, 1, 36), (305, 2, len(text), texts), (315, 2, len(text), texts),
+                   (33432, 2, len(text), texts), (34675, 7, len(icc), pixels + 36)]
+        out += bytes(len(out) % 2)
+        struct.pack_into("<I", out, link, len(out))
+        out += struct.pack("<H", len(entries)) + b"".join(struct.pack("<HHII", *entry) for entry in entries)
+        link = len(out)
+        out += bytes(4)
+    with open(path, "wb") as file:
+        file.write(out)
 
 
 def make(path, width, height, samples, bits, photometric, seed, data=None):
@@ -126,6 +151,8 @@ elif sys.argv[1] == "levels":
     levels(sys.argv[2])
 elif sys.argv[1] == "make":
     make(sys.argv[2], *map(int, sys.argv[3:]))
+elif sys.argv[1] == "pages":
+    pages(sys.argv[2], int(sys.argv[3]), sys.argv[4])
 elif sys.argv[1] == "claim":
     claim(sys.argv[2], *map(int, sys.argv[3:]))
 elif sys.argv[1] == "colours":
