@@ -2,14 +2,15 @@
 """The tool's commands under failing calls: each is run once for every allocation, read, write and
 so on that it makes, and that one fails; what it says and writes is held against an undisturbed run.
 
-  commands.py KOLINK LIBKOFAULTS FAULT_TESTS SCRATCH [--most N] [--places] [--only TEXT]
-              [--seconds N]
+  commands.py KOLINK LIBKOFAULTS FAULT_TESTS SCRATCH [--most N] [--own] [--places]
+              [--only TEXT] [--without TEXT] [--seconds N]
 
---most limits the failures of one kind and way in one command to N, spread over the calls. --places
-takes, of the allocations that the same chain of calls makes, the first and the last alone, and those
-of a chain that an earlier command made too (most are the tool's options, made before any command)
-in that command alone; of all other calls it takes every one. --seconds ends after that time, with
-the commands that there was time for."""
+--most limits the failures of one kind and way in one command to N, spread over the calls; a command
+that takes long has then one of the kinds that matter most. --own leaves out the allocations that
+every command makes for the tool's options. --places takes, of the allocations that the same chain of
+calls makes, the first and the last alone, and those of a chain that an earlier command made too in
+that command alone; of all other calls it takes every one. --seconds ends after that time, with the
+commands that there was time for."""
 import argparse
 import array
 import ctypes
@@ -63,6 +64,7 @@ COMMANDS = [
     ("image through a pair",
      "image in/rgb.tif out/a.tif --source in/monitor.icc --destination in/press8.icc --grid 9 --embed", ["a.tif"]),
     ("image through a link", "image in/cmyk.tif out/a.tif --link in/link.icc --bits 16", ["a.tif"]),
+    ("image of several pages", "image in/pages.tif out/a.tif --destination in/press8.icc --grid 9 --embed", ["a.tif"]),
     ("list", "list list", []),
     ("list as JSON", "list list --space CMYK --json", []),
     ("calib show", "calib show in/set.clb", []),
@@ -75,7 +77,15 @@ COMMANDS = [
     ("table convert to text", "table convert in/rgb.bin --to text -o out/a.txt --space RGB", ["a.txt"]),
     ("table convert to binary", "table convert in/cmyk.txt --to binary -o out/a.bin", ["a.bin"]),
     ("table check", "table check in/rgb.txt", []),
+    ("link that is reported and passes gates",
+     "link --base in/table.lut --gates in/gates.json --report -o out/a.icc", ["a.icc"]),
+    ("report", "report in/link.icc --gates in/gates.json", []),
+    ("report as JSON and a page", "report in/link.icc --json --html out/a.html --language ja", ["a.html"]),
+    ("report judged by profiles", "report in/small.icc --full", []),
+    ("check", "check in/press.icc in/link.icc", []),
+    ("check and mend", "check in/press.icc --fix out/a.icc --json", ["a.icc"]),
 ]
+TAKING_LONG = {"report judged by profiles"}
 
 parser = argparse.ArgumentParser()
 parser.add_argument("kolink")
@@ -83,8 +93,10 @@ parser.add_argument("faults")
 parser.add_argument("fault_tests")
 parser.add_argument("scratch")
 parser.add_argument("--most", type=int, default=1 << 60)
+parser.add_argument("--own", action="store_true")
 parser.add_argument("--places", action="store_true")
 parser.add_argument("--only", default="")
+parser.add_argument("--without", default="\n")
 parser.add_argument("--seconds", type=float, default=float("inf"))
 options = parser.parse_args()
 kolink, faults, fault_tests = map(os.path.abspath, (options.kolink, options.faults, options.fault_tests))
@@ -100,8 +112,17 @@ os.chdir(work)
 for name, samples, photometric in (("rgb", 3, 2), ("cmyk", 4, 5)):
     subprocess.run([sys.executable, os.path.join(HERE, "../cli/tiff.py"), "make", f"in/{name}.tif",
                     "9", "7", str(samples), "8", str(photometric), "1"], check=True)
+subprocess.run([sys.executable, os.path.join(HERE, "../cli/tiff.py"), "pages", "in/pages.tif", "2",
+                "in/monitor.icc"], check=True)
 with open("in/colours", "w") as colours:
     colours.write("1 2 3\n200 100 50\n")
+with open("in/gates.json", "w") as gates:
+    gates.write('{"name": "n", "maxInk": 400, "requirePure": "none"}\n')
+
+
+# The link whose profiles are found beside it.
+subprocess.run([kolink, *"link --source in/press.icc --destination in/press8.icc --grid 9 -o in/small.icc".split()],
+               check=True, env={"LC_ALL": "C.UTF-8", "HOME": work, "SOURCE_DATE_EPOCH": "1000000000"})
 
 
 def content(path):
@@ -164,9 +185,16 @@ class Run:
         self.files = listing("out")
 
 
-def spread(count, most):
-    chosen = min(count, most)
-    return [i * count // chosen + 1 for i in range(chosen)]
+def spread(count, most, first=0):
+    chosen = max(0, min(count - first, most))
+    return [first + i * (count - first) // chosen + 1 for i in range(chosen)]
+
+
+def choose(calls, name):
+    if name in TAKING_LONG and options.most != parser.get_default("most"):
+        return {kind: [calls[kind] // 2 + 1] if kind in ("memory", "read") and calls[kind] else []
+                for kind in WAYS}
+    return {kind: spread(calls[kind], options.most, before_all if kind == "memory" else 0) for kind in WAYS}
 
 
 chains = set()
@@ -186,7 +214,7 @@ def of_places(path):
             first.setdefault(site, at)
             last[site] = at
     chains.update(first)
-    return sorted({*first.values(), *last.values()})
+    return sorted(at for at in {*first.values(), *last.values()} if at > before_all)
 
 
 def judge(run, expected, before, legal):
@@ -215,11 +243,22 @@ def judge(run, expected, before, legal):
     return "refused"
 
 
+def calls_of(report):
+    with open(report) as lines:
+        return {kind: int(count) for kind, count in map(str.split, lines)}
+
+
+before_all = 0
+if options.own:  # what a command for an empty folder takes, up to where they part
+    os.mkdir("empty")
+    Run("list empty", "memory:once:0", os.path.abspath("../report"))
+    before_all = calls_of("../report")["memory"] - 100
+
 GOOD = ("same", "refused")
 outcomes, injected, findings, done, left_out = {}, {}, 0, 0, []
 allocations = 0
 for name, arguments, writes in COMMANDS:
-    if options.only not in name:
+    if options.only not in name or options.without in name:
         continue
     if time.time() - started > options.seconds:
         left_out.append(name)
@@ -234,9 +273,8 @@ for name, arguments, writes in COMMANDS:
         print(f"not ok - {name}: fails undisturbed: {expected.status} {expected.err.decode()}")
         findings += 1
         continue
-    with open("../report") as report:
-        calls = {kind: int(count) for kind, count in map(str.split, report)}
-    chosen = {kind: spread(calls[kind], options.most) for kind in WAYS}
+    calls = calls_of("../report")
+    chosen = choose(calls, name)
     if options.places:
         chosen["memory"] = of_places("../report.sites")
         allocations += calls["memory"]
