@@ -5,7 +5,9 @@
 #include <string_view>
 #include <system_error>
 
+#include "cli/errors.h"
 #include "cli/files.h"
+#include "cli/system.h"
 #include "cli/text.h"
 #include "precise/profile.h"
 
@@ -62,12 +64,17 @@ bool isOfThisMachine(const std::string& path) {
 
 State stateOf(const fs::path& place, const std::string& id) {
     std::error_code error;
-    if (!fs::is_regular_file(place, error)) return State::gone;
+    const fs::file_status status = fs::status(place, error);
+    const auto reason = static_cast<uint32_t>(error.value());
+    if (status.type() == fs::file_type::none && system::isOfTheMachine(reason))
+        failOn(fromPath(place), "cannot be read: " + system::errorText(reason));
+    if (!fs::is_regular_file(status)) return State::gone;
     try {
         const InputFile file = openInput(fromPath(place));
         if (file.type != FileType::icc) return State::changed;
         return hex(precise::profileId(file.bytes)) == id ? State::found : State::changed;
-    } catch (const Failure&) {  // one that cannot be read is not the one
+    } catch (const Failure&) {  // one that cannot be read is not the one, unless the machine fails
+        throwIfNotItsFault(fromPath(place));
         return State::gone;
     }
 }
