@@ -49,7 +49,7 @@ PreciseProfile::PreciseProfile(InputFile file)
     KoPreciseError error;
     profile_.reset(koPreciseParseProfile(file_.bytes.data(), file_.bytes.size(), &error));
     if (!profile_) failFor(error, this, this, this);
-    koPreciseDescribeProfile(profile_.get(), info_.get());
+    if (!koPreciseDescribeProfile(profile_.get(), info_.get())) throw std::bad_alloc();
     if (!file_.owner) file_.bytes = {};  // whose bytes they were may go
 }
 

@@ -238,25 +238,26 @@ extern "C" int32_t koPreciseDescribeProfile(const KoPreciseProfile* profile,
     if (!profile || !info) return 0;
     return ko::atBoundary<int32_t>(0, [&] {
         const Profile& p = *profile->profile;
-        std::memset(info, 0, sizeof *info);
-        info->version = p.header().version;
-        info->deviceClass = p.header().deviceClass;
-        info->space = p.header().space;
-        info->connection = p.header().connection;
-        info->inputs = p.channels();
-        info->outputs = p.isLink() ? channelsOf(p.header().connection) : 3;
+        KoPreciseProfileInfo all{};  // the host's record stays as it was when memory is short
+        all.version = p.header().version;
+        all.deviceClass = p.header().deviceClass;
+        all.space = p.header().space;
+        all.connection = p.header().connection;
+        all.inputs = p.channels();
+        all.outputs = p.isLink() ? channelsOf(p.header().connection) : 3;
         for (uint32_t at = 0; at < 3; ++at) {
-            if (p.hasTag(ko::fourcc("A2B0") + at)) info->tablesTo |= 1 << at;
-            if (p.hasTag(ko::fourcc("B2A0") + at)) info->tablesFrom |= 1 << at;
+            if (p.hasTag(ko::fourcc("A2B0") + at)) all.tablesTo |= 1 << at;
+            if (p.hasTag(ko::fourcc("B2A0") + at)) all.tablesFrom |= 1 << at;
         }
-        info->matrix = p.isMatrixShaper();
+        all.matrix = p.isMatrixShaper();
         const auto id = profileId(p.bytes());
-        std::copy(id.begin(), id.end(), info->id);
+        std::copy(id.begin(), id.end(), all.id);
         const Triple white = p.mediaWhite();
-        std::copy(white.begin(), white.end(), info->white);
-        if (p.header().space == ko::fourcc("CMYK") && info->tablesFrom)
-            info->totalInk = 100 * totalOfTables(p, Intent::relative);
-        copyText(info->name, p.description());
+        std::copy(white.begin(), white.end(), all.white);
+        if (p.header().space == ko::fourcc("CMYK") && all.tablesFrom)
+            all.totalInk = 100 * totalOfTables(p, Intent::relative);
+        copyText(all.name, p.description());
+        *info = all;
         return 1;
     });
 }

@@ -144,7 +144,7 @@ KOLINK_API KoPreciseProfile *koPreciseOpenProfile(const char *path, KoPreciseErr
 KOLINK_API KoPreciseProfile *koPreciseParseProfile(const void *bytes, size_t size,
                                                    KoPreciseError *error);
 KOLINK_API void koPreciseReleaseProfile(KoPreciseProfile *profile);
-/* Returns 1; 0 for null. */
+/* Returns 1; 0 for null and when memory is short, the record as it was. */
 KOLINK_API int32_t koPreciseDescribeProfile(const KoPreciseProfile *profile,
                                             KoPreciseProfileInfo *info);
 
