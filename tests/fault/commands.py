@@ -81,9 +81,9 @@ COMMANDS = [
      "link --base in/table.lut --gates in/gates.json --report -o out/a.icc", ["a.icc"]),
     ("report", "report in/link.icc --gates in/gates.json", []),
     ("report as JSON and a page", "report in/link.icc --json --html out/a.html --language ja", ["a.html"]),
-    ("report judged by profiles", "report in/small.icc --full", []),
     ("check", "check in/press.icc in/link.icc", []),
     ("check and mend", "check in/press.icc --fix out/a.icc --json", ["a.icc"]),
+    ("report judged by profiles", "report in/small.icc --full", []),
 ]
 TAKING_LONG = {"report judged by profiles"}
 
