@@ -338,6 +338,7 @@ Json faultJson(const Fault& fault) {
             {"rule", fault.rule},
             {"tag", fault.tag ? Json(precise::signatureText(fault.tag)) : Json(nullptr)},
             {"offset", fault.offset},
+            {"line", fault.line ? Json(fault.line) : Json(nullptr)},
             {"text", fault.text},
             {"remedy", fault.remedy}};
 }

@@ -1,11 +1,10 @@
 #include "cli/table_file.h"
 
 #include <algorithm>
-#include <charconv>
-#include <set>
 
 #include "cli/errors.h"
 #include "cli/icc_input.h"
+#include "quality/file_check.h"
 #include "table/table.h"
 #include "table/text.h"
 
@@ -16,13 +15,6 @@ constexpr size_t kMostWarnings = 20;
 
 bool hasDigit(std::string_view line) {
     return std::any_of(line.begin(), line.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
-bool isWholeNumber(std::string_view text) {
-    if (text.starts_with('+')) text.remove_prefix(1);
-    int32_t value = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
-    return read.ec == std::errc() && read.ptr == text.data() + text.size();
 }
 
 struct Form {
@@ -78,60 +70,17 @@ Table loadTable(const InputFile& file, std::optional<ColourSpace> space) {
 }
 
 TableReport checkTableText(const InputFile& file, const Table& table) {
-    const size_t inputs = table.cmyk ? 4 : 3, wanted = 2 * inputs;
+    const quality::TableFaults found = quality::checkTable(
+        file.text(), table.cmyk ? quality::TableSpace::cmyk : quality::TableSpace::rgb);
     TableReport report;
     report.nodes = table.cmyk ? KOLINK_CMYK_LUT_NODES : KOLINK_RGB_LUT_NODES;
-    std::set<size_t> given;
-    size_t number = 0;
-    bool data = false;
-    const auto warn = [&](const std::string& what) {
-        if (report.warnings.size() < kMostWarnings)
-            report.warnings.push_back("line " + std::to_string(number) + ": " + what);
-        else ++report.moreWarnings;
-    };
-    LineReader lines(file.text());
-    for (std::string_view line; lines.next(line);) {
-        ++number;
-        if (!data) {
-            data = table::isStart(line);
-            continue;
-        }
-        ++report.lines;
-        if (line.size() >= table::kLineSize)
-            warn("is longer than " + std::to_string(table::kLineSize - 1) + " bytes; the rest is not read");
-        line = table::countedPart(line);
-        if (!hasDigit(line)) {
-            warn("holds no number and sets the node of all zeros to 0");
-            given.insert(0);
-            continue;
-        }
-        table::Numbers numbers(line);
-        size_t count = 0;
-        size_t node = 0;
-        bool inside = true;
-        for (size_t at = 0;; ++at) {
-            const auto [value, text] = numbers.next();
-            if (!text.empty()) ++count;
-            if (at >= wanted) {
-                if (text.empty()) break;
-                continue;
-            }
-            if (!text.empty() && !isWholeNumber(text)) warn("'" + printable(text) + "' is not a whole number");
-            if (value < 0 || value > 255)
-                warn(at < inputs ? "a level is outside 0..255; the line is not used"
-                                 : "an output is outside 0..255; it is taken modulo 256");
-            else if (at < inputs && value != 255 && value % 16 != 0)
-                warn("level " + std::to_string(value) + " is between grid points");
-            if (at >= inputs) continue;
-            const auto index = table::indexOf(value);
-            inside = inside && index;
-            if (index) node = node * table::kGridPoints + *index;
-        }
-        if (count != wanted)
-            warn("has " + std::to_string(count) + " numbers instead of " + std::to_string(wanted));
-        if (inside && !given.insert(node).second) warn("gives a node again; the last line counts");
+    report.lines = found.lines;
+    report.nodesGiven = found.nodesGiven;
+    for (const quality::Fault& fault : found.faults) {
+        if (report.warnings.size() == kMostWarnings) break;
+        report.warnings.push_back("line " + std::to_string(fault.line) + ": " + printable(fault.text));
     }
-    report.nodesGiven = given.size();
+    report.moreWarnings = found.found - report.warnings.size();
     return report;
 }
 

@@ -5,6 +5,7 @@
 #include "precise/profile.h"
 #include "quality/element_check.h"
 #include "quality/file_check.h"
+#include "quality/sequence_mend.h"
 
 namespace ko::quality {
 namespace {
@@ -304,29 +305,91 @@ private:
 
 std::vector<Fault> checkIcc(std::span<const uint8_t> bytes) { return IccCheck(bytes).run(); }
 
+namespace {
+
+// A sequence of profiles in place of one that is wrong, or that a link lacks; empty: it may stay.
+std::vector<uint8_t> sequenceFor(std::span<const uint8_t> bytes, std::span<const uint8_t> element) {
+    const ElementContext context = {wordAt(bytes, 8) >> 24, wordAt(bytes, 12), wordAt(bytes, 16), wordAt(bytes, 20)};
+    const auto faultsOf = [&](std::span<const uint8_t> of) {
+        std::vector<Fault> faults;
+        checkElement(context, fourcc("pseq"), of, 0, faults);
+        return faults.size();
+    };
+    if (element.size() < 12 || wordAt(element, 0) != fourcc("pseq") || faultsOf(element) == 0) return {};
+    auto mended = mendSequence(element, context.version);
+    if (!mended.empty() && faultsOf(mended) > 0) mended.clear();
+    return mended;
+}
+
+// Of no profile, as the library writes it: a link whose profiles nobody knows.
+std::vector<uint8_t> emptySequence() {
+    std::vector<uint8_t> bytes;
+    ByteWriter out(bytes);
+    for (const uint32_t word : {fourcc("pseq"), 0u, 0u}) out.u32(word);
+    return bytes;
+}
+
+}  // namespace
+
 std::vector<uint8_t> mendIcc(std::span<const uint8_t> bytes) {
     const uint32_t count = wordAt(bytes, kHeader);
     const uint64_t start = kHeader + 4 + uint64_t{12} * count;
     if (bytes.size() < kHeader + 4 || wordAt(bytes, 36) != fourcc("acsp") || count == 0 || count > kMostTags ||
         start > bytes.size())
         return {};
-    std::vector<uint8_t> mended(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(start));
+    struct Part {
+        uint32_t signature, offset, size;
+    };
+    std::vector<Part> parts;
+    bool hasSequence = false;
+    std::vector<uint8_t> sequence;  // one that is new
+    for (uint32_t at = 0; at < count; ++at) {
+        const size_t entry = kHeader + 4 + 12 * size_t{at};
+        const Part part = {wordAt(bytes, entry), wordAt(bytes, entry + 4), wordAt(bytes, entry + 8)};
+        if (part.offset < start || uint64_t{part.offset} + part.size > bytes.size()) return {};
+        if (part.signature == fourcc("pseq") && !hasSequence) {
+            hasSequence = true;
+            sequence = sequenceFor(bytes, bytes.subspan(part.offset, part.size));
+        }
+        parts.push_back(part);
+    }
+    const bool lacksSequence = wordAt(bytes, 12) == fourcc("link") && !hasSequence && count < kMostTags;
+    if (lacksSequence) {
+        sequence = emptySequence();
+        parts.push_back({fourcc("pseq"), 0, 0});
+    }
+    std::vector<uint8_t> mended(bytes.begin(), bytes.begin() + kHeader + 4);
+    mended.resize(kHeader + 4 + 12 * parts.size());
     const auto put = [&](size_t at, uint32_t word) {
         for (size_t byte = 0; byte < 4; ++byte) mended[at + byte] = static_cast<uint8_t>(word >> (24 - 8 * byte));
     };
+    const auto add = [&](std::span<const uint8_t> element) {
+        const auto place = static_cast<uint32_t>(mended.size());
+        mended.insert(mended.end(), element.begin(), element.end());
+        mended.resize((mended.size() + 3) / 4 * 4);
+        return place;
+    };
+    put(kHeader, static_cast<uint32_t>(parts.size()));
+    const uint64_t most = bytes.size() + 4 * uint64_t{count} + 16 + sequence.size();
     std::map<std::pair<uint32_t, uint32_t>, uint32_t> placed;
-    for (uint32_t at = 0; at < count; ++at) {
-        const size_t entry = kHeader + 4 + 12 * size_t{at};
-        const uint32_t offset = wordAt(bytes, entry + 4), size = wordAt(bytes, entry + 8);
-        if (offset < start || uint64_t{offset} + size > bytes.size()) return {};
-        const auto [place, isNew] = placed.emplace(std::pair(offset, size), static_cast<uint32_t>(mended.size()));
-        // Entries that overlap could claim the file many times over.
-        if (isNew && mended.size() + uint64_t{size} > bytes.size() + 4 * uint64_t{count}) return {};
-        if (isNew) {
-            mended.insert(mended.end(), bytes.begin() + offset, bytes.begin() + offset + size);
-            mended.resize((mended.size() + 3) / 4 * 4);
+    size_t entry = kHeader + 4;
+    for (const auto& [signature, offset, size] : parts) {
+        uint32_t place = 0, length = size;
+        if (signature == fourcc("pseq") && !sequence.empty()) {
+            place = add(sequence);
+            length = static_cast<uint32_t>(sequence.size());
+            sequence.clear();  // of two the first one counts
+        } else {
+            const auto [known, isNew] = placed.emplace(std::pair(offset, size), uint32_t{0});
+            // Entries that overlap could claim the file many times over.
+            if (isNew && mended.size() + uint64_t{size} > most) return {};
+            if (isNew) known->second = add(bytes.subspan(offset, size));
+            place = known->second;
         }
-        put(entry + 4, place->second);
+        for (const uint32_t word : {signature, place, length}) {
+            put(entry, word);
+            entry += 4;
+        }
     }
     put(0, static_cast<uint32_t>(mended.size()));
     mended[10] = mended[11] = 0;

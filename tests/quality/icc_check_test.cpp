@@ -332,6 +332,49 @@ TEST(IccMend, LeavesASoundProfileAsItIs) {
     EXPECT_EQ(quality::mendIcc(linkFrom(linkTags())), linkFrom(linkTags()));
 }
 
+Bytes sequenceOf(uint32_t claimed, const std::vector<Bytes>& texts) {
+    Bytes bytes = element("pseq");
+    append32(bytes, claimed);
+    for (size_t at = 0; at < texts.size(); ++at) {
+        if (at % 2 == 0) bytes.resize(bytes.size() + 20, 7);
+        bytes.insert(bytes.end(), texts[at].begin(), texts[at].end());
+    }
+    return bytes;
+}
+Bytes withoutUnicode(std::string_view text) {  // the ASCII part alone, without its end
+    Bytes bytes = element("desc");
+    append32(bytes, static_cast<uint32_t>(text.size()));
+    append(bytes, text);
+    return bytes;
+}
+
+TEST(IccMend, PutsTheSequenceOfALinkRight) {
+    const Bytes one = descriptionElement("One"), two = descriptionElement("Two");
+    const Bytes whole = sequenceOf(2, {one, two, two, one});
+    const auto mendedOf = [](const Bytes& sequence) {
+        return quality::mendIcc(linkFrom(with(linkTags(), "pseq", sequence)));
+    };
+    const Bytes broken = linkFrom(with(linkTags(), "pseq", sequenceOf(9, {one, two, two, one})));
+    EXPECT_EQ(rulesOf(broken), std::vector<std::string>{"sequence"});
+    EXPECT_EQ(mendedOf(sequenceOf(9, {one, two, two, one})), linkFrom(with(linkTags(), "pseq", whole)));
+    EXPECT_EQ(mendedOf(sequenceOf(2, {withoutUnicode("One"), two, withoutUnicode("Two"), withoutUnicode("One")})),
+              linkFrom(with(linkTags(), "pseq", whole)));
+    const Bytes lost = sequenceOf(2, {one, two, two, kRamp});
+    EXPECT_EQ(mendedOf(lost), linkFrom(with(linkTags(), "pseq", sequenceOf(1, {one, two}))));
+    for (const Bytes& mended : {mendedOf(lost), mendedOf(whole)}) EXPECT_EQ(rulesOf(mended), std::vector<std::string>{});
+}
+
+TEST(IccMend, GivesALinkWithoutASequenceAnEmptyOne) {
+    std::vector<Tag> tags = linkTags();
+    std::erase_if(tags, [](const Tag& tag) { return tag.signature == "pseq"; });
+    EXPECT_EQ(rulesOf(linkFrom(tags)), std::vector<std::string>{"tag-missing"});
+    tags.push_back({"pseq", sequenceOf(0, {})});
+    const Bytes mended = quality::mendIcc(linkFrom({tags.begin(), tags.end() - 1}));
+    EXPECT_EQ(mended, linkFrom(tags));
+    EXPECT_EQ(rulesOf(mended), std::vector<std::string>{});
+    EXPECT_EQ(quality::mendIcc(mended), mended);
+}
+
 TEST(IccMend, LetsTagsShareTheirBytes) {
     const Bytes profile = display();
     const Bytes shared = changed(profile, 132 + 12 * 7 + 4, get32(profile, 132 + 12 * 6 + 4));
