@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "cli/files.h"
-#include "cli/quality_report.h"
+#include "cli/quality_summary.h"
 #include "quality/quality.h"
 
 namespace ko::cli {

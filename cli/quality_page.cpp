@@ -14,10 +14,10 @@ namespace {
 
 using namespace quality;
 
-// Every text of the page; the order of the languages is PageLanguage's.
+// Every text of the page; the order of the languages is Language's.
 enum class Word {
     title, comparison, verdict, passes, stopped, noGates, summary, measure, colour, reachable, best, purity, black, grey,
-    ink, smoothness, jump, ramps, rampsHelp, histogram, histogramHelp, gamut, gamutHelp, inkMap, inkMapHelp, worst,
+    ink, smoothness, file, ramps, rampsHelp, histogram, histogramHelp, gamut, gamutHelp, inkMap, inkMapHelp, worst,
     worstHelp, groups, prices, pricesHelp, mean, median, worstValue, count, wanted, printed, inks, foreign, levels,
     provenance, key, value, faults, nothingWrong, source, destination, noProfiles, sortBy, name, all, unreachable,
     primaries, secondaries, greys, skin, highlights, shadows, withPurity, withBlack, withInkLimit, withLevels, link,
@@ -40,7 +40,7 @@ constexpr const char* kWords[static_cast<size_t>(Word::countOf)][3] = {
     {"Grey", "グレー", "灰"},
     {"Ink", "インキ", "油墨"},
     {"Smoothness", "滑らかさ", "平滑度"},
-    {"Jump", "段差", "跳变"},
+    {"File", "ファイル", "文件"},
     {"Ramps", "階調", "阶调"},
     {"Lightness L* along the ramp: the source dashed, the print solid. Below, the colours.", "階調に沿う明度 L*。破線は元の色、実線は印刷。下は色見本。", "沿阶调的明度 L*:虚线为源,实线为印刷。下方为颜色。"},
     {"Colour differences", "色差の分布", "色差分布"},
@@ -141,7 +141,7 @@ std::string labHex(const Triple& lab) { return hexColour(labColour(lab[0], lab[1
 
 class Page {
 public:
-    Page(std::span<const ReportedLink> links, PageLanguage language) : links_(links), language_(language) {}
+    Page(std::span<const ReportedLink> links, Language language) : links_(links), language_(language) {}
 
     std::string make() {
         constexpr const char* kTags[] = {"en", "ja", "zh"};
@@ -170,7 +170,7 @@ private:
         for (const ReportedLink& link : links_) {
             std::string failing;
             for (const GateResult& gate : link.gates)
-                if (!gate.holds) failing += "<li>" + escaped(gateLine(gate)) + "</li>";
+                if (!gate.holds) failing += "<li>" + escaped(gateLine(gate, language_)) + "</li>";
             const char* const kind = link.gates.empty() ? "" : failing.empty() ? " good" : " bad";
             out_ += "<div class=\"verdict" + std::string(kind) + "\"><strong>" + escaped(link.path) + "</strong><br>";
             if (link.gates.empty()) out_ += word(Word::noGates);
@@ -186,24 +186,16 @@ private:
         out_ += "<div class=\"scroll\"><table><thead><tr><th>" + std::string(word(Word::measure)) + "</th>";
         for (const ReportedLink& link : links_) out_ += "<th class=\"text\">" + escaped(link.path) + "</th>";
         out_ += "</tr></thead><tbody>";
-        std::vector<std::vector<std::string>> columns;
-        for (const ReportedLink& link : links_) {
-            auto& lines = columns.emplace_back();
-            const std::string text = qualitySummary(link);
-            for (size_t at = 0; at < text.size();) {
-                const size_t end = text.find('\n', at);
-                lines.push_back(text.substr(at, end - at));
-                at = end + 1;
-            }
-        }
-        constexpr size_t kLabel = 12;
+        std::vector<Summary> columns;
+        for (const ReportedLink& link : links_) columns.push_back(summaryOf(link, language_));
         const std::string rows[] = {word(Word::link), std::string(word(Word::source)) + ", " + word(Word::destination),
                                     word(Word::colour), word(Word::reachable), word(Word::best), word(Word::worst),
                                     word(Word::purity), word(Word::black), word(Word::grey), word(Word::ink),
-                                    word(Word::smoothness), word(Word::jump)};
+                                    word(Word::smoothness), word(Word::file)};
+        static_assert(std::size(rows) == static_cast<size_t>(Row::countOf));
         for (size_t row = 0; row < std::size(rows); ++row) {
             out_ += "<tr><td>" + rows[row] + "</td>";
-            for (const auto& lines : columns) out_ += "<td class=\"text\">" + escaped(lines[row].substr(kLabel)) + "</td>";
+            for (const Summary& lines : columns) out_ += "<td class=\"text\">" + escaped(lines[row]) + "</td>";
             out_ += "</tr>";
         }
         out_ += "</tbody></table></div></section>";
@@ -435,13 +427,13 @@ private:
     }
 
     std::span<const ReportedLink> links_;
-    PageLanguage language_;
+    Language language_;
     std::string out_;
 };
 
 }  // namespace
 
-std::string qualityPage(std::span<const ReportedLink> links, PageLanguage language) {
+std::string qualityPage(std::span<const ReportedLink> links, Language language) {
     return Page(links, language).make();
 }
 

@@ -4,12 +4,10 @@
 #include <span>
 #include <string>
 
-#include "cli/quality_report.h"
+#include "cli/quality_summary.h"
 
 namespace ko::cli {
 
-enum class PageLanguage { english, japanese, chinese };
-
-std::string qualityPage(std::span<const ReportedLink> links, PageLanguage language);
+std::string qualityPage(std::span<const ReportedLink> links, Language language);
 
 }  // namespace ko::cli

@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-#include "cli/text.h"
+#include "cli/quality_summary.h"
 
 namespace ko::cli {
 namespace {
@@ -194,12 +194,7 @@ Json smoothJson(const SmoothReport& report, const Subject& subject) {
     return json;
 }
 
-std::string faultsText(const Findings& findings) {
-    const size_t errors = findings.errors();
-    if (findings.faults.empty()) return "nothing is wrong with the file";
-    return errors == 0 ? "the file has no error"
-                       : "errors in the file: " + std::to_string(errors) + " (kolink check tells them)";
-}
+}  // namespace
 
 const char* gateName(Gate gate) {
     switch (gate) {
@@ -213,120 +208,6 @@ const char* gateName(Gate gate) {
     }
     return "";
 }
-
-// ---- The summary ------------------------------------------------------------------------------
-
-std::string percents(const Colour& colour, int channels) {  // "87, 20, 100, 3"
-    std::string text;
-    for (int ch = 0; ch < channels; ++ch)
-        text += (ch ? ", " : "") + number(colour[static_cast<size_t>(ch)] * 100, 1);
-    return text;
-}
-std::string de(double value) { return number(value, value < 1 ? 3 : 2); }
-std::string percentText(double part) { return number(part * 100, 1) + " %"; }
-
-std::string line(const char* label, const std::string& text) {
-    std::string whole = label;
-    whole.resize(std::max<size_t>(whole.size(), 12), ' ');
-    return whole + text + '\n';
-}
-
-std::string fileLine(const LinkFacts& facts) {
-    std::string text = spaceName(facts.sourceSpace) + " to " + spaceName(facts.destinationSpace);
-    if (facts.bits > 0) {
-        text += ", " + std::to_string(facts.points[0]);
-        bool same = true;
-        for (int axis = 1; axis < facts.inputs; ++axis)
-            same = same && facts.points[static_cast<size_t>(axis)] == facts.points[0];
-        for (int axis = 1; axis < facts.inputs && !same; ++axis)
-            text += " x " + std::to_string(facts.points[static_cast<size_t>(axis)]);
-        text += " points, " + std::to_string(facts.bits) + " bits";
-    }
-    return text + ", " + intentName(facts.intent) + ", ICC " + std::to_string(facts.version >> 24) + '.' +
-           std::to_string(facts.version >> 20 & 15);
-}
-
-std::string purityLine(const PurityReport& report, bool toInk) {
-    if (!toInk) return "no inks";
-    std::string pure, impure;
-    for (const PureRamp& ramp : report.ramps) {
-        const std::string name = *ramp.inks ? ramp.inks : "white";
-        std::string& list = ramp.pure() ? pure : impure;
-        list += (list.empty() ? "" : ", ") + name;
-        if (!ramp.pure()) list += " (" + number(std::max(ramp.foreign, ramp.foreignByLevels) * 100, 1) + " %)";
-    }
-    if (impure.empty()) return "pure: " + pure;
-    return (pure.empty() ? "nothing is pure" : "pure: " + pure) + "; foreign ink in " + impure;
-}
-
-std::string blackLine(const BlackReport& report, bool seen) {
-    if (!report.hasRamp) return "no ramp of black: not from CMYK to CMYK";
-    const BlackPoint& full = report.ramp.back();
-    std::string text = "100 K becomes " + percents(full.out, 4);
-    if (seen)
-        text += ", L* " + number(full.lightness, 1) + " (source " + number(full.wantedLightness, 1) +
-                "), ramp ΔE00 mean " + de(report.difference.mean);
-    return text + "; from pure to near black at most " + percentText(report.step);
-}
-
-std::string greyLine(const BlackReport& report, bool seen) {
-    if (!seen) return "not known without profiles";
-    if (report.greys.empty()) return "the source prints no greys of colour";
-    std::string text = "a*, b* off by " + number(report.cast, 2) + " at most";
-    if (report.blackStart >= 0) text += "; black from L* " + number(report.blackStart, 1) + " on";
-    return text;
-}
-
-std::string inkLine(const InkReport& report, const Subject& subject) {
-    if (!subject.toInk()) return "no inks";
-    std::string text = "highest " + percentText(report.most) + " at " +
-                       percents(report.mostAt, subject.facts().inputs) + "; mean " + percentText(report.mean);
-    if (subject.fromInk()) {
-        const double saving = report.saving();
-        text += ", " + percentText(std::abs(saving)) + (saving < 0 ? " more" : " less") + " than the source";
-    }
-    return text;
-}
-
-std::string smoothLine(const SmoothReport& report) {
-    std::string text = "second differences mean " + number(report.bends.mean, 3) + ", 95 % " +
-                       number(report.bends.p95, 3) + (report.ofColours ? "" : " % of ink");
-    if (report.ofColours)
-        text += report.reversals == 0 ? "; L* never turns"
-                                      : "; L* turns " + std::to_string(report.reversals) + " times, by " +
-                                            number(report.worstReversal, 2) + " at most";
-    return text;
-}
-
-std::string jumpLine(const Subject& subject) {
-    const NodeFacts& nodes = subject.nodes();
-    if (nodes.nodes == 0) return "no grid";
-    return "at most " + percentText(nodes.jump) + " between neighbouring nodes, from " +
-           percents(nodes.jumpFrom, subject.facts().inputs) + " to " + percents(nodes.jumpTo, subject.facts().inputs);
-}
-
-std::string missingText(const Origin& missing) {
-    switch (missing.state) {
-        case Origin::State::gone: return printable(missing.path) + " is not where it was";
-        case Origin::State::changed: return printable(missing.path) + " is not the profile that the link was made from";
-        default: return "the link does not name them";
-    }
-}
-
-std::string judgedLine(const ReportedLink& link) {
-    if (!link.judgedBy)
-        return "no profiles, colours are not judged: " + missingText(link.missing) + " (--source, --destination)";
-    const JudgedBy& by = *link.judgedBy;
-    return printable(by.source) + " and " + printable(by.destination) + ", " + intentName(by.intent) +
-           (by.compensateBlack ? " with black-point compensation" : "");
-}
-
-std::string spreadText(const Spread& of) {
-    return "mean " + de(of.mean) + ", median " + de(of.median) + ", 95 % " + de(of.p95) + ", 99 % " + de(of.p99) +
-           ", worst " + de(of.worst);
-}
-
-}  // namespace
 
 const char* levelName(Level level) {
     constexpr const char* kLevels[] = {"error", "warning", "note"};
@@ -372,49 +253,6 @@ Json qualityJson(const ReportedLink& link) {
         json["gates"].push_back({{"gate", gateName(gate.gate)}, {"limit", rounded(gate.limit)},
                                  {"found", rounded(gate.found)}, {"holds", gate.holds}});
     return json;
-}
-
-std::string qualitySummary(const ReportedLink& link) {
-    const Findings& findings = link.findings;
-    const bool seen = findings.colour.has_value();
-    std::string out = line("Link", printable(link.path) + ": " + fileLine(link.subject.facts()));
-    out += line("Judged by", judgedLine(link));
-    if (seen) {
-        const ColourReport& colour = *findings.colour;
-        const Spread &all = colour.group("all").difference, &near = colour.group("reachable").difference;
-        const JudgedColour& worst = colour.colours[colour.worst.front()];
-        out += line("Colour", "ΔE00 " + spreadText(all) + " over " + grouped(all.count) + " colours");
-        out += line("Reachable", percentText(static_cast<double>(near.count) / static_cast<double>(all.count)) +
-                                     " of them: " + spreadText(near));
-        out += line("Best", "without any limit " + spreadText(colour.group("all").best));
-        out += line("Worst", percents(worst.in, link.subject.facts().inputs) + " becomes " +
-                                 percents(worst.out, link.subject.facts().outputs) + ": ΔE00 " +
-                                 de(worst.difference) + " (best " + de(worst.best) + ")");
-    } else {
-        for (const char* label : {"Colour", "Reachable", "Best", "Worst"})
-            out += line(label, "not known without profiles");
-    }
-    out += line("Purity", purityLine(findings.purity, link.subject.toInk()));
-    out += line("Black", blackLine(findings.black, seen));
-    out += line("Grey", greyLine(findings.black, seen));
-    out += line("Ink", inkLine(findings.ink, link.subject));
-    out += line("Smoothness", smoothLine(findings.smoothness));
-    out += line("Jump", jumpLine(link.subject) + "; " + faultsText(findings));
-    return out;
-}
-
-std::string gateLine(const GateResult& gate) {
-    const std::string name = std::string("gate ") + gateName(gate.gate);
-    switch (gate.gate) {
-        case Gate::de95: return name + ": ΔE00 of reachable colours is " + de(gate.found) + " at 95 %, more than " + de(gate.limit);
-        case Gate::deMean: return name + ": ΔE00 of reachable colours is " + de(gate.found) + " in the mean, more than " + de(gate.limit);
-        case Gate::ink: return name + ": up to " + number(gate.found, 1) + " % of ink, more than " + number(gate.limit, 1) + " %";
-        case Gate::jump: return name + ": an ink jumps by " + number(gate.found, 1) + " % between neighbouring nodes, more than " + number(gate.limit, 1) + " %";
-        case Gate::pure: return name + ": up to " + number(gate.found, 2) + " % of foreign ink where there must be none";
-        case Gate::white: return name + ": white has " + number(gate.found, 2) + " % of an ink";
-        case Gate::conformance: return name + ": errors in the file: " + number(gate.found, 0) + " (kolink check tells them)";
-    }
-    return name;
 }
 
 }  // namespace ko::cli

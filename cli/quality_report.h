@@ -1,4 +1,4 @@
-// What quality/ finds out about a link, as JSON and as a summary for people.
+// What quality/ finds out about a link, as JSON.
 #pragma once
 
 #include <optional>
@@ -31,14 +31,11 @@ struct ReportedLink {
 // As docs/report.schema.json has it: ink in percent, colours with four decimals.
 Json qualityJson(const ReportedLink& link);
 
-// Twelve lines.
-std::string qualitySummary(const ReportedLink& link);
-
 // A fault of a file, as kolink check and the report tell it.
 const char* levelName(quality::Level level);
 Json faultJson(const quality::Fault& fault);
 
-// The gate in words, as the option has it, with its limit and what was found.
-std::string gateLine(const quality::GateResult& gate);
+// As the option is called, without its dashes.
+const char* gateName(quality::GateResult::Gate gate);
 
 }  // namespace ko::cli

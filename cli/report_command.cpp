@@ -97,9 +97,9 @@ private:
             inputs.push_back(one->judgedBy->source);
             inputs.push_back(one->judgedBy->destination);
         }
-        const PageLanguage language = options_.language == "ja"   ? PageLanguage::japanese
-                                      : options_.language == "zh" ? PageLanguage::chinese
-                                                                  : PageLanguage::english;
+        const Language language = options_.language == "ja"   ? Language::japanese
+                                  : options_.language == "zh" ? Language::chinese
+                                                              : Language::english;
         const ArithmeticMode arithmetic;
         writeText(*options_.page, qualityPage(links, language), inputs);
     }

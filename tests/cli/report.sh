@@ -11,6 +11,7 @@ twelve_lines() {
         grep -qE '^Purity +pure: white, C, M, Y, K, CM, CY, MY' "$out"
 }
 check "report has a summary of twelve lines" twelve_lines
+check "jump and file are told apart" eval 'grep -qE "^Smoothness .*; neighbouring nodes at most [0-9.]+ % apart" "$out" && grep -q "^File        nothing is wrong with it" "$out"'
 (mkdir lonely && cp report.icc lonely/away.icc && cd lonely && kolink report away.icc > "$out")
 cp report.icc away.icc
 check "report without profiles says so" grep -q 'no profiles' "$out"
@@ -82,9 +83,18 @@ page() {  # page LINKS... : one file that asks for nothing from elsewhere
 check "report --html writes a page with every section" page report.icc
 check "and one of two links" page report.icc other.icc
 check "the two stand beside each other" eval '[ "$(grep -o "<th class=\"text\">[^<]*" page.html | wc -l)" = 2 ]'
-check "the page speaks Japanese" eval 'report report.icc --html - --language ja && grep -q "lang=\"ja\"" "$out" && grep -q 滑らかさ "$out"'
-check "the page speaks Chinese" eval 'report report.icc --html - --language zh && grep -q "lang=\"zh\"" "$out"'
+check "the page speaks Japanese" eval 'report report.icc --html - --language ja && grep -q "lang=\"ja\"" "$out" && grep -q 滑らかさ "$out" && grep -q "隣り合う格子点の差は最大" "$out"'
+check "the page speaks Chinese" eval 'report report.icc --html - --language zh && grep -q "lang=\"zh\"" "$out" && grep -q 相邻节点最多相差 "$out"'
 check "a page of a link without profiles says so" eval 'report away.icc --html - && grep -q "not judged" "$out"'
+pages() {  # in three languages, as a reader of HTML sees them
+    local language
+    for language in en ja zh; do
+        report "$@" --source "$printer" --destination "$printer" --max-ink 10 --html "$meanwhile/$language.html" --language $language
+    done
+    python3 "$top/tests/cli/page_form.py" "$meanwhile"/{en,ja,zh}.html
+}
+check "the pages are well-formed, whole, and in three languages" pages report.icc
+check "and so are those of two links" pages report.icc other.icc
 refuses "a page over the link" 1 "is the input file" report report.icc --html report.icc
 refuses "a page in a language that there is none of" 2 "fr" report report.icc --html x.html --language fr
 refuses "a report of three links" 2 "two are compared" report report.icc other.icc away.icc
