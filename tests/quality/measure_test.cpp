@@ -221,6 +221,81 @@ TEST(LinkMeasures, JudgeInksWhereThereAreNoProfiles) {
     EXPECT_EQ(measured.findings.smoothness.bends.count, 2540u);
 }
 
+TEST(LinkMeasures, SpreadValuesByTheirPlaces) {
+    std::vector<double> values;
+    for (int value = 100; value > 0; --value) values.push_back(value);
+    const Spread spread = spreadOf(values);
+    EXPECT_EQ(spread.count, 100u);
+    EXPECT_EQ(spread.mean, 50.5);
+    EXPECT_EQ(spread.median, 51);
+    EXPECT_EQ(spread.p90, 91);
+    EXPECT_EQ(spread.p95, 96);
+    EXPECT_EQ(spread.p99, 100);
+    EXPECT_EQ(spread.worst, 100);
+}
+
+TEST(LinkMeasures, FollowBlackFromTenthToTenth) {
+    const Measured thin(linkOf(2, [](Colour in) {
+        in[3] *= 0.5;
+        return in;
+    }), &pressA(), &pressA());
+    const BlackReport& black = thin.findings.black;
+    ASSERT_EQ(black.ramp.size(), 11u);
+    for (size_t at = 0; at < black.ramp.size(); ++at) {
+        const BlackPoint& point = black.ramp[at];
+        EXPECT_NEAR(point.level, static_cast<double>(at) / 10, 0.004);
+        EXPECT_NEAR(point.out[3], point.level / 2, 1e-4);
+        EXPECT_EQ(point.lightness, thin.subject->printed(point.out)[0]);
+    }
+    EXPECT_GT(black.ramp.back().lightness, black.ramp.back().wantedLightness + 10);
+    EXPECT_EQ(black.difference.count, 256u);
+    EXPECT_NEAR(black.difference.worst, black.ramp.back().difference, 1e-9);
+}
+
+TEST(LinkMeasures, FindTheCastOfGreysAndWhereTheirBlackStarts) {
+    const Measured same(linkOf(5, kSame), &pressA(), &pressA());
+    EXPECT_LT(same.findings.black.cast, 0.1);
+    EXPECT_LT(same.findings.black.blackStart, 0);
+    const Measured cold(linkOf(5, [](Colour in) {
+        in[0] = std::min(1.0, in[0] * 1.25);
+        if (in[1] > 0.4 && in[2] > 0.4) in[3] = std::max(in[3], 0.2);
+        return in;
+    }), &pressA(), &pressA());
+    const BlackReport& black = cold.findings.black;
+    EXPECT_GT(black.cast, 3);
+    EXPECT_GT(black.blackStart, 20);
+    EXPECT_LT(black.blackStart, 90);
+    for (const GreyPoint& grey : black.greys) EXPECT_EQ(grey.out[3] > 0.005, grey.wanted[0] <= black.blackStart);
+}
+
+TEST(LinkMeasures, CountEveryInk) {
+    const Measured thin(linkOf(2, [](const Colour& in) { return Colour{in[0] * 0.5, in[1] * 0.25, in[2], in[3]}; }));
+    const InkReport& ink = thin.findings.ink;
+    EXPECT_NEAR(ink.means[0], ink.sourceMeans[0] * 0.5, 1e-4);
+    EXPECT_NEAR(ink.means[1], ink.sourceMeans[1] * 0.25, 1e-4);
+    EXPECT_NEAR(ink.means[3], ink.sourceMeans[3], 1e-4);
+    EXPECT_NEAR(ink.peaks[0], 0.5, 1e-4);
+    EXPECT_NEAR(ink.peaks[2], 1, 1e-4);
+    EXPECT_NEAR(ink.mean, ink.means[0] + ink.means[1] + ink.means[2] + ink.means[3], 1e-9);
+    EXPECT_NEAR(ink.saving(), 1 - ink.mean / ink.sourceMean, 1e-9);
+    EXPECT_GT(ink.saving(), 0.2);
+}
+
+TEST(LinkMeasures, SeeStepsThatStandStillOrAreLarge) {
+    const auto rough = [](int steps) {  // black in so many steps
+        return Measured(linkOf(33, [steps](Colour in) {
+            in[3] = std::floor(in[3] * steps) / steps;
+            return in;
+        }), &pressA(), &pressA());
+    };
+    const SmoothReport fine = rough(32).findings.smoothness, coarse = rough(4).findings.smoothness;
+    EXPECT_LT(fine.stillSteps, 0.01);
+    EXPECT_GT(coarse.stillSteps, fine.stillSteps + 0.05);
+    EXPECT_LT(fine.largestStep, 3);
+    EXPECT_GT(coarse.largestStep, fine.largestStep + 1);
+    EXPECT_GT(coarse.bends.worst, fine.bends.worst + 1);
+}
+
 TEST(LinkMeasures, ReadALinksProvenance) {
     const Measured measured(madeLink(small(), "source-file: a.icc\nodd line\n"));
     const LinkFacts& facts = measured.subject->facts();
