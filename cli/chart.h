@@ -13,7 +13,7 @@
 
 namespace ko::cli {
 
-constexpr const char* kInkLines[4] = {"#0a97d9", "#d81b7d", "#e0ac00", "#20242b"};  // C, M, Y, K
+using cmyk::kInkLines;
 constexpr const char* kInkNames[4] = {"C", "M", "Y", "K"};
 constexpr const char* kLightLines[3] = {"#d92d20", "#039855", "#1570ef"};  // R, G, B
 constexpr double kMargin = 32;

@@ -30,55 +30,37 @@ void drawCurveCard(Svg& svg, double x, double y, size_t index, const InkCurve& c
 }
 
 // What a technician asks of a ramp: do the inks that were not in it stay out, and from where on?
-void drawVerdict(Svg& svg, Point at, const Ramp& ramp, const std::vector<Cmyk>& out) {
-    double most = 0;
-    size_t pureFrom = 0;  // the level from which on nothing else is printed
+void drawVerdict(Svg& svg, Point at, const cmyk::RampResult& result) {
     std::string inks;
-    for (size_t ink = 0; ink < 4; ++ink) {
-        if (ramp.inks[ink] != 0) continue;
-        double highest = 0;
-        for (size_t level = 0; level < out.size(); ++level) {
-            highest = std::max(highest, out[level][ink]);
-            if (out[level][ink] > 0) pureFrom = std::max(pureFrom, level + 1);
-        }
-        if (highest > 0) inks += (inks.empty() ? "" : ", ") + std::string(kInkNames[ink]);
-        most = std::max(most, highest);
-    }
-    const std::string amount = number(most * 100, most < 0.1 ? 1 : 0) + " %";
-    if (inks.empty()) svg.text(at, "no other ink", R"(class="good" text-anchor="end")");
-    else if (pureFrom <= out.size() / 2)
-        svg.text(at, "pure from " + number(std::ceil(static_cast<double>(pureFrom) / 2.55), 0) + " %, " + inks +
+    for (size_t ink = 0; ink < 4; ++ink)
+        if (result.foreign[ink]) inks += (inks.empty() ? "" : ", ") + std::string(kInkNames[ink]);
+    const std::string amount = number(result.most * 100, result.most < 0.1 ? 1 : 0) + " %";
+    if (result.isPure()) svg.text(at, "no other ink", R"(class="good" text-anchor="end")");
+    else if (result.pureFrom <= result.out.size() / 2)
+        svg.text(at, "pure from " + number(std::ceil(static_cast<double>(result.pureFrom) / 2.55), 0) + " %, " + inks +
                          " below", R"(class="warn" text-anchor="end")");
     else svg.text(at, "+ " + inks + ", up to " + amount, R"(class="warn" text-anchor="end")");
 }
 
 void drawRampCard(Svg& svg, double x, double y, const Ramp& ramp, const std::function<Cmyk(const Cmyk&)>& convert) {
-    std::vector<Cmyk> out;
-    std::vector<Rgb> before, after;
-    for (size_t level = 0; level < kRampLevels; ++level) {
-        const Cmyk colour = levelOf(ramp, level);
-        out.push_back(convert(colour));
-        if (level % 4 != 0 && level + 1 != kRampLevels) continue;
-        before.push_back(inkColour(colour));
-        after.push_back(inkColour(out.back()));
-    }
+    const cmyk::RampResult result = resultOf(ramp, convert);
     card(svg, x, y, kRampCard, kRampCardHeight);
     svg.text({x + 16, y + 24}, ramp.name, R"(class="name")");
-    drawVerdict(svg, {x + kRampCard - 16, y + 24}, ramp, out);
+    drawVerdict(svg, {x + kRampCard - 16, y + 24}, result);
 
     const double left = x + 46, width = kRampCard - 62;
     Chart chart(svg, left, y + 38, width, 200, Labels::full, "ink in, %", "ink out, %");
     chart.diagonal();
     for (size_t ink = 0; ink < 4; ++ink) {
+        if (!result.printed[ink]) continue;  // it stays out
         std::vector<double> values;
-        for (const Cmyk& colour : out) values.push_back(colour[ink]);
-        if (*std::max_element(values.begin(), values.end()) == 0) continue;  // it stays out
+        for (const Cmyk& colour : result.out) values.push_back(colour[ink]);
         chart.curve(values, kInkLines[ink]);
     }
     svg.text({left - 6, y + 288}, "in", R"(class="tick" text-anchor="end")");
-    drawStrip(svg, left, y + 275, width, 20, before);
+    drawStrip(svg, left, y + 275, width, 20, result.before);
     svg.text({left - 6, y + 314}, "out", R"(class="tick" text-anchor="end")");
-    drawStrip(svg, left, y + 301, width, 20, after);
+    drawStrip(svg, left, y + 301, width, 20, result.after);
 }
 
 std::string inPercent(const Cmyk& colour) {

@@ -9,14 +9,6 @@
 namespace ko::cli {
 namespace {
 
-// Overprint colours in sRGB; bit 0 is C, 1 M, 2 Y, 3 K.
-constexpr uint8_t kOverprints[16][3] = {
-    {255, 255, 255}, {0, 158, 224}, {226, 0, 122}, {49, 39, 130},
-    {255, 236, 0},   {0, 151, 64},  {227, 6, 19},  {60, 50, 48},
-    {34, 32, 30},    {18, 26, 32},  {32, 16, 22},  {14, 13, 22},
-    {34, 32, 14},    {14, 24, 16},  {32, 14, 12},  {8, 7, 7},
-};
-
 // Linear light of each 8-bit sRGB level.
 std::array<double, 256> lightTable() {
     std::array<double, 256> light{};
@@ -38,16 +30,6 @@ double displayLevel(double light) {  // the nearest 8-bit level, 0..1
 }
 
 }  // namespace
-
-Rgb inkColour(const Cmyk& inks) {
-    Rgb colour{};
-    for (unsigned overprint = 0; overprint < 16; ++overprint) {
-        double area = 1;
-        for (unsigned ink = 0; ink < 4; ++ink) area *= overprint >> ink & 1 ? inks[ink] : 1 - inks[ink];
-        for (size_t i = 0; i < 3; ++i) colour[i] += area * kOverprints[overprint][i] / 255;
-    }
-    return colour;
-}
 
 Rgb labColour(double lightness, double a, double b) {
     double colour[3] = {lightness, a, b};

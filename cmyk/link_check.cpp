@@ -8,24 +8,15 @@
 #include "frame/path.h"
 #include "frame/text.h"
 #include "icc/icc.h"
+#include "icc/words.h"
 #include "resources/texts.h"
 #include "tone/tone.h"
 
 namespace ko::cmyk {
 namespace {
 
+using icc::signatureText;
 using Found = std::optional<Problem>;
-
-// The four characters, without blanks at the end; others than ASCII as '?'.
-std::string signatureText(uint32_t signature) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        const auto character = static_cast<char>(signature >> shift & 255);
-        text += character >= 0x20 && character < 0x7f ? character : '?';
-    }
-    while (!text.empty() && text.back() == ' ') text.pop_back();
-    return text;
-}
 
 // The table of a tag has to convert between these numbers of channels.
 Found checkTable(IccProfile& profile, uint32_t tag, int32_t in, int32_t out) {
@@ -169,23 +160,12 @@ const char* kindOf(const IccHeader& header) noexcept {
     }
 }
 
-// The first line, without what would not show on one.
-std::string lineOf(const char* text) {
-    std::string line;
-    for (; text && *text && line.size() < 100; ++text) {
-        if (*text == '\r' || *text == '\n') break;
-        if (static_cast<unsigned char>(*text) >= 0x20) line += *text;
-    }
-    return line;
-}
-
 void describeIcc(FileFact& fact, const std::string& path, uint32_t tag) {
     const Opened opened = openIcc(path);
     if (!opened.profile) return;
     const IccHeader& header = opened.profile->header;
     fact.kind = kindOf(header);
-    fact.description =
-        lineOf(static_cast<const char*>(icc::loadTag(*opened.profile, fourcc("desc"))));
+    fact.description = icc::descriptionLine(*opened.profile);
     fact.conversion =
         signatureText(header.colourSpace) + " - " + signatureText(header.connectionSpace);
     if (icc::findTag(*opened.profile, tag)) fact.conversion += ", " + signatureText(tag);

@@ -85,6 +85,8 @@
 #define IDC_SELECT_RGB 1009
 #define IDC_SELECT_CMYK 1407
 #define IDC_SELECT_INTENT 1408
+#define IDC_SELECT_BROWSE_RGB 1409
+#define IDC_SELECT_BROWSE_CMYK 1410
 
 /* The device link: paths with their browse buttons, radios, the paper colour. */
 #define IDC_LINK_BASE 1036
@@ -114,6 +116,10 @@
 #define IDC_LINK_AMOUNT 1037
 #define IDC_LINK_AMOUNT_LABEL 1181
 #define IDC_LINK_AMOUNT_UNIT 1182
+#define IDC_LINK_COLOURS 1196 /* the result: what becomes of colours */
+#define IDC_LINK_MORE_COLOURS 1197
+#define IDC_LINK_TOTALS 1198
+#define IDC_LINK_RAMPS 1199
 #define IDC_LINK_SHOW_PAPER 101 /* a command without a control: the swatch is to be painted anew */
 
 /* The page of the CMYK profile that corrects colours locally. */
@@ -157,5 +163,11 @@
 #define IDC_CUBE_CHANGE 1031
 #define IDC_CUBE_UNDO 1195
 #define IDC_CUBE_INITIALISE 1033
+#define IDC_CUBE_BEFORE_LAB 1210 /* the swatches as L*a*b*, and how far they are apart */
+#define IDC_CUBE_AFTER_LAB 1211
+#define IDC_CUBE_DIFFERENCE 1212
+#define IDC_CUBE_FILE 1213 /* pictures of the file in place of what is edited */
+#define IDC_CUBE_MADE 1214 /* the changes made, and the button that takes one out */
+#define IDC_CUBE_TAKE_OUT 1215
 
 #endif

@@ -47,6 +47,12 @@ extern const char kLinkOutputFilter[];
 extern const char kLinkNotMade[];
 extern const char kLinkNotWritten[];
 extern const char kLinkMade[];
+extern const char kLinkWhite[];       // with %s for inks
+extern const char kLinkColour[];      // with %s for a colour and for what it becomes
+extern const char kLinkMostInk[];     // with %s for the inks in, their colour, the inks out
+extern const char kLinkForeignInk[];  // with %s for primaries and for secondaries
+extern const char kPureRamp[];        // a ramp without another ink
+extern const char kGreyRamp[];
 
 // What the file of a field of it is.
 extern const char kOutputProfile[];
@@ -64,6 +70,7 @@ extern const char kSaturationRange[];  // with two %d; one of the next two follo
 extern const char kHueRange[];         // with two %d
 extern const char kEveryHue[];
 extern const char kNodesInRange[];     // with one %d
+extern const char kNoChanges[];        // the list of changes is empty
 extern const char kNodesChanged[];     // with one %d
 
 // The colour pick dialog and the colour-correction page: what their fields count in.
@@ -100,6 +107,7 @@ extern const char kNoFile[];
 extern const char kPathTooLong[];
 extern const char kPathUnnameable[];
 extern const char kNoIccProfile[];
+extern const char kNoRgbProfile[];      // with %s for its colour space
 extern const char kWrongSpace[];
 extern const char kIsLink[];
 extern const char kWrongConnection[];

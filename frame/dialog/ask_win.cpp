@@ -61,6 +61,36 @@ int showMessage(HWND owner, std::wstring_view caption, std::wstring_view text, U
     return ::MessageBoxW(owner, std::wstring(text).c_str(), std::wstring(caption).c_str(), style);
 }
 
+namespace {
+constexpr wchar_t kMessageAbove[] = L"KoLinkMessageAbove";
+
+// A message box of an owner that has the property goes to that owner's top.
+LRESULT CALLBACK placeMessage(int code, WPARAM wParam, LPARAM lParam) {
+    const auto message = reinterpret_cast<HWND>(wParam);
+    const HWND owner = code == HCBT_ACTIVATE ? ::GetWindow(message, GW_OWNER) : nullptr;
+    if (owner && ::RemovePropW(owner, kMessageAbove)) {
+        RECT area{}, own{};
+        POINT top{};
+        ::GetWindowRect(owner, &area);
+        ::GetWindowRect(message, &own);
+        ::ClientToScreen(owner, &top);
+        const LONG left = area.left + (area.right - area.left - (own.right - own.left)) / 2;
+        ::SetWindowPos(message, nullptr, left, top.y, 0, 0,
+                       SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    return ::CallNextHookEx(nullptr, code, wParam, lParam);
+}
+}  // namespace
+
+int showMessageAbove(HWND owner, std::wstring_view caption, std::wstring_view text, UINT style) {
+    ::SetPropW(owner, kMessageAbove, reinterpret_cast<HANDLE>(1));
+    const HHOOK hook = ::SetWindowsHookExW(WH_CBT, placeMessage, nullptr, ::GetCurrentThreadId());
+    const int answer = showMessage(owner, caption, text, style);
+    ::UnhookWindowsHookEx(hook);
+    ::RemovePropW(owner, kMessageAbove);
+    return answer;
+}
+
 std::optional<std::wstring> chooseFile(HWND owner, FileChoice choice, std::string_view initial,
                                        std::wstring patterns) {
     const bool saves = choice == FileChoice::save;

@@ -13,6 +13,9 @@ namespace ko::dialog {
 
 int showMessage(HWND owner, std::wstring_view caption, std::wstring_view text, UINT style);
 
+// The same at the top of the owner, so that what stands below in it can be read meanwhile.
+int showMessageAbove(HWND owner, std::wstring_view caption, std::wstring_view text, UINT style);
+
 // A problem in the user's language; with the file that it is with before it.
 std::wstring wideProblem(const Problem& problem);
 std::wstring wideProblem(std::wstring_view path, const Problem& problem);

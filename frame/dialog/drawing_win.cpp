@@ -29,6 +29,12 @@ int scaled(HDC dc, int pixels) noexcept {
     return std::max(1, ::MulDiv(pixels, ::GetDeviceCaps(dc, LOGPIXELSX), 96));
 }
 
+HFONT smallFont(HDC dc) noexcept {
+    return ::CreateFontW(-scaled(dc, 10), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                         OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
+                         VARIABLE_PITCH | FF_SWISS, L"MS Shell Dlg");
+}
+
 void drawLine(HDC dc, Point from, Point to, COLORREF colour, int width) {
     const Selected pen(dc, ::CreatePen(PS_SOLID, width, colour));
     ::MoveToEx(dc, from.x, from.y, nullptr);

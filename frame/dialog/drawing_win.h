@@ -45,6 +45,8 @@ constexpr COLORREF kPaper = RGB(255, 255, 255), kBorder = RGB(128, 128, 128);
 int scaled(HDC dc, int pixels) noexcept;  // pixels at 96 dpi
 int resolutionOf(HWND window) noexcept;   // in dpi
 
+HFONT smallFont(HDC dc) noexcept;         // for numbers in pictures; the caller's
+
 void drawLine(HDC dc, Point from, Point to, COLORREF colour, int width);  // without its end
 void fillArea(HDC dc, const RECT& area, COLORREF colour);
 void drawFrame(HDC dc, const RECT& area, COLORREF colour);

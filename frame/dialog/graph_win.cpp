@@ -52,12 +52,6 @@ COLORREF faint(COLORREF colour) noexcept {
     return RGB(half(GetRValue(colour)), half(GetGValue(colour)), half(GetBValue(colour)));
 }
 
-HFONT smallFont(HDC dc) noexcept {
-    return ::CreateFontW(-scaled(dc, 10), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
-                         OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
-                         VARIABLE_PITCH | FF_SWISS, L"MS Shell Dlg");
-}
-
 // Inside the plot, along its lower and its left edge; the first of both would be one corner.
 void paintNumbers(HDC dc, const GraphPicture& picture, const RECT& plot) {
     const Selected font(dc, smallFont(dc));

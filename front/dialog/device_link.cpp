@@ -57,7 +57,40 @@ bool holds(const std::string& path, const CmykProfile& profile) {
     });
 }
 
+// Percent, with tenths where there are any.
+std::string percentOf(double part) {
+    const auto tenths = static_cast<int32_t>(part * 1000 + 0.5);
+    std::string text = std::to_string(tenths / 10);
+    if (tenths % 10 != 0) text += "." + std::to_string(tenths % 10);
+    return text;
+}
+
+std::string inksOf(const cmyk::Inks& inks) {
+    std::string text;
+    for (size_t ink = 0; ink < inks.size(); ++ink)
+        text += (ink ? " " : "") + std::string(1, "CMYK"[ink]) + " " + percentOf(inks[ink]);
+    return text;
+}
+
 }  // namespace
+
+LinkResultText wordsOf(const cmyk::LinkResult& result) {
+    const auto colour = [](const char* name, const cmyk::Inks& out) {
+        return Problem{texts::kLinkColour, {name, inksOf(out)}};
+    };
+    const auto& [c, m, y, k] = result.solids;
+    double sumIn = 0;
+    for (const double ink : result.mostIn) sumIn += ink;
+    return {{Problem{texts::kLinkWhite, {inksOf(result.white)}}, colour("C 100", c),
+             colour("M 100", m), colour("Y 100", y), colour("K 100", k),
+             colour("CMYK 100", result.full)},
+            {Problem{texts::kLinkMostInk,
+                     {percentOf(sumIn) + " %", inksOf(result.mostIn),
+                      percentOf(result.mostInk) + " %"}},
+             Problem{texts::kLinkForeignInk,
+                     {percentOf(result.foreignInPrimaries) + " %",
+                      percentOf(result.foreignInSecondaries) + " %"}}}};
+}
 
 DeviceLinkModel::DeviceLinkModel(const CmsLinkSettings& settings)
     : settings_(settings), amountText_(std::to_string(value255to100(settings.limit))) {
@@ -172,6 +205,7 @@ bool DeviceLinkModel::create(DeviceLinkHost& host) {
     if (const auto refused = firstRefused())
         return fail(host, {*refused, "", *refusal(*refused)});
     if (!mayWrite(host)) return false;
+    cmyk::LinkResult result;
     {
         const auto profile = cmyk::combineProfile(settings_);
         if (!profile) {
@@ -184,7 +218,9 @@ bool DeviceLinkModel::create(DeviceLinkHost& host) {
         const uint32_t error = platform::lastError();
         if (!saved || !holds(output, *profile))
             return fail(host, {LinkPath::output, output, fileProblem(error)});
+        result = cmyk::resultOf(*profile);
     }
+    host.showResult(result);
     host.tell(texts::kLinkMade, DeviceLinkHost::Icon::information);
     return true;
 }

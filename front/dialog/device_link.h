@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "cmyk/link_check.h"
+#include "cmyk/link_result.h"
 #include "frame/dialog/graph_picture.h"
 #include "frame/problem.h"
 #include "kolink/link_settings.h"
@@ -34,6 +35,8 @@ public:
                                                 std::string_view filter) = 0;
     virtual uint32_t pickColour(uint32_t cmyk) = 0;  // packed; the given one after Cancel
     virtual void tell(std::string_view text, Icon icon) = 0;
+    // What the link that was just made does; before that is told.
+    virtual void showResult(const cmyk::LinkResult& result) = 0;
     // What is wrong with a field, after the text.
     virtual void tellProblem(std::string_view text, const cmyk::LinkProblem& problem) = 0;
     // A Yes/No question; its %s, if any, is the path.
@@ -42,6 +45,13 @@ public:
 protected:
     ~DeviceLinkHost() = default;
 };
+
+// The same in words: sentences to be translated, with their details.
+struct LinkResultText {
+    std::array<Problem, 6> colours;  // white, solid C, M, Y, K, all four
+    std::array<Problem, 2> totals;   // most ink, ink that does not belong
+};
+LinkResultText wordsOf(const cmyk::LinkResult& result);
 
 class DeviceLinkModel {
 public:

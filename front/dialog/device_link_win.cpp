@@ -14,6 +14,7 @@
 #include "frame/dialog/text_win.h"
 #include "front/dialog/colour_pick_win.h"
 #include "front/dialog/device_link.h"
+#include "front/dialog/link_result_win.h"
 #include "front/front.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
@@ -87,6 +88,7 @@ private:
                                         std::string_view filter) override;
     uint32_t pickColour(uint32_t cmyk) override { return front::pickColour(window(), cmyk); }
     void tell(std::string_view text, Icon icon) override;
+    void showResult(const cmyk::LinkResult& result) override;
     void tellProblem(std::string_view text, const cmyk::LinkProblem& problem) override;
     bool ask(std::string_view question, std::string_view path) override;
     void showStatus();
@@ -112,6 +114,7 @@ private:
 
     CmsLinkSettings* record_;
     DeviceLinkModel model_;
+    std::unique_ptr<ChildDialog> result_;  // when a link was made
     static RememberedPlace place_;
 };
 
@@ -223,7 +226,8 @@ void DeviceLinkDialog::create() {
 }
 
 void DeviceLinkDialog::closing() {
-    place_.remember(window());
+    // The result may have moved the window up; its place is the one from before.
+    if (!result_) place_.remember(window());
     record_ = nullptr;
 }
 
@@ -355,8 +359,18 @@ std::optional<TypedPath> DeviceLinkDialog::choosePath(LinkPath which, Choice cho
 
 void DeviceLinkDialog::tell(std::string_view text, Icon icon) {
     forgetInput();
-    showMessage(window(), wideTranslated(texts::kLinkCaption), wideTranslated(text),
-                MB_OK | (icon == Icon::information ? MB_ICONINFORMATION : MB_ICONEXCLAMATION));
+    const auto message = result_ ? showMessageAbove : showMessage;
+    message(window(), wideTranslated(texts::kLinkCaption), wideTranslated(text),
+            MB_OK | (icon == Icon::information ? MB_ICONINFORMATION : MB_ICONEXCLAMATION));
+}
+
+// The dialog closes over its message of success: until that is answered the result is there.
+void DeviceLinkDialog::showResult(const cmyk::LinkResult& result) {
+    place_.remember(window());
+    result_ = showLinkResult(window(), result);
+    if (result_)
+        ::RedrawWindow(window(), nullptr, nullptr,
+                       RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
 }
 
 void DeviceLinkDialog::tellProblem(std::string_view text, const cmyk::LinkProblem& problem) {

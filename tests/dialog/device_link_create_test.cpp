@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "tests/dialog/device_link.h"
+#include "tests/dialog/layout.h"
 
 using namespace ko::test;
 
@@ -101,6 +102,48 @@ TEST(DeviceLinkDialog, ALinkThatAnotherProgramHoldsIsNotTakenForTheNewOne) {
               0);
     ::CloseHandle(held);
     EXPECT_EQ(readFile(folder.path("made.icc")), before);
+}
+
+TEST(DeviceLinkDialogLook, WhatTheLinkDoesStandsBelowUntilTheMessageOfSuccessIsAnswered) {
+    const TempFolder folder;
+    CmsLinkSettings settings = writingTo(folder.path("made.icc"));
+    const std::string press = folder.path("press.icc");
+    writeFile(press, readFile(testData("CGATS001Compat-v2-micro.icc")));
+    EXPECT_EQ(editLink(settings,
+                  [&](const DialogWindow& dialog) {
+                      dialog.enter(IDC_LINK_SOURCE, wide(press), IDCANCEL);
+                      dialog.enter(IDC_LINK_DESTINATION, wide(kDebian), IDCANCEL);
+                      RECT before;
+                      ::GetWindowRect(dialog.handle(), &before);
+                      dialog.press(IDOK);
+                      const DialogWindow message = dialog.asked();
+                      RECT after, told, ramps;
+                      ::GetWindowRect(dialog.handle(), &after);
+                      ::GetWindowRect(message.handle(), &told);
+                      EXPECT_GT(after.bottom - after.top, before.bottom - before.top);
+                      HWND page = nullptr;
+                      for (const HWND control : controlsOf(dialog.handle()))
+                          if (classOf(control) == L"#32770") page = control;
+                      ASSERT_NE(page, nullptr);
+                      const DialogWindow result(page);
+                      EXPECT_NE(result.text(IDC_LINK_COLOURS).find(L"C 100"), std::wstring::npos);
+                      EXPECT_NE(result.text(IDC_LINK_TOTALS).find(L'%'), std::wstring::npos);
+                      ::GetWindowRect(result.item(IDC_LINK_RAMPS), &ramps);
+                      EXPECT_LE(told.bottom, ramps.top);  // the message leaves them to be seen
+                      EXPECT_LE(after.bottom, ::GetSystemMetrics(SM_CYSCREEN));
+                      expectEveryLetterHasAGlyph(result);
+                      expectNothingIsCovered(dialog);
+                      for (const int text :
+                           {IDC_LINK_COLOURS, IDC_LINK_MORE_COLOURS, IDC_LINK_TOTALS})
+                          expectTextFits(result.item(text));
+                      const Picture picture = pictureOf(dialog);
+                      for (const uint32_t ink : {0x0a97d9u, 0xd81b7du, 0xe0ac00u})
+                          EXPECT_GT(picture.count(ink), 100) << std::hex << ink;
+                      keepPicture(picture, "link-result");
+                      EXPECT_EQ(closeMessage(dialog), kMade);
+                      EXPECT_TRUE(eventually([&] { return !dialog.isOpen(); }));
+                  }),
+              1);
 }
 
 }  // namespace

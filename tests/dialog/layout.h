@@ -16,6 +16,7 @@ std::wstring textOf(HWND control);
 
 // Each adds failures that name the control. A number in a label or a field is taken as wide as it
 // can get: "0 %" and "0" as three digits.
+void expectTextFits(HWND control);
 void expectTextsFit(const DialogWindow& dialog);
 void expectNothingIsCovered(const DialogWindow& dialog);
 void expectEveryControlHasAName(const DialogWindow& dialog);

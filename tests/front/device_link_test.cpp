@@ -33,6 +33,7 @@ struct Answers : DeviceLinkHost {
         told.emplace_back(text);
         lastIcon = icon;
     }
+    void showResult(const cmyk::LinkResult& result) override { results.push_back(result); }
     void tellProblem(std::string_view text, const cmyk::LinkProblem& problem) override {
         told.emplace_back(text);
         problems.push_back(problem);
@@ -43,6 +44,7 @@ struct Answers : DeviceLinkHost {
         return yes;
     }
     std::vector<cmyk::LinkProblem> problems;
+    std::vector<cmyk::LinkResult> results;
     std::vector<std::string> asked;
     bool yes = true;
     std::optional<TypedPath> path;
@@ -343,6 +345,38 @@ TEST(DeviceLinkModel, CreateWritesTheLinkThatTheSettingsStandForAndSaysSo) {
     ASSERT_TRUE(cmyk::loadProfile(*written, making.output.c_str()));
     EXPECT_EQ(std::memcmp(written->grid, expected->grid, sizeof expected->grid), 0);
     EXPECT_NE(written->grid[0], 0u);  // the paper colour is in it
+}
+
+TEST(DeviceLinkModel, WhatTheMadeLinkDoesIsShownBeforeItsSuccessIsTold) {
+    Making making;
+    making.model.chooseWhiteMode(2);
+    making.host.picked = 0x33000000;
+    making.model.pickPaperColour(making.host);
+    ASSERT_TRUE(making.model.create(making.host));
+    ASSERT_EQ(making.host.results.size(), 1u);
+    EXPECT_EQ(making.host.results[0].white, (cmyk::Inks{0.2, 0, 0, 0}));
+}
+
+TEST(DeviceLinkModel, OfALinkThatIsNotMadeNothingIsShown) {
+    Making making;
+    making.model.leavePath(LinkPath::source, std::string("missing.icc"));
+    EXPECT_FALSE(making.model.create(making.host));
+    EXPECT_TRUE(making.host.results.empty());
+}
+
+TEST(LinkResultText, SaysColoursInPercentWithTenthsWhereThereAreAny) {
+    cmyk::LinkResult result;
+    result.white = {0, 0, 0.0254, 0};
+    result.solids[1] = {0, 0.9996, 0, 0};
+    result.mostIn = {1, 1, 1, 0.5};
+    result.mostInk = 3.2;
+    result.foreignInPrimaries = 0.0123;
+    const LinkResultText text = wordsOf(result);
+    EXPECT_EQ(text.colours[0], (Problem{texts::kLinkWhite, {"C 0 M 0 Y 2.5 K 0"}}));
+    EXPECT_EQ(text.colours[2], (Problem{texts::kLinkColour, {"M 100", "C 0 M 100 Y 0 K 0"}}));
+    EXPECT_EQ(text.totals[0],
+              (Problem{texts::kLinkMostInk, {"350 %", "C 100 M 100 Y 100 K 50", "320 %"}}));
+    EXPECT_EQ(text.totals[1], (Problem{texts::kLinkForeignInk, {"1.2 %", "0 %"}}));
 }
 
 // What kept a link from being made.
