@@ -12,6 +12,7 @@ namespace ko::front {
 namespace {
 
 link::Link rgbToCmykCurrent, cmykToRgbCurrent;
+std::string cmykProfileCurrent;
 
 bool fill(CmsLinkSettings& settings, const char* source, const char* destination,
           int32_t intent) noexcept {
@@ -25,10 +26,12 @@ bool fill(CmsLinkSettings& settings, const char* source, const char* destination
 
 const LinkProfile* rgbToCmykLink() noexcept { return rgbToCmykCurrent.get(); }
 const LinkProfile* cmykToRgbLink() noexcept { return cmykToRgbCurrent.get(); }
+const std::string& currentCmykProfile() noexcept { return cmykProfileCurrent; }
 
 void endProfile() noexcept {
     rgbToCmykCurrent.reset();
     cmykToRgbCurrent.reset();
+    cmykProfileCurrent.clear();
 }
 
 bool setupProfile(const char* rgbPath, const char* cmykPath, int32_t intent) {
@@ -42,8 +45,10 @@ bool setupProfile(const char* rgbPath, const char* cmykPath, int32_t intent) {
         rgbToCmyk = link::combineIcmRgbProfile(settings);
     if (!cmykToRgb) platform::setLastError(reason);
     if (!cmykToRgb || !rgbToCmyk) return false;  // as after an exception: neither is current
+    std::string path(cmykPath);  // whatever fails, fails before anything is current
     cmykToRgbCurrent = std::move(cmykToRgb);
     rgbToCmykCurrent = std::move(rgbToCmyk);
+    cmykProfileCurrent = std::move(path);
     return true;
 }
 

@@ -201,15 +201,17 @@ void ColourCorrection::pickedHasMoved() {
     }
 }
 
-bool ColourCorrection::isInBlackSpan(int32_t index) const noexcept {
+namespace {
+bool isInSpan(const std::optional<Span>& span, int32_t index) noexcept {
     const int32_t percent = value255to100(nodeValue(index));
-    return !blackSpan_ || (percent >= blackSpan_->low && percent <= blackSpan_->high);
+    return !span || (percent >= span->low && percent <= span->high);
 }
+}  // namespace
 
 void ColourCorrection::rangeHasMoved() {
     const InfluenceRange reach = range();
     int32_t blacks = 0;
-    for (int32_t k = 0; k < kGridPoints; ++k) blacks += isInBlackSpan(k);
+    for (int32_t k = 0; k < kGridPoints; ++k) blacks += isInSpan(blackSpan_, k);
     const auto touched = [&](const Place& place) {
         const auto fade = fadeAt(place_, place, reach);
         return fade && fade->edge > 0;
@@ -281,66 +283,90 @@ void ColourCorrection::setSaturationReach(std::string_view percent) {
     rangeHasMoved();
 }
 
-namespace {
-
-// The nodes that a change touches, and what they hold on its other side.
-struct GridStep {
-    std::vector<int32_t> rows;  // the first node of each row of K
-    int32_t firstBlack = 0, blacks = 0;
-    std::vector<uint32_t> words;
-
-    size_t nodes() const noexcept { return rows.size() * static_cast<size_t>(blacks); }
-    void exchange(CmykProfile& profile) noexcept {
-        size_t at = 0;
-        for (const int32_t row : rows)
-            for (int32_t black = 0; black < blacks; ++black)
-                std::swap(profile.grid[row + firstBlack + black], words[at++]);
+// The rows of nodes that a correction changes, and how much of it each gets.
+template <class Visit>
+void ColourCorrection::visitTouched(const Correction& correction, Visit visit) const {
+    for (size_t at = 0; at < places_.size(); ++at) {
+        const auto fade = fadeAt(correction.place, places_[at], correction.range);
+        if (!fade || fade->edge <= 0) continue;
+        for (int32_t k = 0; k < kGridPoints; ++k)
+            if (isInSpan(correction.black, k))
+                visit(static_cast<int32_t>(at) * kGridPoints + k, *fade);
     }
-};
+}
 
-}  // namespace
+// The ink's change, less what has faded; truncates toward zero.
+uint32_t ColourCorrection::corrected(const Correction& correction, const Fade& fade,
+                                     uint32_t old) noexcept {
+    const auto channel = [&](size_t ink) {
+        const int32_t delta = correction.delta[ink];
+        return static_cast<int32_t>(old >> (24 - 8 * ink) & 255) + delta -
+               delta * fade.distance / fade.edge;
+    };
+    const int32_t c = channel(0), m = channel(1), y = channel(2), k = channel(3);
+    return limitedCmyk(c, m, y, k);
+}
+
+void ColourCorrection::exchange(GridStep& step) {
+    size_t at = 0;
+    for (const Run& run : step.runs)
+        for (int32_t node = 0; node < run.count; ++node)
+            std::swap(profile_.grid[run.first + node], step.words[at++]);
+    step.isDone = !step.isDone;
+    made_ = step.isDone ? step.after : step.before;
+}
+
+void ColourCorrection::GridStep::add(int32_t node, uint32_t word) {
+    if (!runs.empty() && runs.back().first + runs.back().count == node) ++runs.back().count;
+    else runs.push_back({node, 1});
+    words.push_back(word);
+}
 
 int32_t ColourCorrection::change() {
-    const InfluenceRange reach = range();
-    GridStep step;
-    for (int32_t k = 0; k < kGridPoints; ++k) {
-        if (!isInBlackSpan(k)) continue;
-        if (step.blacks++ == 0) step.firstBlack = k;
-    }
+    Correction correction{picked_, {}, place_, range(), blackSpan_};
+    for (size_t ink = 0; ink < 4; ++ink) correction.delta[ink] = changed_[ink] - current_[ink];
     // Memory for taking it back comes first: when there is none, nothing has happened.
-    std::vector<Fade> fades;
-    for (size_t at = 0; at < places_.size(); ++at) {
-        const auto fade = fadeAt(place_, places_[at], reach);
-        if (!fade || fade->edge <= 0) continue;
-        step.rows.push_back(static_cast<int32_t>(at) * kGridPoints);
-        fades.push_back(*fade);
-    }
-    const size_t count = step.nodes();
-    step.words.reserve(count);
-    for (size_t at = 0; at < fades.size(); ++at) {
-        const auto [distance, edge] = fades[at];
-        Cmyk by;  // the ink's change, less what has faded; truncates toward zero
-        for (size_t ink = 0; ink < 4; ++ink) {
-            const int32_t delta = changed_[ink] - current_[ink];
-            by[ink] = delta - delta * distance / edge;
-        }
-        const uint32_t* const row = profile_.grid + step.rows[at] + step.firstBlack;
-        for (int32_t black = 0; black < step.blacks; ++black) {
-            const uint32_t old = row[black];
-            const auto channel = [&](int shift) { return static_cast<int32_t>(old >> shift & 255); };
-            const int32_t c = channel(24) + by[0], m = channel(16) + by[1],
-                          y = channel(8) + by[2], k = channel(0) + by[3];
-            step.words.push_back(limitedCmyk(c, m, y, k));
-        }
-    }
-    const auto taken = std::make_shared<GridStep>(std::move(step));
-    const std::vector<uint32_t> made = taken->words;
-    taken->exchange(profile_);
-    // A change that has changed nothing is no step to take back.
-    if (taken->words != made) history_.add([&profile = profile_, taken] { taken->exchange(profile); });
-    readCurrent();
+    const auto step = std::make_shared<GridStep>();
+    step->before = step->after = made_;
+    if (step->after.list.empty())
+        step->after.base = std::make_shared<const Grid>(std::begin(profile_.grid),
+                                                       std::end(profile_.grid));
+    step->after.list.push_back(correction);
+    step->words.reserve(static_cast<size_t>(nodesInRange_));
+    bool changes = false;
+    visitTouched(correction, [&](int32_t node, const Fade& fade) {
+        const uint32_t old = profile_.grid[node], word = corrected(correction, fade, old);
+        step->add(node, word);
+        changes = changes || word != old;
+    });
     notice_.reset();
-    return static_cast<int32_t>(count);
+    // A change that changes nothing is no step to take back.
+    if (!changes) return nodesInRange_;
+    history_.add([this, step] { exchange(*step); });
+    exchange(*step);
+    instead_.reset();
+    readCurrent();
+    return static_cast<int32_t>(step->words.size());
+}
+
+void ColourCorrection::takeOut(size_t which) {
+    if (which >= made_.list.size()) return;
+    const auto step = std::make_shared<GridStep>();
+    step->before = step->after = made_;
+    step->after.list.erase(step->after.list.begin() + static_cast<std::ptrdiff_t>(which));
+    Grid grid = *made_.base;
+    for (const Correction& correction : step->after.list)
+        visitTouched(correction, [&](int32_t node, const Fade& fade) {
+            uint32_t& word = grid[static_cast<size_t>(node)];
+            word = corrected(correction, fade, word);
+        });
+    for (size_t node = 0; node < grid.size(); ++node)
+        if (grid[node] != profile_.grid[node]) step->add(static_cast<int32_t>(node), grid[node]);
+    history_.add([this, step] { exchange(*step); });
+    exchange(*step);
+    instead_.reset();
+    notice_.reset();
+    profileChanged();
 }
 
 }  // namespace ko::cmyk

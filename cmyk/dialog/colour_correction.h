@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +53,14 @@ struct Line {
     bool operator==(const Line&) const = default;
 };
 
+// One change of the grid, as it was carried out.
+struct Correction {
+    Cmyk picked{}, delta{};  // the colour, and what its inks get
+    Place place{};
+    InfluenceRange range{};
+    std::optional<Span> black;  // every black without one
+};
+
 class ColourCorrection {
 public:
     // Edits the profile's grid in place and nothing else of it; history is the profile's.
@@ -90,7 +99,9 @@ public:
     // Pictures. The area's cells are 2 degrees by 1 percent, a scale's 1 percent.
     Cells areaCells(ColourDisplay display) const;
     Cells scaleCells(Surface scale, ColourDisplay display) const;
-    static uint32_t displayed(const Cmyk& levels, ColourDisplay display);  // R in the low byte
+    // What leaves the grid as it is printed: through the output curves, packed.
+    uint32_t onPaper(const Cmyk& levels) const;
+    uint32_t displayed(const Cmyk& levels, ColourDisplay display) const;  // R in the low byte
     dialog::Point marker(dialog::Size area) const noexcept;
     int32_t markerOn(Surface scaleOrBar, int32_t length) const noexcept;  // from the left or top
     // The outline of the range in the area, or of what gets at least half of the change.
@@ -112,7 +123,44 @@ public:
 
     int32_t change();  // the number of nodes changed
 
+    // The changes made that are in the grid, the first one first.
+    const std::vector<Correction>& made() const noexcept { return made_.list; }
+    std::string madeText(size_t which) const;
+    // The grid as if that one had never been made, and those after it had.
+    void takeOut(size_t which);
+    void forgetMade() noexcept { made_ = {}; }  // the profile is another one
+
+    // Pictures of the file, as it was read, in place of the profile that is edited; null ends that.
+    void showInstead(std::shared_ptr<const CmykProfile> file) noexcept {
+        instead_ = std::move(file);
+    }
+    bool showsFile() const noexcept { return instead_ != nullptr; }
+
 private:
+    using Grid = std::vector<uint32_t>;
+    // Corrections, and the grid that the first of them was made on.
+    struct Made {
+        std::shared_ptr<const Grid> base;
+        std::vector<Correction> list;
+    };
+    // Nodes in runs, what they hold on the step's other side, and what was made on either side.
+    struct Run {
+        int32_t first, count;
+    };
+    struct GridStep {
+        std::vector<Run> runs;
+        std::vector<uint32_t> words;
+        Made before, after;
+        bool isDone = false;
+        void add(int32_t node, uint32_t word);  // nodes in their order
+    };
+    void exchange(GridStep& step);
+    template <class Visit>
+    void visitTouched(const Correction& correction, Visit visit) const;
+    static uint32_t corrected(const Correction& correction, const Fade& fade,
+                              uint32_t old) noexcept;
+    const CmykProfile& pictured() const noexcept { return instead_ ? *instead_ : profile_; }
+
     void apply(Surface surface, dialog::Size size, dialog::Point at);
     void setAim(const Place& aim);
     void setPicked(const Cmyk& levels);
@@ -126,7 +174,6 @@ private:
     void pickLevel(int32_t ink, int32_t value);
     void changeLevel(int32_t ink, int32_t value);
     int32_t blackPercent() const noexcept;
-    bool isInBlackSpan(int32_t index) const noexcept;
     void setSpanEnd(std::optional<Span>& span, int32_t picked, int32_t percent, bool high);
 
     CmykProfile& profile_;
@@ -141,6 +188,8 @@ private:
     int32_t nodesInRange_ = 0;
     std::optional<Surface> held_;
     bool holdsHigh_ = false;  // which end of a span
+    Made made_;
+    std::shared_ptr<const CmykProfile> instead_;
     dialog::History& history_;
 };
 

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <memory>
+#include <utility>
 
 #include "cmyk/dialog/colour_correction.h"
 #include "frame/dialog/ask_win.h"
@@ -10,6 +13,7 @@
 #include "frame/dialog/text_win.h"
 #include "frame/state.h"
 #include "frame/text.h"
+#include "quality/difference.h"
 #include "resources/dialog_ids.h"
 #include "resources/texts.h"
 
@@ -80,8 +84,10 @@ void paintDashes(HDC dc, const std::vector<Line>& lines) {
 
 class CorrectionPage final : public ProfilePage, public SurfaceEvents {
 public:
-    CorrectionPage(CmykProfile& profile, History& history, PageFrame& frame, ColourDisplay display)
-        : model_(profile, history), frame_(frame), display_(display) {}
+    CorrectionPage(CmykProfile& profile, History& history, PageFrame& frame, ColourDisplay display,
+                   ColourLab lab)
+        : profile_(profile), model_(profile, history), frame_(frame), display_(display),
+          lab_(std::move(lab)) {}
     ~CorrectionPage() override { destroy(); }
 
 private:
@@ -98,6 +104,7 @@ private:
         addRange();
         addSurfaces();
         addButtons();
+        addMade();
     }
 
     void limit(int edit) { ::SendMessageW(item(edit), EM_SETLIMITTEXT, 4, 0); }
@@ -190,6 +197,80 @@ private:
         });
     }
 
+    void addMade() {
+        add({
+            {.id = IDC_CUBE_DIFFERENCE, .show = [this] { showLab(); }},
+            {.id = IDC_CUBE_FILE,
+             .show =
+                 [this] {
+                     ::CheckDlgButton(window(), IDC_CUBE_FILE,
+                                      model_.showsFile() ? BST_CHECKED : BST_UNCHECKED);
+                 },
+             .press = [this] { toggleFile(); }},
+            {.id = IDC_CUBE_MADE, .show = [this] { showMade(); }},
+            {.id = IDC_CUBE_TAKE_OUT, .press = [this] { takeOut(); }},
+        });
+    }
+
+    static std::wstring labText(const Lab& lab) {
+        std::wstring text;
+        for (const double part : lab)
+            text += (text.empty() ? L"" : L" ") + tenthsText(part);
+        return text;
+    }
+    static std::wstring tenthsText(double value) {
+        const auto tenths = static_cast<int32_t>(value < 0 ? value * 10 - 0.5 : value * 10 + 0.5);
+        const int32_t size = std::abs(tenths);
+        return (tenths < 0 ? L"-" : L"") + std::to_wstring(size / 10) + L"." +
+               std::to_wstring(size % 10);
+    }
+
+    // What the swatches are in print, where the current links say how that looks.
+    void showLab() {
+        const auto before = lab_ ? lab_(model_.onPaper(model_.current())) : std::nullopt;
+        const auto after = lab_ ? lab_(model_.onPaper(model_.changed())) : std::nullopt;
+        setText(window(), IDC_CUBE_BEFORE_LAB, before ? labText(*before) : L"");
+        setText(window(), IDC_CUBE_AFTER_LAB, after ? labText(*after) : L"");
+        setText(window(), IDC_CUBE_DIFFERENCE,
+                before && after
+                    ? L"Lab, \x0394" L"E00 " + tenthsText(quality::difference2000(*before, *after))
+                    : L"");
+    }
+
+    // The file as it is now; a profile that has none began as one that changes nothing.
+    void toggleFile() {
+        recolour();
+        if (model_.showsFile()) return model_.showInstead(nullptr);
+        std::shared_ptr<CmykProfile> file(createProfile().release(), BlockDeleter());
+        if (!file || (*profile_.path && !loadProfile(*file, profile_.path))) return;
+        model_.showInstead(std::move(file));
+    }
+
+    void showMade() {
+        std::vector<std::wstring> entries;
+        for (size_t at = 0; at < model_.made().size(); ++at)
+            entries.push_back(wideText(model_.madeText(at)));
+        const bool any = !entries.empty();
+        if (!any) entries.push_back(wideTranslated(texts::kNoChanges));
+        if (entries != made_) {
+            const HWND list = item(IDC_CUBE_MADE);
+            ::SendMessageW(list, CB_RESETCONTENT, 0, 0);
+            for (const std::wstring& entry : entries)
+                ::SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.c_str()));
+            ::SendMessageW(list, CB_SETCURSEL, entries.size() - 1, 0);
+            made_ = std::move(entries);
+        }
+        enable(IDC_CUBE_TAKE_OUT, any);
+    }
+
+    void takeOut() {
+        const LRESULT chosen = ::SendMessageW(item(IDC_CUBE_MADE), CB_GETCURSEL, 0, 0);
+        if (chosen < 0) return;
+        changedNodes_.reset();
+        model_.takeOut(static_cast<size_t>(chosen));
+        recolour();
+    }
+
     void change() {
         changedNodes_ = model_.change();
         recolour();
@@ -210,24 +291,28 @@ private:
 
     void startAgain() override {
         changedNodes_.reset();
+        model_.forgetMade();
+        model_.showInstead(nullptr);
         reread();
         show();
     }
     void profileChanged() override {
         changedNodes_.reset();
+        model_.showInstead(nullptr);
         model_.profileChanged();
         recolour();
         show();
     }
     void shown() override { frame_.pageHasEdited(); }
 
-    void enableUndo() {
-        const HWND button = item(IDC_CUBE_UNDO);
+    void enableUndo() { enable(IDC_CUBE_UNDO, model_.canUndo()); }
+    void enable(int control, bool on) {
+        const HWND button = item(control);
         // A disabled control would keep the focus, and with it the keyboard.
-        if (!model_.canUndo() && ::GetFocus() == button)
+        if (!on && ::GetFocus() == button)
             ::SendMessageW(::GetAncestor(window(), GA_ROOT), WM_NEXTDLGCTL,
                            reinterpret_cast<WPARAM>(item(IDC_CUBE_CHANGE)), TRUE);
-        ::EnableWindow(button, model_.canUndo());
+        ::EnableWindow(button, on);
     }
 
     void recolour() { areaShown_.reset(); }
@@ -247,7 +332,7 @@ private:
         if (id == IDC_CUBE_BEFORE || id == IDC_CUBE_AFTER) {
             const Cmyk& colour = id == IDC_CUBE_BEFORE ? model_.current() : model_.changed();
             fillArea(dc, {0, 0, size.width, size.height},
-                     ColourCorrection::displayed(colour, display_));
+                     model_.displayed(colour, display_));
             return drawFrame(dc, {0, 0, size.width, size.height}, kBorder);
         }
         for (const SurfaceControl& each : kSurfaces) {
@@ -338,9 +423,12 @@ private:
         }
     }
 
+    CmykProfile& profile_;
     ColourCorrection model_;
     PageFrame& frame_;
     ColourDisplay display_;
+    ColourLab lab_;
+    std::vector<std::wstring> made_;  // as the list has them
     Cells area_;
     std::optional<int32_t> changedNodes_;
     std::optional<std::array<int32_t, 2>> areaShown_;  // lightness and black of the area's picture
@@ -349,9 +437,9 @@ private:
 }  // namespace
 
 Page makeCubePage(CmykProfile& profile, dialog::History& history, PageFrame& frame,
-                  ColourDisplay display) {
+                  ColourDisplay display, ColourLab lab) {
     registerSurfaceClass();
-    return std::make_unique<CorrectionPage>(profile, history, frame, display);
+    return std::make_unique<CorrectionPage>(profile, history, frame, display, std::move(lab));
 }
 
 }  // namespace ko::cmyk

@@ -1,6 +1,7 @@
 // What the colour-correction page shows of its model: texts, colours, marks and the range.
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 #include "cmyk/dialog/colour_correction.h"
@@ -33,17 +34,27 @@ constexpr uint32_t bitmapPixel(uint32_t rgb) noexcept {
     return (rgb & 255) << 16 | (rgb & 0xff00) | (rgb >> 16 & 255);
 }
 
-// A row of colours as the profile prints them, for the screen.
+constexpr uint32_t throughOutput(const WorkingCurves& curves, const Cmyk& levels) noexcept {
+    std::array<int32_t, 4> inks;
+    for (size_t ink = 0; ink < 4; ++ink)
+        inks[ink] = curves[4 + ink][static_cast<size_t>(clampTo(levels[ink], 0, 255))];
+    return packCmyk(inks[0], inks[1], inks[2], inks[3]);
+}
+
+// A row of colours as the profile prints them, for the screen. A place is that of a node, which the
+// input curves lead to: where a correction reaches is where its colours change. What the grid makes
+// of them goes through the output curves.
 std::vector<uint32_t> printed(const CmykProfile& profile, const std::vector<uint8_t>& cmyk,
                               ColourDisplay display) {
     const size_t pixels = cmyk.size() / 4;
     std::vector<uint16_t> levels(cmyk.size());
     cmykToCmyk16Row(profile, cmyk.data(), static_cast<int32_t>(pixels), levels.data());
     std::vector<uint32_t> words(pixels), shown(pixels);
+    const WorkingCurves curves = workingCurves(profile);
     for (size_t at = 0; at < pixels; ++at) {
         const uint16_t* const ink = levels.data() + 4 * at;
-        words[at] = packCmyk(fromScale16(ink[0]), fromScale16(ink[1]), fromScale16(ink[2]),
-                             fromScale16(ink[3]));
+        words[at] = throughOutput(curves, {fromScale16(ink[0]), fromScale16(ink[1]),
+                                           fromScale16(ink[2]), fromScale16(ink[3])});
     }
     display(words, shown);
     std::transform(shown.begin(), shown.end(), shown.begin(), bitmapPixel);
@@ -91,7 +102,7 @@ Cells ColourCorrection::areaCells(ColourDisplay display) const {
         for (int32_t column = 0; column < kHueCells; ++column)
             appendPixel(row, levelsAt({2 * column + 1, kFullSaturation - 2 * fromTop - 1,
                                        place_.lightness}), picked_[3]);
-    return {kHueCells, kSaturationCells, printed(profile_, row, display)};
+    return {kHueCells, kSaturationCells, printed(pictured(), row, display)};
 }
 
 Cells ColourCorrection::scaleCells(Surface scale, ColourDisplay display) const {
@@ -102,13 +113,32 @@ Cells ColourCorrection::scaleCells(Surface scale, ColourDisplay display) const {
         else
             appendPixel(row, levelsAt({aim_.hue, aim_.saturation, percent * kUnitsAPercent}),
                         picked_[3]);
-    auto pixels = printed(profile_, row, display);
+    auto pixels = printed(pictured(), row, display);
     if (scale == Surface::black) return {kScaleCells, 1, std::move(pixels)};
     return {1, kScaleCells, std::move(pixels)};
 }
 
-uint32_t ColourCorrection::displayed(const Cmyk& levels, ColourDisplay display) {
-    const uint32_t word = packCmyk(levels[0], levels[1], levels[2], levels[3]);
+uint32_t ColourCorrection::onPaper(const Cmyk& levels) const {
+    return throughOutput(workingCurves(profile_), levels);
+}
+
+// For the list: the colour picked and what its inks were given, in what the fields count in.
+std::string ColourCorrection::madeText(size_t which) const {
+    const Correction& correction = made_.list.at(which);
+    std::string text = std::to_string(which + 1) + ":";
+    for (size_t ink = 0; ink < 4; ++ink)
+        text += std::string(" ") + "CMYK"[ink] + " " + shown(correction.picked[ink]);
+    text += " :";
+    for (size_t ink = 0; ink < 4; ++ink) {
+        const int32_t delta = correction.delta[ink];
+        if (delta == 0) continue;
+        text += std::string(" ") + "CMYK"[ink] + (delta > 0 ? " +" : " -") + shown(std::abs(delta));
+    }
+    return text;
+}
+
+uint32_t ColourCorrection::displayed(const Cmyk& levels, ColourDisplay display) const {
+    const uint32_t word = onPaper(levels);
     uint32_t rgb = 0;
     display({&word, 1}, {&rgb, 1});
     return rgb;

@@ -11,7 +11,7 @@
 namespace ko::cmyk {
 
 // Runs the dialog on the profile that path names; see kolink/profile_dialog.h.
-bool editProfile(HWND owner, char* path, ColourDisplay display);
+bool editProfile(HWND owner, char* path, ColourDisplay display, ColourLab lab);
 
 // What a page tells the dialog that it stands on.
 class PageFrame {
@@ -33,6 +33,6 @@ using Page = std::unique_ptr<ProfilePage>;
 // For PROFILETONEDLG and PROFILECUBEDLG.
 Page makeTonePage(CmykProfile& profile, dialog::History& history, PageFrame& frame);
 Page makeCubePage(CmykProfile& profile, dialog::History& history, PageFrame& frame,
-                  ColourDisplay display);
+                  ColourDisplay display, ColourLab lab);
 
 }  // namespace ko::cmyk

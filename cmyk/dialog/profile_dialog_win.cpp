@@ -2,6 +2,7 @@
 
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 #include "cmyk/dialog/profile_dialog.h"
 #include "cmyk/dialog/profile_editor.h"
@@ -24,12 +25,12 @@ RememberedPlace rememberedPlace;  // of the one profile dialog
 
 class ProfileDialog final : public EditorDialog, public PageFrame {
 public:
-    ProfileDialog(CmykProfile& profile, ColourDisplay display)
+    ProfileDialog(CmykProfile& profile, ColourDisplay display, ColourLab lab)
         : EditorDialog(editor_), editor_(profile),
           pages_{{{makeTonePage(profile, editor_.steps(), *this), L"PROFILETONEDLG",
                    texts::kTonePage},
-                  {makeCubePage(profile, editor_.steps(), *this, display), L"PROFILECUBEDLG",
-                   texts::kCorrectionPage}}} {}
+                  {makeCubePage(profile, editor_.steps(), *this, display, std::move(lab)),
+                   L"PROFILECUBEDLG", texts::kCorrectionPage}}} {}
 
 private:
     struct Tab {
@@ -138,7 +139,7 @@ private:
 
 }  // namespace
 
-bool editProfile(HWND owner, char* path, ColourDisplay display) {
+bool editProfile(HWND owner, char* path, ColourDisplay display, ColourLab lab) {
     if (!path) return false;
     const Block<CmykProfile> profile = createProfile();
     if (!profile) return false;
@@ -158,7 +159,8 @@ bool editProfile(HWND owner, char* path, ColourDisplay display) {
     if (!copyPath(profile->path, path)) return false;
     registerSurfaceClass();
     registerTabsAndSpins();
-    const INT_PTR result = ProfileDialog(*profile, display).run(owner, L"PROFILEDLG");
+    const INT_PTR result =
+        ProfileDialog(*profile, display, std::move(lab)).run(owner, L"PROFILEDLG");
     (void)copyPath(std::span(path, KOLINK_PATH_SIZE), profile->path);
     return result == 1;
 }

@@ -3,10 +3,13 @@
 #include "kolink/profile_dialog.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 #include "cmyk/dialog/profile_dialog.h"
 #include "frame/boundary.h"
 #include "front/front.h"
+#include "front/printed_lab.h"
 
 using namespace ko;
 
@@ -30,5 +33,16 @@ void display(std::span<const uint32_t> cmyk, std::span<uint32_t> rgb) {
 }  // namespace
 
 extern "C" int32_t jKoCmykProfileDlg(HWND owner, char* path) {
-    return atBoundary(false, [&] { return cmyk::editProfile(owner, path, display); });
+    return atBoundary(false, [&] {
+        const auto press = front::PrintedLab::ofCurrentLinks();
+        cmyk::ColourLab lab;
+        if (press)
+            lab = [&press](uint32_t word) -> std::optional<cmyk::Lab> {
+                std::array<int32_t, 4> levels;
+                for (size_t ink = 0; ink < 4; ++ink)
+                    levels[ink] = static_cast<int32_t>(word >> (24 - 8 * ink) & 255);
+                return press->at(levels);
+            };
+        return cmyk::editProfile(owner, path, display, std::move(lab));
+    });
 }

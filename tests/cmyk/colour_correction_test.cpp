@@ -747,6 +747,118 @@ TEST(ColourCorrectionPicture, TheAreaShowsWhatTheProfilePrints) {
     }
 }
 
+TEST(ColourCorrectionPicture, TheOutputCurvesBelongToWhatIsPrinted) {
+    Correcting page;
+    std::ranges::fill(page.profile->curveValues[4], uint8_t{77});
+    const auto cyan = [](std::span<const uint32_t> cmyk, std::span<uint32_t> rgb) {
+        for (size_t at = 0; at < cmyk.size(); ++at) rgb[at] = cmyk[at] >> 24;
+    };
+    for (const uint32_t pixel : page.model.areaCells(cyan).pixels) ASSERT_EQ(pixel, 77u << 16);
+    EXPECT_EQ(page.model.displayed({200, 0, 0, 0}, cyan), 77u);
+    EXPECT_EQ(page.model.onPaper({200, 11, 12, 13}), 77u << 24 | 11 << 16 | 12 << 8 | 13);
+}
+
+TEST(ColourCorrectionPicture, OfTheFileStandsInPlaceOfTheEditedProfileUntilTheNextChange) {
+    Correcting page;
+    const auto inks = [](std::span<const uint32_t> cmyk, std::span<uint32_t> rgb) {
+        std::ranges::copy(cmyk, rgb.begin());
+    };
+    const auto before = page.model.areaCells(inks).pixels;
+    page.change({0, 60, 0, 0});
+    page.model.change();
+    const auto after = page.model.areaCells(inks).pixels;
+    EXPECT_NE(after, before);
+    page.model.showInstead(std::shared_ptr<const CmykProfile>(createProfile().release(),
+                                                              BlockDeleter()));
+    EXPECT_TRUE(page.model.showsFile());
+    EXPECT_EQ(page.model.areaCells(inks).pixels, before);
+    page.model.showInstead(nullptr);
+    EXPECT_EQ(page.model.areaCells(inks).pixels, after);
+}
+
+TEST(ColourCorrectionMade, EveryChangeStandsInTheListAndGoesFromItWhenTakenBack) {
+    Correcting page;
+    EXPECT_TRUE(page.model.made().empty());
+    page.pick({200, 80, 60, 24});
+    page.change({20, 0, -7, 0});
+    page.model.change();
+    page.pick({10, 200, 60, 24});
+    page.change({0, 5, 0, 0});
+    page.model.change();
+    ASSERT_EQ(page.model.made().size(), 2u);
+    EXPECT_EQ(page.model.madeText(0), "1: C 200 M 80 Y 60 K 24 : C +20 Y -7");
+    page.model.setLevels256(false);
+    EXPECT_EQ(page.model.madeText(1), "2: C 4 M 78 Y 24 K 9 : M +2");
+    page.undo();
+    EXPECT_EQ(page.model.made().size(), 1u);
+    page.history.redo();
+    EXPECT_EQ(page.model.made().size(), 2u);
+}
+
+TEST(ColourCorrectionMade, OneThatIsTakenOutLeavesTheGridAsIfOnlyTheOthersHadBeenMade) {
+    Correcting page(randomProfile(21));
+    std::vector<uint32_t> expected(page.profile->grid, page.profile->grid + KOLINK_CMYK_NODES);
+    const std::array<Cmyk, 3> picks = {{{200, 80, 60, 24}, {180, 90, 50, 60}, {190, 100, 80, 0}}};
+    page.reach(60, 50);
+    for (const Cmyk& picked : picks) {
+        page.pick(picked);
+        page.change({30, -30, 25, -25});
+        const auto reach = page.referenceRange();
+        if (picked != picks[1])  // with the inks that it was given on the page
+            test::referenceChange(expected.data(), picked, page.delta(), reach);
+        page.model.change();
+    }
+    page.model.takeOut(1);
+    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), page.profile->grid));
+    ASSERT_EQ(page.model.made().size(), 2u);
+    EXPECT_EQ(page.model.made()[1].picked, picks[2]);
+    EXPECT_TRUE(page.undo());
+    EXPECT_EQ(page.model.made().size(), 3u);
+}
+
+TEST(ColourCorrectionMade, TakingOutTheOnlyOneGivesTheGridFromBeforeAndIsTakenBack) {
+    Correcting page(randomProfile(22));
+    const auto before = randomProfile(22);
+    page.reach(90, 60);
+    page.change({100, -100, 50, 50});
+    page.model.change();
+    const std::vector<uint32_t> after(page.profile->grid, page.profile->grid + KOLINK_CMYK_NODES);
+    page.model.takeOut(0);
+    EXPECT_EQ(differing(*page.profile, *before), 0u);
+    EXPECT_TRUE(page.model.made().empty());
+    EXPECT_TRUE(page.undo());
+    EXPECT_TRUE(std::equal(after.begin(), after.end(), page.profile->grid));
+    EXPECT_EQ(page.model.made().size(), 1u);
+    page.model.takeOut(7);  // there is none
+    EXPECT_EQ(page.model.made().size(), 1u);
+}
+
+TEST(ColourCorrectionMade, AListFromBeforeANewProfileComesBackWithItsOwnGrid) {
+    Correcting page(randomProfile(23));
+    const auto before = randomProfile(23);
+    page.change({40, 0, 0, 0});
+    page.model.change();
+    // Another profile in its place, as New makes one, with a change of its own.
+    const auto other = std::make_shared<std::vector<uint32_t>>(KOLINK_CMYK_NODES, 0x11223344u);
+    const auto exchange = [&] {
+        std::swap_ranges(other->begin(), other->end(), page.profile->grid);
+    };
+    exchange();
+    page.history.add(exchange);
+    page.model.forgetMade();
+    page.change({0, 40, 0, 0});
+    page.model.change();
+    EXPECT_EQ(page.model.made().size(), 1u);
+    page.undo();
+    page.undo();
+    page.undo();
+    EXPECT_EQ(differing(*page.profile, *before), 0u);
+    page.history.redo();
+    ASSERT_EQ(page.model.made().size(), 1u);
+    page.model.takeOut(0);
+    EXPECT_EQ(differing(*page.profile, *before), 0u);
+}
+
 TEST(ColourCorrectionPicture, TheScalesRunFromWhiteToInkAndFromNoBlackToBlack) {
     Correcting page;
     const auto blackAlone = [](std::span<const uint32_t> cmyk, std::span<uint32_t> rgb) {

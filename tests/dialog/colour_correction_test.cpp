@@ -442,6 +442,87 @@ TEST(CorrectionPage, TheAreaAndTheSwatchesShowWhatTheProfilePrints) {
     });
 }
 
+TEST(CorrectionPage, EachChangeMadeCanBeTakenOutAndThatCanBeTakenBack) {
+    const TempFolder folder;
+    const std::string path = profileFile(folder, "profile.icc", 5);
+    const Profile expected = profileIn(path);
+    const auto chosen = [](const DialogWindow& page) {
+        return ::SendMessageW(page.item(IDC_CUBE_MADE), CB_GETCOUNT, 0, 0);
+    };
+    onPage(path, [&](const DialogWindow& dialog, const DialogWindow& page) {
+        EXPECT_FALSE(::IsWindowEnabled(page.item(IDC_CUBE_TAKE_OUT)));
+        pickLevels(page, {200, 80, 60, 24});
+        enter(page, kChanged[0], 255);
+        change(dialog, page);
+        pickLevels(page, {60, 200, 80, 24});
+        const int now = numberIn(page.text(kCurrent[1]));
+        const int wanted = now > 128 ? now - 40 : now + 40;
+        enter(page, kChanged[1], wanted);
+        referenceChange(expected->grid, {60, 200, 80, 24}, {0, wanted - now, 0, 0},
+                        {30, 60, 0, 200, 0, 100});
+        change(dialog, page);
+        EXPECT_EQ(chosen(page), 2);
+        page.key(IDC_CUBE_MADE, VK_HOME);
+        page.click(IDC_CUBE_TAKE_OUT);
+        EXPECT_EQ(chosen(page), 1);
+        page.click(IDC_CUBE_UNDO);
+        EXPECT_EQ(chosen(page), 2);
+        page.key(IDC_CUBE_MADE, VK_HOME);
+        page.click(IDC_CUBE_TAKE_OUT);
+        dialog.leave(IDOK);
+    });
+    EXPECT_TRUE(sameGrid(*profileIn(path), *expected));
+}
+
+TEST(CorrectionPage, TheFileCanBeLookedAtInPlaceOfWhatIsEdited) {
+    const TempFolder folder;
+    const std::string path = folder.path("one.icc");
+    const Profile profile(jKoCmykCreateProfile());
+    std::fill_n(profile->grid, KOLINK_CMYK_NODES, 0x285a0a14u);
+    jKoCmykSaveProfile(profile.get(), path.c_str());
+    const uint32_t rgb = jColorCMYKtoRGB(0x28, 0x5a, 0x0a, 0x14);
+    const uint32_t colour = (rgb & 255) << 16 | (rgb & 0xff00) | (rgb >> 16 & 255);
+    onPage(path, [&](const DialogWindow& dialog, const DialogWindow& page) {
+        const SIZE area = sizeOf(page, IDC_CUBE_AREA);
+        pickLevels(page, {100, 90, 80, 70});
+        enter(page, kChanged[0], 200);
+        enter(page, IDC_CUBE_HUE, 180);
+        enter(page, IDC_CUBE_SATURATION, 100);
+        change(dialog, page);
+        const int edited = pictureOf(dialog).count(colour);
+        page.click(IDC_CUBE_FILE);
+        EXPECT_GT(pictureOf(dialog).count(colour), area.cx * area.cy * 8 / 10);
+        page.click(IDC_CUBE_FILE);
+        EXPECT_EQ(pictureOf(dialog).count(colour), edited);
+        page.click(IDC_CUBE_FILE);
+        page.click(IDC_CUBE_UNDO);  // what is edited is looked at again
+        EXPECT_FALSE(page.isChecked(IDC_CUBE_FILE));
+    });
+}
+
+constexpr char kPressProfile[] = "Z:\\usr\\share\\color\\icc\\ghostscript\\default_cmyk.icc";
+
+TEST(CorrectionPage, TheSwatchesAreMeasuredThroughTheCurrentLinks) {
+    onPage("", [](const DialogWindow&, const DialogWindow& page) {
+        EXPECT_EQ(page.text(IDC_CUBE_BEFORE_LAB), L"");
+        EXPECT_EQ(page.text(IDC_CUBE_DIFFERENCE), L"");
+    });
+    ASSERT_EQ(jColorSetupProfile(testData("sRGB-v2-magic.icc").c_str(),
+                                 kPressProfile, 0), 1);
+    onPage("", [](const DialogWindow& dialog, const DialogWindow& page) {
+        EXPECT_EQ(page.text(IDC_CUBE_BEFORE_LAB), page.text(IDC_CUBE_AFTER_LAB));
+        EXPECT_EQ(page.text(IDC_CUBE_DIFFERENCE), L"Lab, \x0394" L"E00 0.0");
+        enter(page, kChanged[0], 40);
+        EXPECT_NE(page.text(IDC_CUBE_BEFORE_LAB), page.text(IDC_CUBE_AFTER_LAB));
+        EXPECT_NE(page.text(IDC_CUBE_DIFFERENCE), L"Lab, \x0394" L"E00 0.0");
+        for (const int text : {IDC_CUBE_BEFORE_LAB, IDC_CUBE_AFTER_LAB, IDC_CUBE_DIFFERENCE})
+            expectTextFits(page.item(text));
+        change(dialog, page);
+        keepPicture(pictureOf(dialog), "profile-correction-lab");
+    });
+    jColorEndProfile();
+}
+
 TEST(CorrectionPage, LooksRight) {
     onPage("", [](const DialogWindow& dialog, const DialogWindow& page) {
         expectALook(page);
@@ -473,7 +554,7 @@ TEST(CorrectionPage, NoAccessKeyOfFrameAndPageIsUsedTwice) {
             EXPECT_EQ(keys.find(text[at + 1]), std::wstring::npos) << static_cast<char>(text[at + 1]);
             keys += text[at + 1];
         }
-        EXPECT_EQ(keys.size(), 15u);
+        EXPECT_EQ(keys.size(), 18u);
     });
 }
 
