@@ -2,9 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/block.h"
+#include "frame/problem.h"
 #include "kolink/profile_selection_dialog.h"
 
 namespace ko::front {
@@ -12,6 +16,12 @@ namespace ko::front {
 constexpr int32_t kProfileSlots = 500;  // of each list, KOLINK_PATH_SIZE bytes a slot
 
 enum class ProfileList { rgb, cmyk };
+
+// What a profile says of itself, or why it cannot be read.
+struct ProfileWords {
+    std::string description;  // a record's text
+    std::optional<Problem> problem;
+};
 
 class ProfileSelectionModel {
 public:
@@ -23,8 +33,10 @@ public:
                           Allocate allocate = allocateBlock<char>);
 
     // What a list offers after its first entry, "not set".
-    int32_t profileCount(ProfileList list) const noexcept { return offered(list).count; }
+    int32_t profileCount(ProfileList list) const noexcept { return offered(list).size(); }
     std::string_view fileName(ProfileList list, int32_t profile) const noexcept;
+    // Read from the file when it is first asked for.
+    const ProfileWords& wordsOf(ProfileList list, int32_t profile);
 
     int32_t chosenEntry(ProfileList list) const noexcept { return offered(list).chosen; }
     const ProfileSelection& record() const noexcept { return record_; }
@@ -33,19 +45,27 @@ public:
     void chooseEntry(ProfileList list, int32_t entry) noexcept;
     void chooseIntent(int32_t intent) noexcept;
 
+    // A file from anywhere, offered from now on, behind the others, and chosen; or why it cannot
+    // be. Files that were added before stand in the list of the next dialog as well.
+    std::optional<Problem> addProfile(ProfileList list, const std::string& path);
+
 private:
     struct Offer {
         Block<char> slots;
-        int32_t count = 0;
+        int32_t count = 0;               // of the folder
+        std::vector<std::string> added;  // behind them
+        std::vector<std::optional<ProfileWords>> words;
         int32_t chosen = 0;
+        int32_t size() const noexcept { return count + static_cast<int32_t>(added.size()); }
         const char* path(int32_t profile) const noexcept {
+            if (profile >= count) return added[static_cast<size_t>(profile - count)].c_str();
             return slots.get() + static_cast<size_t>(profile) * KOLINK_PATH_SIZE;
         }
     };
     const Offer& offered(ProfileList list) const noexcept {
         return list == ProfileList::rgb ? rgb_ : cmyk_;
     }
-    static Offer listed(std::string_view folder, const char* colourSpace, Allocate allocate);
+    static Offer listed(std::string_view folder, ProfileList list, Allocate allocate);
     static void find(Offer& offer, char (&path)[KOLINK_PATH_SIZE]) noexcept;
 
     ProfileSelection record_;

@@ -276,6 +276,36 @@ LONG textWidth(HWND control, const std::wstring& text) {
     return size.cx;
 }
 
+TEST_F(ProfileSelectionDialog, AFileFromAnywhereCanBeBrowsedForAndOneOfAnotherKindIsRefused) {
+    addThree();
+    const TempFolder elsewhere;
+    const std::string press = elsewhere.path("elsewhere.icc");
+    writeFile(press, profileBytes({}, profileHeader("prtr", "CMYK")));
+    ProfileSelection record{};
+    EXPECT_EQ(open(&record,
+                   [&](const DialogWindow& dialog) {
+                       dialog.press(IDC_SELECT_BROWSE_RGB);
+                       const DialogWindow files = dialog.asked();
+                       files.chooseFile(press);
+                       EXPECT_TRUE(eventually([&] { return !files.isOpen(); }));
+                       const DialogWindow refused = dialog.asked();
+                       EXPECT_NE(refused.text(0xffff).find(L"CMYK"), std::wstring::npos);
+                       refused.press(IDOK);
+                       dialog.waitForQuiet();
+                       EXPECT_EQ(entriesOf(dialog, IDC_SELECT_RGB).size(), 3u);
+                       dialog.press(IDC_SELECT_BROWSE_CMYK);
+                       dialog.asked().chooseFile(press);
+                       dialog.waitForQuiet();
+                       EXPECT_THAT(entriesOf(dialog, IDC_SELECT_CMYK),
+                                   ElementsAre(words().notSet, L"press.icc", L"elsewhere.icc"));
+                       EXPECT_EQ(chosenIn(dialog, IDC_SELECT_CMYK), 2);
+                       dialog.leave(IDOK);
+                   }),
+              1);
+    EXPECT_STRCASEEQ(record.cmykPath, press.c_str());
+    EXPECT_STREQ(record.rgbPath, "");
+}
+
 TEST_F(ProfileSelectionDialog, TheOpenedListIsAsWideAsItsLongestName) {
     const std::string name = std::string(100, 'W') + ".icc";
     add(name, "RGB ");
@@ -372,7 +402,9 @@ LONG excessOf(const DialogWindow& dialog, int list) {
 TEST(DialogLayout, OfTheProfileSettingIsRightInEveryLanguage) {
     Home home;
     for (const char* name : {"Wide gamut.icc", "Office screen.icc", "Scanner.icm"}) home.add(name, "RGB ");
-    for (const char* name : {"Coated paper 39L.icc", "Newsprint.icc"}) home.add(name, "CMYK");
+    home.add("Newsprint.icc", "CMYK");
+    writeFile(home.path("Coated paper 39L.icc"),
+              profileBytes({{"desc", descriptionElement("Coated, 330 % ink")}}));
     ProfileSelection record =
         recordOf(home.path("Office screen.icc"), home.path("Coated paper 39L.icc"), 1);
     home.open(&record, [](const DialogWindow& dialog) {

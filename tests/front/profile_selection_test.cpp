@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "resources/texts.h"
 #include "tests/support/files.h"
 #include "tests/support/profiles.h"
 
@@ -54,6 +55,50 @@ TEST_F(ProfileSelectionTest, OffersTheProfilesOfEachColourSpaceByTheirFileNames)
 TEST_F(ProfileSelectionTest, IccFilesComeBeforeIcmFiles) {
     for (const char* name : {"a.icm", "z.icc", "b.icc", "c.icm"}) add(name, "RGB ");
     EXPECT_THAT(namesOf(model(), kRgb), ElementsAre("b.icc", "z.icc", "a.icm", "c.icm"));
+}
+
+TEST_F(ProfileSelectionTest, SaysWhatAProfileIsOrWhyItCannotBeRead) {
+    writeFile(folder.path("press.icc"),
+              test::profileBytes({{"desc", test::descriptionElement("Coated 39L\nsecond line")}}));
+    writeFile(folder.path("broken.icc"), "not a profile");
+    ProfileSelectionModel offered = model();
+    ASSERT_EQ(namesOf(offered, kCmyk), (Names{"broken.icc", "press.icc"}));
+    EXPECT_EQ(offered.wordsOf(kCmyk, 1).description, "Coated 39L");
+    EXPECT_FALSE(offered.wordsOf(kCmyk, 1).problem);
+    EXPECT_EQ(offered.wordsOf(kCmyk, 0).problem, Problem{texts::kNoIccProfile});
+}
+
+TEST_F(ProfileSelectionTest, AFileFromElsewhereIsOfferedChosenAndFoundAgain) {
+    add("press.icc", "CMYK");
+    const TempFolder elsewhere;
+    const std::string path = elsewhere.path("other.icc");
+    writeFile(path, test::profileBytes({}, test::profileHeader("prtr", "CMYK")));
+    ProfileSelectionModel first = model();
+    EXPECT_EQ(first.addProfile(kCmyk, path), std::nullopt);
+    EXPECT_EQ(namesOf(first, kCmyk), (Names{"press.icc", "other.icc"}));
+    EXPECT_EQ(first.chosenEntry(kCmyk), 2);
+    EXPECT_EQ(first.record().cmykPath, path);
+    EXPECT_EQ(first.addProfile(kCmyk, path), std::nullopt);  // once is enough
+    EXPECT_EQ(first.profileCount(kCmyk), 2);
+    const ProfileSelectionModel second = model(record("", path, 0));
+    EXPECT_EQ(second.record().cmykPath, path);
+    EXPECT_EQ(second.chosenEntry(kCmyk), 2);
+    EXPECT_EQ(second.profileCount(kRgb), 0);
+}
+
+TEST_F(ProfileSelectionTest, AFileOfTheOtherColourSpaceOrOfNoneIsRefusedWithTheReason) {
+    add("screen.icc", "RGB ");
+    add("press.icc", "CMYK");
+    writeFile(folder.path("notes.txt"), "text");
+    ProfileSelectionModel offered = model();
+    EXPECT_EQ(offered.addProfile(kCmyk, folder.path("screen.icc")),
+              (Problem{texts::kWrongSpace, {"RGB"}}));
+    EXPECT_EQ(offered.addProfile(kRgb, folder.path("press.icc")),
+              (Problem{texts::kNoRgbProfile, {"CMYK"}}));
+    EXPECT_EQ(offered.addProfile(kRgb, folder.path("notes.txt")), Problem{texts::kNoIccProfile});
+    EXPECT_EQ(offered.addProfile(kRgb, folder.path("missing.icc")), Problem{texts::kFileMissing});
+    EXPECT_EQ(offered.chosenEntry(kRgb), 0);
+    EXPECT_EQ(offered.profileCount(kRgb), 1);
 }
 
 TEST_F(ProfileSelectionTest, AProfileWhoseHeaderCannotBeReadIsInBothLists) {
