@@ -21,7 +21,7 @@ enum class Word {
     worstHelp, groups, prices, pricesHelp, mean, median, worstValue, count, wanted, printed, inks, foreign, levels,
     provenance, key, value, faults, nothingWrong, source, destination, noProfiles, sortBy, name, all, unreachable,
     primaries, secondaries, greys, skin, highlights, shadows, withPurity, withBlack, withInkLimit, withLevels, link,
-    pure, impure, countOf
+    pure, impure, white, countOf
 };
 constexpr const char* kWords[static_cast<size_t>(Word::countOf)][3] = {
     {"Report of a device link", "デバイスリンクの報告", "设备链接报告"},
@@ -88,6 +88,7 @@ constexpr const char* kWords[static_cast<size_t>(Word::countOf)][3] = {
     {"the link", "リンク", "链接"},
     {"pure", "純", "纯"},
     {"not pure", "混入あり", "不纯"},
+    {"white", "白", "白"},
 };
 
 static_assert(kWords[static_cast<size_t>(Word::countOf) - 1][2] != nullptr);
@@ -403,7 +404,7 @@ private:
         openTable({word(Word::inks), textHead(Word::purity), word(Word::foreign), word(Word::levels)});
         for (const PureRamp& ramp : link.findings.purity.ramps) {
             const double foreign = std::max(ramp.foreign, ramp.foreignByLevels) * 100;
-            out_ += "<tr>" + text(*ramp.inks ? ramp.inks : "0") + text(word(ramp.pure() ? Word::pure : Word::impure)) +
+            out_ += "<tr>" + text(*ramp.inks ? ramp.inks : word(Word::white)) + text(word(ramp.pure() ? Word::pure : Word::impure)) +
                     cell(foreign, number(foreign, 2) + " %") + cell(ramp.impureLevels, std::to_string(ramp.impureLevels)) +
                     "</tr>";
         }
