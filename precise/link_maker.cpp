@@ -28,6 +28,11 @@ constexpr double kBorder = 6;
 constexpr double kSavingFade = 20;
 // Units outside the gamut at which nothing is saved any more.
 constexpr double kSavingReach = 1;
+// How much faster than the source's an ink rises beside a mix that stays alone.
+constexpr double kOnset = 4;
+// What keeps inks near the source's where the press is far from a colour: the nearest mix leaps
+// there between mixes that look alike.
+constexpr double kFarPull = 1;
 // Of black, from which on it counts as moved.
 constexpr double kMoved = 0.004;
 
@@ -332,17 +337,28 @@ private:
         link_->report.tablesInk = there / static_cast<double>(counted);
     }
 
-    // The bounds that inks which stay alone put on the others; false when every ink may be there.
+    // Whether the inks of a mix, bit 0 cyan to bit 3 black, are to stay alone.
+    bool staysAlone(unsigned mix) const noexcept {
+        const unsigned colours = (mix & 1) + (mix >> 1 & 1) + (mix >> 2 & 1);
+        if (colours == 0 || colours == 3) return false;
+        return colours + (mix & 8 ? 2 : 0) <= static_cast<unsigned>(o_.preserve);
+    }
+
+    // The bounds that inks which stay alone put on the others; true when they are alone here.
+    // Beside such a mix the others rise with the source's, so that none sets in at once.
     bool keptAlone(const Colour& inks, Colour& high) const noexcept {
         if (o_.preserve == Preserve::none) return false;
-        int colours = 0;
-        for (size_t i = 0; i < 3; ++i) colours += inks[i] > 0;
-        const bool black = inks[3] > 0;
-        const auto level = static_cast<int>(o_.preserve);
-        const int needed = !black ? (colours == 1 ? 1 : 2) : (colours == 1 ? 3 : 4);
-        if (colours == 0 || colours == 3 || needed > level) return false;
-        for (size_t i = 0; i < 4; ++i) high[i] = inks[i] > 0 ? 1 : 0;
-        return true;
+        unsigned all = 0;
+        for (size_t i = 0; i < 4; ++i) all |= (inks[i] > 0) << i;
+        for (unsigned mix = all; mix > 0; mix = (mix - 1) & all) {
+            if (!staysAlone(mix)) continue;
+            double away = 0;
+            for (size_t i = 0; i < 4; ++i)
+                if (!(mix >> i & 1)) away = std::max(away, inks[i]);
+            for (size_t i = 0; i < 4; ++i)
+                if (!(mix >> i & 1)) high[i] = std::min(high[i], kOnset * away);
+        }
+        return staysAlone(all);
     }
 
     // Levels of the nodes, and where they stand in the source's table when that is quick.
@@ -449,7 +465,7 @@ private:
         if (!alone && (guess.inside || !guessed)) {
             Colour start = guess.inks;
             start[3] = black;
-            if (const auto found = plainly(lab, start)) {
+            if (const auto found = plainly(lab, start, high)) {
                 inside_ = true;
                 return *found;
             }
@@ -462,6 +478,7 @@ private:
         wish.high = high;
         wish.black = std::min(black, high[3]);
         wish.total = limit_;
+        wish.farPull = kFarPull;
         const Answer answer = solve(*forward_, wish);
         const double move = std::abs(answer.inks[3] - black);
         if (move > kMoved) ++link_->report.movedBlack;
@@ -471,9 +488,12 @@ private:
     }
 
     // By plain steps, when that meets the colour within every bound.
-    std::optional<Colour> plainly(const Triple& lab, const Colour& start) noexcept {
+    std::optional<Colour> plainly(const Triple& lab, const Colour& start,
+                                  const Colour& high) noexcept {
         auto inside = plain_->solve(lab, start);
         if (!inside || sumOf(*inside) > limit_) return std::nullopt;
+        for (size_t i = 0; i < 4; ++i)
+            if ((*inside)[i] > high[i]) return std::nullopt;
         ++link_->report.reached;
         solved_ = *inside;
         return saving(lab, *inside, 0);
@@ -504,7 +524,7 @@ private:
         if (Trail::Guess guess; trail_ && trail_->guess(guess))
             std::copy_n(guess.inks.begin(), 3, start.begin());
         if (!alone)
-            if (const auto found = plainly(lab, start)) return *found;
+            if (const auto found = plainly(lab, start, high)) return *found;
         Wish wish;
         wish.lab = lab;
         wish.start = start;

@@ -19,6 +19,7 @@ constexpr double kFar = 1;      // units from which kept slopes lead astray
 constexpr int kUses = 4;        // colours along a row that slopes serve
 constexpr double kBlackStep = 0.12;  // of black, over which slopes lead near enough
 constexpr int kBlackSteps = 16;
+constexpr double kFarFrom = 0.3;  // units from which on a colour is far
 constexpr double kFlat = 2000;  // the least volume of a cell's slopes for plain steps
 
 struct Weights {  // rows of a matrix over dL, da, db: lightness, chroma, hue
@@ -81,6 +82,31 @@ public:
         for (size_t i = 0; i < kInks; ++i)
             now->inks[i] = std::clamp(wish_.start[i], wish_.low[i], wish_.high[i]);
         keepTotal(now->inks);
+        descend(now, next);
+        double distance = lengthOf(now->residual);
+        if (wish_.farPull > 0 && distance > kFarFrom) {
+            const double beyond = distance - kFarFrom;
+            farPull_ = wish_.farPull * beyond * beyond;
+            descend(now, next);
+            distance = lengthOf(now->residual);
+        }
+        Answer answer;
+        answer.inks = now->inks;
+        answer.distance = distance;
+        answer.reached = answer.distance < kReached;
+        return answer;
+    }
+
+private:
+    struct State {
+        Colour inks{};
+        Slopes at;
+        Triple residual{};
+        double cost = 0;
+    };
+
+    // From now's inks downhill; now is the lowest point that was found.
+    void descend(State*& now, State*& next) const noexcept {
         evaluate(*now);
         double damping = 1e-6;
         for (int round = 0; round < kSteps; ++round) {
@@ -104,22 +130,11 @@ public:
             if (predicted < kValley * scale || damping > 1e4) break;
             damping = damping < 1 ? 1 : damping * 16;
         }
-        Answer answer;
-        answer.inks = now->inks;
-        const Triple& off = now->residual;
-        answer.distance = std::sqrt(off[0] * off[0] + off[1] * off[1] + off[2] * off[2]);
-        answer.reached = answer.distance < kReached;
-        return answer;
     }
 
-private:
-    struct State {
-        Colour inks{};
-        Slopes at;
-        Triple residual{};
-        double cost = 0;
-    };
-
+    static double lengthOf(const Triple& v) noexcept {
+        return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    }
     static double sumOf(const Colour& inks) noexcept {
         return (inks[0] + inks[1]) + (inks[2] + inks[3]);
     }
@@ -154,7 +169,9 @@ private:
         for (size_t row = 0; row < 3; ++row) state.residual[row] += change[row];
         state.inks = next;
     }
-    double pull(size_t ink) const noexcept { return ink == 3 ? wish_.blackWeight : kPull; }
+    double pull(size_t ink) const noexcept {
+        return (ink == 3 ? wish_.blackWeight : kPull) + farPull_;
+    }
     double aim(size_t ink) const noexcept { return ink == 3 ? wish_.black : wish_.reference[ink]; }
 
     // The next point: one Gauss-Newton step on the inks that no bound holds, with the total as an
@@ -245,6 +262,7 @@ private:
     const Evaluator& forward_;
     const Wish& wish_;
     Weights weights_;
+    double farPull_ = 0;
 };
 
 }  // namespace

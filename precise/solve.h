@@ -15,8 +15,9 @@ struct Wish {
     Colour reference{};                // preferred where colours are alike, very weakly
     Colour low{}, high = {1, 1, 1, 1};
     double black = 0;                  // preferred black, where low and high leave it free
-    double blackWeight = 2;            // what moving black by 1 costs, in squared units
+    double blackWeight = 10;           // what moving black by 1 costs, in squared units
     double total = 4;                  // the most ink
+    double farPull = 0;  // what moving an ink by 1 costs more, for each squared unit outside
 };
 
 struct Answer {

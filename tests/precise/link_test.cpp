@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <random>
 
 #include "precise/link.h"
 #include "precise/link_file.h"
@@ -136,6 +138,85 @@ TEST(PreciseLink, PreservedInksAreAloneAtEveryLevel) {
             }
         }
     }
+}
+
+// The farthest that an ink goes between two nodes that are neighbours, of those for which counts
+// holds.
+template <class Counts>
+double farthestStep(const Link& link, Counts counts) {
+    const int n = link.gridPoints;
+    const size_t strides[4] = {4u * static_cast<size_t>(n * n * n), 4u * static_cast<size_t>(n * n),
+                               4u * static_cast<size_t>(n), 4u};
+    double farthest = 0;
+    for (int at = 0; at < n * n * n * n; ++at) {
+        const std::array<int, 4> node = {at / (n * n * n), at / (n * n) % n, at / n % n, at % n};
+        for (size_t axis = 0; axis < 4; ++axis) {
+            if (node[axis] == n - 1) continue;
+            auto next = node;
+            ++next[axis];
+            if (!counts(node, next)) continue;
+            const uint8_t* const inks = &link.table[static_cast<size_t>(at) * 4];
+            for (size_t i = 0; i < 4; ++i)
+                farthest = std::max(farthest, std::abs(double{1} * inks[i] - inks[i + strides[axis]]));
+        }
+    }
+    return farthest;
+}
+
+const Profile& darkPress() {
+    static const auto profile = parsed(pressProfileBytes({.blackLightness = 4}));
+    return *profile;
+}
+const Profile& palePress() {
+    static const auto profile =
+        parsed(pressProfileBytes({.gain = 0.1, .blackLightness = 20, .magentaHue = 8}));
+    return *profile;
+}
+
+TEST(PreciseLink, PreservedInksMeetTheOthersWithoutALeap) {
+    for (int preserve = 1; preserve <= 4; ++preserve) {
+        LinkOptions options = small();
+        options.bits = 8;
+        options.gridPoints = 17;
+        options.preserve = static_cast<Preserve>(preserve);
+        const auto link = made(options, darkPress(), palePress());
+        const auto stays = [&](const std::array<int, 4>& node) {
+            const int colours = (node[0] > 0) + (node[1] > 0) + (node[2] > 0);
+            return colours > 0 && colours < 3 && colours + (node[3] > 0 ? 2 : 0) <= preserve;
+        };
+        const double farthest = farthestStep(
+            *link, [&](const auto& a, const auto& b) { return stays(a) != stays(b); });
+        EXPECT_LE(farthest, 112) << preserve;  // of 16 levels that the source has
+    }
+}
+
+// Colours darker than the press is.
+TEST(PreciseLink, ColoursThatThePressIsFarFromLieNextToEachOther) {
+    Problem problem;
+    const Evaluator press(*makeToLab(palePress(), Intent::relative, problem));
+    std::mt19937 random(7);
+    const auto part = [&] { return static_cast<double>(random() >> 8) / 0x1000000; };
+    double farthest = 0;
+    for (int path = 0; path < 300; ++path) {
+        Wish wish;
+        wish.reference = {part(), part(), part(), 0.8 + 0.2 * part()};
+        wish.start = wish.reference;
+        wish.black = wish.reference[3];
+        wish.total = 3.1;
+        wish.farPull = 1;
+        const Triple from = {8 * part(), 30 * part() - 15, 30 * part() - 15};
+        const Triple to = {8 * part(), 30 * part() - 15, 30 * part() - 15};
+        std::optional<Colour> before;
+        for (int at = 0; at <= 50; ++at) {
+            for (size_t i = 0; i < 3; ++i) wish.lab[i] = from[i] + (to[i] - from[i]) * at / 50;
+            const Answer answer = solve(press, wish);
+            EXPECT_GT(answer.distance, 5);
+            for (size_t i = 0; before && i < 4; ++i)
+                farthest = std::max(farthest, std::abs(answer.inks[i] - (*before)[i]));
+            before = answer.inks;
+        }
+    }
+    EXPECT_LE(farthest, 0.5);
 }
 
 TEST(PreciseLink, EveryNodeKeepsTheInkLimit) {
