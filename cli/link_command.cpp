@@ -25,6 +25,7 @@
 #include "cmyk/cmyk.h"
 #include "cmyk/description.h"
 #include "cmyk/save.h"
+#include "frame/bytes.h"
 #include "frame/path.h"
 #include "frame/text.h"
 #include "kolink/version.h"
@@ -190,8 +191,8 @@ void verify(InputFile written, const CmykProfile& made) {
     if (std::memcmp(read->curveFlags, made.curveFlags, sizeof made.curveFlags) != 0) wrong("control points");
 }
 
-// The same for a link of any form: its table is what was made, at every other node of each axis.
-// What can be edited is read by the library as well.
+// The same for a link of any form: its table is what was made, at every fourth node of each axis.
+// What can be edited is read by the library as well, and wholly.
 void verifyPrecise(InputFile written, const KoPreciseLink* made, bool isEditable, const Texts& texts) {
     const std::string output = written.path;
     const auto wrong = [&](const std::string& what) {
@@ -218,34 +219,38 @@ void verifyPrecise(InputFile written, const KoPreciseLink* made, bool isEditable
     if (lut->inputChannels != info.inputs || lut->outputChannels != info.outputs ||
         lut->gridPoints != info.gridPoints || lut->precision != info.bits / 8)
         wrong("shape of A2B0");
-    const size_t outputs = static_cast<size_t>(info.outputs);
+    const auto outputs = static_cast<size_t>(info.outputs);
     const bool isLibrarys = info.nodes == KO_PRECISE_NODES_LIBRARY && info.bits == 16;
     const double top = info.bits == 8 ? 255 : 65535;
-    size_t nodes = 1;
-    for (int axis = 0; axis < info.inputs; ++axis) nodes *= static_cast<size_t>(info.gridPoints);
-    for (size_t node = 0; node < nodes; ++node) {
+    const int apart = info.inputs < 4 ? 1 : 4;
+    std::array<int, 4> place{};
+    for (bool isLast = false; !isLast;) {
         float in[4], out[4];
-        bool isLookedAt = true;
-        size_t rest = node;
-        for (int axis = info.inputs - 1; axis >= 0; --axis, rest /= static_cast<size_t>(info.gridPoints)) {
-            const int place = static_cast<int>(rest % static_cast<size_t>(info.gridPoints));
-            isLookedAt = isLookedAt && (place % 2 == 0 || info.inputs < 4);
-            in[axis] = isLibrarys ? static_cast<float>(cmyk::nodeValue(place)) / 255
-                                  : static_cast<float>(place) / static_cast<float>(info.gridPoints - 1);
+        size_t node = 0;
+        for (size_t axis = 0; axis < static_cast<size_t>(info.inputs); ++axis) {
+            node = node * static_cast<size_t>(info.gridPoints) + static_cast<size_t>(place[axis]);
+            in[axis] = isLibrarys ? static_cast<float>(cmyk::nodeValue(place[axis])) / 255
+                                  : static_cast<float>(place[axis]) / static_cast<float>(info.gridPoints - 1);
         }
-        if (!isLookedAt) continue;
         koPreciseLinkFloats(made, in, out, 1);
-        uint32_t word = 0;
         for (size_t ch = 0; ch < outputs; ++ch) {
             const size_t at = node * outputs + ch;
             const int level = info.bits == 8 ? static_cast<const uint8_t*>(lut->clut)[at]
                                              : static_cast<const uint16_t*>(lut->clut)[at];
             // Floats beside a node are a little off where the node stands at no level of theirs.
             if (std::abs(out[ch] * top - level) > (info.bits == 8 ? 0.01 : 1.0)) wrong("grid");
-            word = word << 8 | static_cast<uint32_t>(level & 255);
         }
-        if (record && record->grid[node] != word) wrong("grid, as the library reads it");
+        isLast = true;
+        for (size_t axis = static_cast<size_t>(info.inputs); axis-- > 0 && isLast;) {
+            place[axis] += apart;
+            if (place[axis] < info.gridPoints) isLast = false;
+            else place[axis] = 0;
+        }
     }
+    if (!record) return;
+    ByteReader nodes({static_cast<const uint8_t*>(lut->clut), sizeof record->grid});
+    for (const uint32_t word : record->grid)
+        if (nodes.u32() != word) wrong("grid, as the library reads it");
 }
 
 constexpr const char* kBlackWords[] = {"", "plane", "match", "keep", "none", "curve"};

@@ -132,6 +132,17 @@ bool Evaluator::prepare() {
     for (size_t ch = 0; ch < static_cast<size_t>(grid_->inputs); ++ch)
         in_.set(ch, first ? (*first)[ch] : identity, 1, 0);
 
+    // A matrix that encodes is all that usually stands there.
+    const Stage* const encoding = lead_ == 1 ? &stages[0] : nullptr;
+    if (encoding && encoding->step == Step::matrix && isDiagonal(encoding->matrix)) {
+        for (size_t ch = 0; ch < 3; ++ch) {
+            leadScale_[ch] = static_cast<float>(encoding->matrix.rows[ch][ch]);
+            leadOffset_[ch] = static_cast<float>(encoding->matrix.offsets[ch]);
+        }
+        lead_ = 0;
+        scaled_ = true;
+    }
+
     size_t next = grid + 1;
     const std::vector<Curve>* last = nullptr;
     if (next < stages.size() && usable(stages[next])) last = &stages[next++].curves;
@@ -170,9 +181,8 @@ inline Evaluator::Cell Evaluator::cellOf(Four x) const noexcept {
 Colour Evaluator::at(const Colour& in) const noexcept {
     if (!quick_) return pipeline_.at(in);
     Colour x = in;
-    // A matrix that encodes is all that usually stands here.
     for (size_t stage = 0; stage < lead_; ++stage) x = pipeline_.stageAt(stage, x);
-    const Four place = in_.at(narrowed(x));
+    const Four place = in_.at(narrowed(x) * loaded(leadScale_) + loaded(leadOffset_));
     Four sum;
     if (grid_->inputs == 4) {
         const Cell cell = cellOf<4>(place);
@@ -193,19 +203,28 @@ Evaluator::Place Evaluator::placeOf(size_t channel, double value) const noexcept
     return {static_cast<uint32_t>(cell.low - grid_->nodes.data()), cell.rests[channel]};
 }
 
-Colour Evaluator::atPlaces(const std::array<Place, kMostChannels>& places) const noexcept {
-    const float* low = grid_->nodes.data();
-    std::array<float, kMostChannels> rests;
-    for (size_t axis = 0; axis < kMostChannels; ++axis) {
-        low += places[axis].offset;
-        rests[axis] = places[axis].rest;
+void Evaluator::slabAt(const Place& first, std::vector<float>& nodes) const {
+    const size_t size = grid_->strides[0];
+    nodes.resize(size);
+    const float *low = grid_->nodes.data() + first.offset, *high = low + size;
+    for (size_t at = 0; at < size; ++at) nodes[at] = low[at] + (high[at] - low[at]) * first.rest;
+}
+
+Colour Evaluator::inSlab(const std::vector<float>& nodes,
+                         const std::array<Place, kMostChannels>& places) const noexcept {
+    const float* low = nodes.data();
+    std::array<float, 3> rests;
+    for (size_t axis = 0; axis < 3; ++axis) {
+        low += places[axis + 1].offset;
+        rests[axis] = places[axis + 1].rest;
     }
-    const Four sum = inCell<4, false>(*grid_, low, rests.data(), nullptr);
+    const Four sum = tetrahedron<false>(low, rests.data(), grid_->strides.data() + 1,
+                                        orderOf(rests.data()), nullptr);
     return widened(out_.at(sum * static_cast<float>(grid_->scale)));
 }
 
 Slopes Evaluator::slopesAt(const Colour& in) const noexcept {
-    if (!quick_ || lead_ != 0 || grid_->blended) return pipeline_.slopesAt(in);
+    if (!quick_ || lead_ != 0 || scaled_ || grid_->blended) return pipeline_.slopesAt(in);
     Four steep, slope, slopes[4] = {};
     const Four place = in_.at(narrowed(in), steep);
     Four sum;

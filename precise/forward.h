@@ -64,9 +64,14 @@ public:
         uint32_t offset = 0;
         float rest = 0;
     };
-    bool hasPlaces() const noexcept { return quick_ && lead_ == 0 && grid_->inputs == 4; }
+    bool hasPlaces() const noexcept { return quick_ && lead_ == 0 && !scaled_ && grid_->inputs == 4; }
     Place placeOf(size_t channel, double value) const noexcept;
-    Colour atPlaces(const std::array<Place, kMostChannels>& places) const noexcept;
+    // The grid at a place of the first channel, for many colours that have it in common. nodes
+    // keeps its memory from one to the next.
+    void slabAt(const Place& first, std::vector<float>& nodes) const;
+    // The places of the other three channels.
+    Colour inSlab(const std::vector<float>& nodes,
+                  const std::array<Place, kMostChannels>& places) const noexcept;
 
 private:
     struct Cell;
@@ -75,7 +80,10 @@ private:
     Cell cellOf(Four x) const noexcept;
     Pipeline pipeline_;
     bool quick_ = false;
-    size_t lead_ = 0;  // stages before the curves of the table
+    // Before the curves of the table: a scale and an offset, or this many stages of any kind.
+    size_t lead_ = 0;
+    bool scaled_ = false;
+    FourKept leadScale_ = {1, 1, 1, 1}, leadOffset_{};
     QuickCurves in_, out_;
     const Grid* grid_ = nullptr;
     FourKept last_{}, steps_{};  // cells an axis; times the grid's scale

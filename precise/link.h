@@ -40,7 +40,7 @@ struct LinkOptions {
 
 struct LinkReport {
     double inkLimit = 4;  // 1 is one full ink
-    double meanInk = 0, tablesInk = 0;  // of every other node of each axis
+    double meanInk = 0, tablesInk = 0;  // of about nine nodes of each axis
     double savedInk = 0;                // mean of all nodes, by saveInk
     uint64_t nodes = 0, reached = 0, movedBlack = 0, limited = 0;
     bool inverted = false;

@@ -288,7 +288,8 @@ private:
         }
         // Along Y, so that a node's neighbours before it say where its inks will be.
         trail_.emplace(n);
-        for (node[0] = 0; node[0] < n; ++node[0])
+        for (node[0] = 0; node[0] < n; ++node[0]) {
+            if (keepsPlaces_) wanted_->slabAt(places_[0][static_cast<size_t>(node[0])], slab_);
             for (node[1] = 0; node[1] < n; ++node[1])
                 for (node[3] = 0; node[3] < n; ++node[3])
                     for (node[2] = 0; node[2] < n; ++node[2]) {
@@ -301,14 +302,16 @@ private:
                         trail_->follow(solved_ ? *solved_ : inks, inside_);
                         store(at, inks);
                     }
+        }
         trail_.reset();
     }
 
-    // What the link takes and what the tables would take, over every other node of each axis.
+    // What the link takes and what the tables would take, over about nine nodes of each axis.
     void compareInk() noexcept {
         const auto inputs = static_cast<size_t>(link_->inputs);
         const auto width = static_cast<size_t>(link_->bits / 8);
         std::array<int, kMostChannels> node{};
+        const int step = std::max((link_->gridPoints - 1) / 8, 1);
         double here = 0, there = 0;
         uint64_t counted = 0;
         for (size_t turned = 0; turned < inputs;) {
@@ -328,7 +331,7 @@ private:
             // The last axis turns fastest.
             for (turned = 0; turned < inputs; ++turned) {
                 int& index = node[inputs - 1 - turned];
-                index += 2;
+                index += step;
                 if (index < link_->gridPoints) break;
                 index = 0;
             }
@@ -376,7 +379,7 @@ private:
         std::array<Evaluator::Place, kMostChannels> places;
         for (size_t axis = 0; axis < kMostChannels; ++axis)
             places[axis] = places_[axis][static_cast<size_t>(node[axis])];
-        return three(wanted_->atPlaces(places));
+        return three(wanted_->inSlab(slab_, places));
     }
 
     // Black's curve at a node, whose level a base or the paper's tint may have changed.
@@ -389,6 +392,12 @@ private:
         Colour in{};
         for (size_t axis = 0; axis < static_cast<size_t>(link_->inputs); ++axis)
             in[axis] = levels_[static_cast<size_t>(node[axis])];
+        if (keepsPlaces_ && black_ == Black::plane && o_.preserve == Preserve::none && !same_ &&
+            !(in[0] == 0 && in[1] == 0 && in[2] == 0)) {
+            // The way of most nodes, without what is for other cases.
+            return onPlane(wantedAt(node, in), in, blacks_[static_cast<size_t>(node[3])],
+                           {1, 1, 1, 1}, false);
+        }
         const Colour original = in;
         if (fromCmyk() && o_.white == White::paper) addTint(in);
         const bool noColour = in[0] == 0 && in[1] == 0 && in[2] == 0;
@@ -521,10 +530,15 @@ private:
             return table;
         }
         Colour start = table;
-        if (Trail::Guess guess; trail_ && trail_->guess(guess))
-            std::copy_n(guess.inks.begin(), 3, start.begin());
-        if (!alone)
-            if (const auto found = plainly(lab, start, high)) return *found;
+        Trail::Guess guess;
+        const bool guessed = trail_ && trail_->guess(guess);
+        if (guessed) start = guess.inside ? plain_->withBlack(guess.inks, table[3]) : guess.inks;
+        if (!alone && (guess.inside || !guessed)) {
+            if (const auto found = plainly(lab, start, high)) {
+                inside_ = true;
+                return *found;
+            }
+        }
         Wish wish;
         wish.lab = lab;
         wish.start = start;
@@ -535,6 +549,8 @@ private:
         wish.total = limit_;
         const Answer answer = solve(*forward_, wish);
         if (alone) return settled(answer);
+        inside_ = std::abs(answer.inks[3] - table[3]) < kMoved && answer.reached &&
+                  isWithin(answer.inks);
         const Colour inks = saving(lab, settled(answer), answer.distance);
         const double weight = smooth(answer.distance / kBorder);
         Colour out;
@@ -619,6 +635,7 @@ private:
     std::vector<double> levels_, blacks_;
     std::array<std::vector<Evaluator::Place>, kMostChannels> places_;
     bool keepsPlaces_ = false;
+    std::vector<float> slab_;  // of the source's table, at the first channel's level
     std::optional<InsideSolver> plain_;
     std::optional<Trail> trail_;
     // Of the node that is being made: what the trail goes on from when that is not the node's

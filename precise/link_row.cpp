@@ -1,5 +1,9 @@
 #include "precise/link_row.h"
 
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace ko::precise {
@@ -13,6 +17,18 @@ struct Place {
 
 // Weights are 255ths of 255ths, so that sums are whole numbers below 2^24, which a float holds;
 // and 255 * 255 is odd, so that none lies between two levels.
+// The places of all levels of an axis, whose nodes are stride bytes apart.
+void placeLevels(Place (&places)[256], uint32_t last, uint32_t stride) noexcept {
+    uint32_t offset = 0;
+    int32_t rest = 0;
+    for (int level = 0; level < 255; ++level) {
+        places[level] = {offset, rest};
+        rest += static_cast<int32_t>(last);
+        for (; rest >= 255; rest -= 255) offset += stride;
+    }
+    places[255] = {(last - 1) * stride, 255};
+}
+
 template <int inputs, int outputs>
 void convert(const ByteGrid& grid, const uint8_t* in, uint8_t* out, size_t count) noexcept {
     constexpr int kFirst = inputs == 4 ? 1 : 0, kAxes = inputs - kFirst;
@@ -22,11 +38,7 @@ void convert(const ByteGrid& grid, const uint8_t* in, uint8_t* out, size_t count
     const auto last = static_cast<uint32_t>(grid.points - 1);
     for (int axis = inputs - 1; axis >= 0; --axis) {
         strides[axis] = stride;
-        for (uint32_t level = 0; level < 256; ++level) {
-            const uint32_t at = level * last;
-            const uint32_t cell = level == 255 ? last - 1 : at / 255;
-            places[axis][level] = {cell * stride, static_cast<int32_t>(at - cell * 255)};
-        }
+        placeLevels(places[axis], last, stride);
         stride *= last + 1;
     }
     for (; count > 0; --count, in += inputs, out += outputs) {
@@ -66,6 +78,68 @@ void convert(const ByteGrid& grid, const uint8_t* in, uint8_t* out, size_t count
         }
         for (int ch = 0; ch < outputs; ++ch)
             out[ch] = static_cast<uint8_t>((static_cast<uint32_t>(sums[ch]) + 32512) / 65025);
+    }
+}
+
+inline __m128i nodeAt(const uint8_t* node) noexcept {
+    int32_t word;
+    std::memcpy(&word, node, sizeof word);
+    return _mm_cvtsi32_si128(word);
+}
+
+// A tetrahedron of nodes of four bytes, by weights that add up to 255: two corners a step.
+inline __m128 tetrahedron(const uint8_t* low, const uint32_t (&corners)[3], __m128i first,
+                          __m128i second) noexcept {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i a = _mm_unpacklo_epi8(nodeAt(low), nodeAt(low + corners[0]));
+    const __m128i b = _mm_unpacklo_epi8(nodeAt(low + corners[1]), nodeAt(low + corners[2]));
+    return _mm_cvtepi32_ps(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi8(a, zero), first),
+                                         _mm_madd_epi16(_mm_unpacklo_epi8(b, zero), second)));
+}
+
+// The same sums as above for the links that pictures go through, four channels at a time.
+void convertCmyk(const ByteGrid& grid, const uint8_t* in, uint8_t* out, size_t count) noexcept {
+    Place places[4][256];
+    uint32_t strides[4];
+    uint32_t stride = 4;
+    const auto last = static_cast<uint32_t>(grid.points - 1);
+    for (int axis = 3; axis >= 0; --axis) {
+        strides[axis] = stride;
+        placeLevels(places[axis], last, stride);
+        stride *= last + 1;
+    }
+    const __m128 half = _mm_set1_ps(32512), whole = _mm_set1_ps(65025);
+    for (; count > 0; --count, in += 4, out += 4) {
+        const Place &c = places[0][in[0]], &m = places[1][in[1]], &y = places[2][in[2]],
+                    &k = places[3][in[3]];
+        const uint8_t* const low = grid.nodes + c.offset + m.offset + y.offset + k.offset;
+        // Axes by their rests, the largest first; equal ones weigh nothing between them.
+        const auto step = [&](const Place& place, int axis) {
+            return uint64_t{static_cast<uint32_t>(place.rest)} << 32 | strides[axis];
+        };
+        const uint64_t a = step(m, 1), b = step(y, 2), d = step(k, 3);
+        const uint64_t above = std::max(a, b), below = std::min(a, b);
+        const uint64_t rest = std::min(above, d);
+        const uint64_t largest = std::max(above, d), middle = std::max(below, rest),
+                       least = std::min(below, rest);
+        const auto corner1 = static_cast<uint32_t>(largest);
+        const auto corner2 = corner1 + static_cast<uint32_t>(middle);
+        const uint32_t corners[3] = {corner1, corner2, corner2 + static_cast<uint32_t>(least)};
+        const auto r1 = static_cast<int32_t>(largest >> 32), r2 = static_cast<int32_t>(middle >> 32),
+                   r3 = static_cast<int32_t>(least >> 32);
+        const __m128i first = _mm_set1_epi32((r1 - r2) << 16 | (255 - r1));
+        const __m128i second = _mm_set1_epi32(r3 << 16 | (r2 - r3));
+        const __m128 lower = tetrahedron(low, corners, first, second);
+        const __m128 upper = tetrahedron(low + strides[0], corners, first, second);
+        const __m128 share = _mm_set1_ps(static_cast<float>(c.rest));
+        const __m128 sum = _mm_add_ps(_mm_mul_ps(lower, _mm_sub_ps(_mm_set1_ps(255), share)),
+                                      _mm_mul_ps(upper, share));
+        // Floats below 256 are 2^-16 apart at most, which is less than 1 / 65025: none is rounded up
+        // to a whole number.
+        const __m128i levels = _mm_cvttps_epi32(_mm_div_ps(_mm_add_ps(sum, half), whole));
+        const __m128i words = _mm_packs_epi32(levels, levels);
+        const int32_t word = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+        std::memcpy(out, &word, sizeof word);
     }
 }
 
@@ -112,7 +186,8 @@ std::optional<ByteGrid> plainGrid(const Profile& link) noexcept {
 }
 
 void convertRow8(const ByteGrid& grid, const uint8_t* in, uint8_t* out, size_t count) noexcept {
-    if (grid.outputs == 3) convert<3>(grid, in, out, count);
+    if (grid.inputs == 4 && grid.outputs == 4) convertCmyk(grid, in, out, count);
+    else if (grid.outputs == 3) convert<3>(grid, in, out, count);
     else convert<4>(grid, in, out, count);
 }
 

@@ -287,6 +287,14 @@ static bool invert(const Slopes& at, std::array<Triple, 3>& inverse) noexcept {
     return true;
 }
 
+// How inks change with black's, for the look to stay.
+static Triple tradeOf(const std::array<Triple, 3>& inverse, const Colour& black) noexcept {
+    Triple change;
+    for (size_t i = 0; i < 3; ++i)
+        change[i] = -(inverse[i][0] * black[0] + inverse[i][1] * black[1] + inverse[i][2] * black[2]);
+    return change;
+}
+
 Colour mostBlack(const Evaluator& forward, const Triple& lab, const Colour& inks) noexcept {
     InsideSolver follower(forward);
     Colour best = inks;
@@ -295,14 +303,10 @@ Colour mostBlack(const Evaluator& forward, const Triple& lab, const Colour& inks
         const Slopes at = forward.slopesAt(best);
         std::array<Triple, 3> inverse;
         if (!invert(at, inverse)) break;
-        Triple change;  // of each ink for one unit of black
+        const Triple change = tradeOf(inverse, at.slopes[3]);
         double step = std::min(longest, 1 - best[3]);
-        for (size_t i = 0; i < 3; ++i) {
-            const Colour& black = at.slopes[3];
-            change[i] = -(inverse[i][0] * black[0] + inverse[i][1] * black[1] +
-                          inverse[i][2] * black[2]);
+        for (size_t i = 0; i < 3; ++i)
             if (change[i] < 0) step = std::min(step, best[i] / -change[i]);
-        }
         if (!(step > 1e-4)) break;
         Colour next = best;
         next[3] += step;
@@ -316,6 +320,15 @@ Colour mostBlack(const Evaluator& forward, const Triple& lab, const Colour& inks
     return best;
 }
 
+Colour InsideSolver::withBlack(const Colour& inks, double black) const noexcept {
+    const double step = black - inks[3];
+    Colour out = inks;
+    out[3] = black;
+    if (step < kBlackStep && step > -kBlackStep)
+        for (size_t i = 0; i < 3; ++i) out[i] = std::clamp(inks[i] + step * trade_[i], 0.0, 1.0);
+    return out;
+}
+
 std::optional<Colour> InsideSolver::solve(const Triple& lab, const Colour& start) noexcept {
     Colour p = start;
     for (int round = 0; round < 8; ++round) {
@@ -327,6 +340,7 @@ std::optional<Colour> InsideSolver::solve(const Triple& lab, const Colour& start
         } else {
             const Slopes at = forward_.slopesAt(p);
             if (!invert(at, inverse_)) return std::nullopt;
+            trade_ = tradeOf(inverse_, at.slopes[3]);
             uses_ = kUses;
             now = at.value;
         }

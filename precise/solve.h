@@ -44,10 +44,13 @@ public:
     explicit InsideSolver(const Evaluator& forward) noexcept : forward_(forward) {}
     // Nothing when a bound is met or it does not settle.
     std::optional<Colour> solve(const Triple& lab, const Colour& start) noexcept;
+    // Inks of about the same look with another black, on the word of the slopes before.
+    Colour withBlack(const Colour& inks, double black) const noexcept;
 
 private:
     const Evaluator& forward_;
     std::array<Triple, 3> inverse_{};  // inks by L*a*b*
+    Triple trade_{};                   // inks by black, for the same look
     int uses_ = 0;                     // that the slopes are still good for
 };
 
