@@ -215,10 +215,22 @@ void verifyPrecise(InputFile written, const KoPreciseLink* made, bool isEditable
         if (textIn(record->name) != texts.name || textIn(record->comment) != texts.comment)
             wrong("name or comment");
     }
-    const IccLut* const lut = link.lut(fourcc("A2B0"));
-    if (lut->inputChannels != info.inputs || lut->outputChannels != info.outputs ||
-        lut->gridPoints != info.gridPoints || lut->precision != info.bits / 8)
+    const IccTagEntry* const entry = link.find(fourcc("A2B0"));
+    if (!entry || entry->offset > link.file().size) wrong("tag A2B0");
+    ByteReader element(link.file().bytes.subspan(entry->offset));
+    const size_t width = static_cast<size_t>(info.bits) / 8;
+    if (element.u32() != (width == 1 ? fourcc("mft1") : fourcc("mft2"))) wrong("type of A2B0");
+    element.skip(4);
+    if (element.u8() != info.inputs || element.u8() != info.outputs || element.u8() != info.gridPoints)
         wrong("shape of A2B0");
+    element.skip(1 + 9 * 4);
+    const size_t entries = width == 1 ? 256 : element.u16();
+    if (width == 2) element.skip(2);
+    element.skip(static_cast<size_t>(info.inputs) * entries * width);
+    size_t size = static_cast<size_t>(info.outputs) * width;
+    for (int axis = 0; axis < info.inputs; ++axis) size *= static_cast<size_t>(info.gridPoints);
+    const std::span<const uint8_t> levels = element.take(size);
+    if (!element.ok()) wrong("size of A2B0");
     const auto outputs = static_cast<size_t>(info.outputs);
     const bool isLibrarys = info.nodes == KO_PRECISE_NODES_LIBRARY && info.bits == 16;
     const double top = info.bits == 8 ? 255 : 65535;
@@ -234,9 +246,8 @@ void verifyPrecise(InputFile written, const KoPreciseLink* made, bool isEditable
         }
         koPreciseLinkFloats(made, in, out, 1);
         for (size_t ch = 0; ch < outputs; ++ch) {
-            const size_t at = node * outputs + ch;
-            const int level = info.bits == 8 ? static_cast<const uint8_t*>(lut->clut)[at]
-                                             : static_cast<const uint16_t*>(lut->clut)[at];
+            const size_t at = (node * outputs + ch) * width;
+            const int level = width == 1 ? levels[at] : levels[at] << 8 | levels[at + 1];
             // Floats beside a node are a little off where the node stands at no level of theirs.
             if (std::abs(out[ch] * top - level) > (info.bits == 8 ? 0.01 : 1.0)) wrong("grid");
         }
@@ -248,7 +259,7 @@ void verifyPrecise(InputFile written, const KoPreciseLink* made, bool isEditable
         }
     }
     if (!record) return;
-    ByteReader nodes({static_cast<const uint8_t*>(lut->clut), sizeof record->grid});
+    ByteReader nodes(levels);
     for (const uint32_t word : record->grid)
         if (nodes.u32() != word) wrong("grid, as the library reads it");
 }

@@ -149,7 +149,7 @@ bool takeOptions(const KoPreciseOptions& from, LinkOptions& to, Problem& problem
 
 std::string orEmpty(const char* text) { return text ? text : ""; }
 
-std::vector<uint8_t> fileOf(const KoPreciseLink* link, const KoPreciseFileOptions* file,
+LinkFileParts fileOf(const KoPreciseLink* link, const KoPreciseFileOptions* file,
                             Problem& problem, int32_t& part) {
     if (!link || !file || file->size != static_cast<int32_t>(sizeof *file)) {
         problem.set(Trouble::argument, "no link, or file options of another version");
@@ -163,7 +163,7 @@ std::vector<uint8_t> fileOf(const KoPreciseLink* link, const KoPreciseFileOption
     options.provenance = orEmpty(file->provenance);
     options.date = file->date;
     options.editable = file->editable != 0;
-    return linkFile(*link->link, options, problem);
+    return linkFileParts(*link->link, options, problem);
 }
 
 // Rows of integers, the nearest level.
@@ -464,12 +464,13 @@ extern "C" void koPreciseLinkRow8(const KoPreciseLink* link, const uint8_t* in, 
 extern "C" uint8_t* koPreciseLinkBytes(const KoPreciseLink* link, const KoPreciseFileOptions* file,
                                        size_t* size, KoPreciseError* error) {
     return guarded<uint8_t*>(error, nullptr, [&](Problem& problem, int32_t& part) -> uint8_t* {
-        const auto bytes = fileOf(link, file, problem, part);
-        if (bytes.empty()) return nullptr;
-        auto* const copy = new uint8_t[bytes.size()];
-        std::memcpy(copy, bytes.data(), bytes.size());
-        if (size) *size = bytes.size();
-        return copy;
+        const LinkFileParts made = fileOf(link, file, problem, part);
+        if (made.size() == 0) return nullptr;
+        auto* const bytes = new uint8_t[made.size()];
+        uint8_t* to = bytes;
+        for (const auto one : made.inOrder()) to = std::copy(one.begin(), one.end(), to);
+        if (size) *size = made.size();
+        return bytes;
     });
 }
 
@@ -480,10 +481,9 @@ extern "C" int32_t koPreciseSaveLink(const KoPreciseLink* link, const char* path
     return guarded<int32_t>(error, 0, [&](Problem& problem, int32_t& part) {
         if (!path) problem.set(Trouble::argument, "no path");
         if (!path) return 0;
-        const auto bytes = fileOf(link, file, problem, part);
-        if (bytes.empty()) return 0;
-        const std::span<const uint8_t> parts[] = {bytes};
-        if (ko::replaceWhole(path, kFiles, parts) != ko::SaveResult::written) {
+        const LinkFileParts made = fileOf(link, file, problem, part);
+        if (made.size() == 0) return 0;
+        if (ko::replaceWhole(path, kFiles, made.inOrder()) != ko::SaveResult::written) {
             problem.set(Trouble::file, "cannot be written");
             return 0;
         }

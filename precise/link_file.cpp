@@ -110,7 +110,7 @@ std::string provenanceOf(const Link& link) {
     return text;
 }
 
-std::vector<uint8_t> linkFile(const Link& link, const LinkFileOptions& options, Problem& problem) {
+LinkFileParts linkFileParts(const Link& link, const LinkFileOptions& options, Problem& problem) {
     if (options.editable && (link.bits != 8 || link.gridPoints != cmyk::kGridPoints ||
                              link.inputs != 4 || link.outputs != 4)) {
         problem.set(Trouble::argument,
@@ -121,8 +121,9 @@ std::vector<uint8_t> linkFile(const Link& link, const LinkFileOptions& options, 
     if (name.empty() && link.origins.size() == 2)
         name = nameOf(link.origins[0]) + " to " + nameOf(link.origins[1]);
 
-    std::vector<uint8_t> bytes;
-    bytes.reserve(link.table.size() + 16384);
+    LinkFileParts file;
+    file.table = link.table;
+    std::vector<uint8_t>& bytes = file.around;
     ByteWriter out(bytes);
     constexpr int kTags = 5;
     out.zeros(128 + 4 + 12 * kTags);
@@ -187,7 +188,7 @@ std::vector<uint8_t> linkFile(const Link& link, const LinkFileOptions& options, 
             for (int at = 0; at < 256; ++at)
                 out.u16(static_cast<uint16_t>(link.position(at / 255.0) * 65535 + 0.5));
     }
-    out.append(std::span<const uint8_t>(link.table));
+    file.tableAt = bytes.size();
     for (int ch = 0; ch < link.outputs; ++ch) {
         if (link.bits == 8) {
             for (int at = 0; at < 256; ++at) out.u8(static_cast<uint8_t>(at));
@@ -197,12 +198,13 @@ std::vector<uint8_t> linkFile(const Link& link, const LinkFileOptions& options, 
         }
     }
     end();
-    out.alignTo4();
+    directory.back().size += static_cast<uint32_t>(file.table.size());
+    while (file.size() % 4 != 0) out.u8(0);
 
     // The header, now that the size is known.
     std::vector<uint8_t> head;
     ByteWriter header(head);
-    header.u32(static_cast<uint32_t>(bytes.size()));
+    header.u32(static_cast<uint32_t>(file.size()));
     header.u32(0);
     header.u32(kVersion);
     header.u32(fourcc("link"));
@@ -233,6 +235,14 @@ std::vector<uint8_t> linkFile(const Link& link, const LinkFileOptions& options, 
         header.u32(entry.size);
     }
     std::copy(head.begin(), head.end(), bytes.begin());
+    return file;
+}
+
+std::vector<uint8_t> linkFile(const Link& link, const LinkFileOptions& options, Problem& problem) {
+    const LinkFileParts file = linkFileParts(link, options, problem);
+    std::vector<uint8_t> bytes;
+    bytes.reserve(file.size());
+    for (const auto part : file.inOrder()) bytes.insert(bytes.end(), part.begin(), part.end());
     return bytes;
 }
 
