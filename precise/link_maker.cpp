@@ -150,6 +150,9 @@ private:
         if (source_.isLink()) return refuse(kSourcePart, Trouble::unsupported, "is a device link");
         if (destination_.isLink())
             return refuse(kDestinationPart, Trouble::unsupported, "is a device link");
+        for (const int32_t where : {kSourcePart, kDestinationPart})
+            if ((where == kSourcePart ? source_ : destination_).header().deviceClass == fourcc("nmcl"))
+                return refuse(where, Trouble::unsupported, "is a list of named colours");
         if (from != kCmyk && from != kRgb && from != kGray)
             return refuse(kSourcePart, Trouble::unsupported,
                           "is a profile for " + signatureText(from) +

@@ -326,6 +326,10 @@ std::optional<Pipeline> Profile::tablePipeline(uint32_t signature, bool toConnec
 }
 
 std::optional<Pipeline> Profile::toConnection(Intent intent, Problem& problem) const {
+    if (header_.deviceClass == fourcc("nmcl")) {
+        problem.set(Trouble::unsupported, "is a list of named colours");
+        return std::nullopt;
+    }
     const uint32_t wanted = kTablesTo[static_cast<size_t>(intent)];
     if (hasTag(wanted) && !isLink()) return tablePipeline(wanted, true, problem);
     if (hasTag(fourcc("A2B0"))) return tablePipeline(fourcc("A2B0"), true, problem);

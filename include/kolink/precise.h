@@ -126,7 +126,7 @@ typedef struct KoPreciseLinkInfo {
     int32_t inverted;   /* 1: by Newton steps, 0: by the tables alone */
     uint32_t sourceSpace, destinationSpace;
     double inkLimit;    /* percent that every node keeps; 400 without one */
-    double meanInk;     /* percent, mean of every other node of each axis */
+    double meanInk;     /* percent, mean of about nine nodes of each axis */
     double tablesInk;   /* what the destination's tables alone would take there */
     double savedInk;    /* percent that saveInk took away, mean of all nodes */
     double reached;     /* percent of the nodes whose colour is met within 1 unit */

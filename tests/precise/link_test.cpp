@@ -333,6 +333,24 @@ TEST(PreciseLink, NodesForTheLibraryAreMetThroughTheInputTables) {
     EXPECT_LT(distance(looks(pressB(), link->at(in)), looks(pressA(), in)), 0.03);
 }
 
+TEST(PreciseLink, RefusesListsOfNamedColours) {
+    Bytes bytes = pressProfileBytes({});
+    std::ranges::copy(std::string_view("nmcl"), bytes.begin() + 12);
+    const auto named = parsed(bytes);
+    ASSERT_TRUE(named);
+    for (const bool asSource : {true, false}) {
+        Problem problem;
+        int32_t part = 0;
+        EXPECT_EQ(makeLink(asSource ? *named : pressA(), asSource ? pressA() : *named, nullptr,
+                           small(), problem, part), nullptr);
+        EXPECT_EQ(problem.text, "is a list of named colours");
+        EXPECT_EQ(part, asSource ? 1 : 2);
+    }
+    Problem problem;
+    EXPECT_FALSE(named->toConnection(Intent::relative, problem));
+    EXPECT_EQ(problem.text, "is a list of named colours");
+}
+
 TEST(PreciseLink, RefusesOptionsThatContradict) {
     const auto refused = [](LinkOptions options) {
         Problem problem;
