@@ -64,6 +64,7 @@ public:
     void parse(std::vector<std::string> arguments);
 
 private:
+    void addHelpCommand();
     void requireKnownCommand(const std::vector<std::string>& arguments) const;
     std::string usageLine(std::string message) const;
     std::unique_ptr<CLI::App> owned_;

@@ -14,6 +14,7 @@
 #include "cli/report.h"
 #include "cli/system.h"
 #include "calib/calib.h"
+#include "frame/platform.h"
 
 namespace ko::cli {
 
@@ -108,6 +109,24 @@ std::string checkedText(const std::string& text, const char (&)[size], const cha
     return *bytes;
 }
 
+// In the user's language, English where that is not one of the library's. Shift-JIS has them all.
+std::string channelName(size_t number) {
+    const std::string language = platform::userLanguage();
+    const char* const word = language == "japanese" ? "チャンネル" : language == "chinese" ? "通道" : "Channel";
+    return std::string(word) + ' ' + std::to_string(number);
+}
+
+// The colours that channels are drawn in: red, green, blue of three, the four inks, then hues that
+// stand apart from those. One byte a part, red in the lowest.
+uint32_t channelColour(int32_t channel, int32_t channels) {
+    constexpr uint32_t kLights[] = {0x2d2dd9, 0x55a003, 0xef7015};
+    constexpr uint32_t kInks[KOLINK_CALIB_MAX_CHANNELS] = {
+        0xd9970a, 0x7d1bd8, 0x00ace0, 0x2b2420, 0x1a70e8, 0x4a9a2e, 0xb0387a, 0x2020b8,
+        0xa85a1c, 0xe8c47a, 0xb98cf0, 0x8a8a8a, 0x2e5a8c, 0x7a8c1e, 0x5a2e8c, 0x404858};
+    if (channels == 3) return kLights[channel];
+    return channels < 3 ? kInks[(channel + 3) % 16] : kInks[channel];
+}
+
 void makeNew(const Options& options) {
     const FileGuard guard;  // so that two cannot make it both
     std::error_code error;
@@ -120,9 +139,11 @@ void makeNew(const Options& options) {
     set->ctype = options.straight ? 2 : 1;
     if (options.names.size() > static_cast<size_t>(set->channelCount))
         throw UsageFailure("--names has more names than there are channels");
-    for (size_t at = 0; at < options.names.size(); ++at) {
-        const std::string name = checkedText(options.names[at], set->channels[0].name, "--names");
-        jKoCalibSetToneName(set.get(), static_cast<int32_t>(at), name.c_str(), 0);
+    for (int32_t at = 0; at < options.channels; ++at) {
+        const auto place = static_cast<size_t>(at);
+        const std::string name = checkedText(place < options.names.size() ? options.names[place] : channelName(place + 1),
+                                             set->channels[0].name, "--names");
+        jKoCalibSetToneName(set.get(), at, name.c_str(), channelColour(at, options.channels));
     }
     // Tones of a percent scale are given with decimals.
     for (char* format : {set->formatX, set->formatY}) std::strcpy(format, "%g");
@@ -159,7 +180,10 @@ void addCalibCommand(Command& app) {
     value.does([options] {
         const float x = finite(options->x, "x");
         const CalibPtr set = loadCalib(openInput(options->file));
-        writeOut(number(jKoCalibGetToneValue(set.get(), channelOf(*options, *set), x), 4) + '\n');
+        const int32_t channel = channelOf(*options, *set);
+        if (x < 0 || x > static_cast<float>(set->range))
+            failOn(options->file, "input tones go from 0 to " + std::to_string(set->range));
+        writeOut(number(jKoCalibGetToneValue(set.get(), channel, x), 4) + '\n');
     });
 
     Command setting = add("set", "Set the output tone at an input tone");

@@ -161,13 +161,14 @@ Checked fix(const std::string& path, const std::string& output) {
     checkOutput(output, inputs);
     const auto form = formOf(file);
     if (form) {
+        if (isStandardOutput(output)) throw UsageFailure("--fix: only ICC files go to standard output; name a file");
         rewrite(file, *form, output);
-    } else {
-        const std::vector<uint8_t> mended = quality::mendIcc(file.bytes);
-        if (mended.empty()) failOn(path, "cannot be mended: its directory does not lead to its tags");
-        writeFile(output, {reinterpret_cast<const char*>(mended.data()), mended.size()});
+        return check(openInput(output), form);
     }
-    return check(openInput(output), form);
+    const std::vector<uint8_t> mended = quality::mendIcc(file.bytes);
+    if (mended.empty()) failOn(path, "cannot be mended: its directory does not lead to its tags");
+    writeFile(output, {reinterpret_cast<const char*>(mended.data()), mended.size()});
+    return check(isStandardOutput(output) ? inMemory(output, mended) : openInput(output), form);
 }
 
 }  // namespace
@@ -195,7 +196,9 @@ void addCheckCommand(Command& app) {
                 const InputFile file = openInput(path);
                 all.push_back(check(file, formOf(file)));
             }
-        writeOut(options->json ? toJson(asJson(all)) : asLines(all));
+        // Standard output holds one thing: the mended file, or what is wrong.
+        if (!options->fix || !isStandardOutput(*options->fix))
+            writeOut(options->json ? toJson(asJson(all)) : asLines(all));
         for (const Checked& one : all)
             if (!one.sound()) throw Found();
     });

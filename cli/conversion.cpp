@@ -259,12 +259,19 @@ void ConversionOptions::addTo(Command& command) {
     command.flag("--grey", grey_, "The amount of grey ink that comes out, 0 for white");
 }
 
-std::unique_ptr<Conversion> ConversionOptions::make(const ConversionNeeds& needs) const {
-    const int ways = link_.has_value() + table_.has_value() + builtin_ + (choices_.source || choices_.destination);
-    if (ways > 1) throw UsageFailure("--link, --table, --builtin and --source exclude each other");
-    if (ways == 0 && !grey_)
+int ConversionOptions::ways() const {
+    return link_.has_value() + table_.has_value() + builtin_ + (choices_.source || choices_.destination);
+}
+
+void ConversionOptions::requireWay() const {
+    if (ways() > 1) throw UsageFailure("--link, --table, --builtin and --source exclude each other");
+    if (ways() == 0 && !grey_)
         throw UsageFailure("tell how to convert: --link, --table, --builtin, or --source and --destination");
-    if (ways == 0) {
+}
+
+std::unique_ptr<Conversion> ConversionOptions::make(const ConversionNeeds& needs) const {
+    requireWay();
+    if (ways() == 0) {
         if (needs.input != ColourSpace::rgb && needs.input != ColourSpace::cmyk)
             throw UsageFailure("--grey alone needs colours of three (RGB) or four (CMYK) numbers");
         return std::make_unique<GreyConversion>(nullptr, *needs.input);

@@ -60,9 +60,13 @@ class ConversionOptions {
 public:
     void addTo(Command& command);
     std::unique_ptr<Conversion> make(const ConversionNeeds& needs) const;
+    void requireWay() const;  // fails where the options name no way to convert, or two
+    // Whether the numbers of a colour tell what it is, and there have to be three or four.
+    bool takesLevelsOfThreeOrFour() const { return builtin_ || (ways() == 0 && grey_); }
     bool hasSource() const { return choices_.source.has_value(); }
 
 private:
+    int ways() const;
     std::unique_ptr<Conversion> makeColour(const ConversionNeeds& needs) const;
     std::unique_ptr<Conversion> makePair(const ConversionNeeds& needs) const;
 

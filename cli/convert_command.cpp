@@ -22,7 +22,7 @@ constexpr char kExamples[] =
     "Examples:\n"
     "  kolink convert --link proof.icc 0,0,0,255 255,128,0,0\n"
     "  kolink convert --source srgb.icc --destination press.icc --percent 100,50,0\n"
-    "  kolink convert --source press.icc --destination srgb.icc < colours.txt > rgb.txt\n"
+    "  kolink convert --source press.icc --destination srgb.icc < in.txt > out.txt\n"
     "  kolink convert --builtin --grey 255,0,0\n"
     "\n"
     "Colours are numbers 0..255, or 0..100 with --percent, with blanks, tabs or commas between\n"
@@ -118,14 +118,14 @@ public:
         double values[4];
         const int count = parser_.parse(begin, end, values);
         if (count == 0) return;
-        if (!conversion_) start(count);
+        if (!conversion_) start(count, where);
         bool fits = count == inputs_;
         for (int at = 0; fits && at < count; ++at)
             fits = values[at] >= in_->low[at] && values[at] <= in_->high[at];
         if (!fits)
-            throw Failure(where() + ": '" + printable(std::string_view(begin, static_cast<size_t>(std::min<std::ptrdiff_t>(end - begin, 60)))) +
+            where.fail("'" + printable(std::string_view(begin, static_cast<size_t>(std::min<std::ptrdiff_t>(end - begin, 60)))) +
                           "' is not " + std::to_string(inputs_) + " numbers " + in_->range + " (" +
-                          nameOf(conversion_->input) + ")");
+                          nameOf(conversion_->input) + ")", count == 1 && inputs_ > 1);
         const size_t at = colours_++ * static_cast<size_t>(inputs_);
         for (size_t i = 0; i < static_cast<size_t>(inputs_); ++i) {
             isWhole_ = isWhole_ && values[i] == static_cast<double>(static_cast<uint8_t>(values[i] > 0 ? values[i] : 0));
@@ -160,7 +160,10 @@ public:
     }
 
 private:
-    void start(int count) {
+    template <class Where>
+    void start(int count, const Where& where) {
+        if (count == 1 && !from_ && options_.takesLevelsOfThreeOrFour())
+            where.fail("'" + printable(where.text()) + "' is one number, of three (RGB) or four (CMYK)", true);
         ConversionNeeds needs;
         needs.isFine = numbers_.isFine();
         needs.input = from_;
@@ -188,19 +191,41 @@ private:
     std::string text_;
 };
 
+// Where a colour stands, for what is wrong with it.
+struct InLine {
+    size_t number = 0;
+    std::string_view line{};
+    std::string_view text() const { return line.substr(0, 60); }
+    [[noreturn]] void fail(const std::string& what, bool) const {
+        throw Failure("standard input, line " + std::to_string(number) + ": " + what);
+    }
+};
+struct InArgument {
+    const std::string& argument;
+    bool alone;  // no other colour is given
+    std::string_view text() const { return std::string_view(argument).substr(0, 60); }
+    [[noreturn]] void fail(const std::string& what, bool isOneNumber) const {
+        throw UsageFailure("argument: " + what +
+                           (isOneNumber && !alone ? "; the numbers of one colour are one argument, with commas or "
+                                                    "in quotes: 0,0,0,255 or \"0 0 0 255\"" : ""));
+    }
+};
+
 void convertInput(Pipeline& pipeline) {
     constexpr size_t kMostOfALine = 1000;
+    constexpr size_t kMuch = 4096;  // more stands waiting behind it
     std::vector<char> buffer(size_t{1} << 16);
-    size_t filled = 0, line = 0;
-    const auto where = [&line] { return "standard input, line " + std::to_string(line); };
+    size_t filled = 0;
+    InLine where;
     const auto take = [&](const char* begin, const char* end) {
-        ++line;
+        ++where.number;
+        where.line = {begin, static_cast<size_t>(end - begin)};
         if (end != begin && end[-1] == '\r') --end;
         if (begin != end && *begin == '#') return;
         pipeline.add(begin, end, where);
     };
     for (;;) {
-        const size_t got = std::fread(buffer.data() + filled, 1, buffer.size() - filled, stdin);
+        const size_t got = system::readSome(std::span(buffer).subspan(filled));
         filled += got;
         const char* begin = buffer.data();
         const char* const end = begin + filled;
@@ -214,12 +239,16 @@ void convertInput(Pipeline& pipeline) {
             break;
         }
         if (filled > kMostOfALine) {
-            ++line;
-            throw Failure(where() + ": is longer than " + std::to_string(kMostOfALine) + " bytes");
+            ++where.number;
+            where.fail("is longer than " + std::to_string(kMostOfALine) + " bytes", false);
         }
         std::memmove(buffer.data(), begin, filled);
+        // Whoever waits for each answer before the next question gets it now.
+        if (got < kMuch) {
+            pipeline.flush();
+            finishOut();
+        }
     }
-    if (std::ferror(stdin)) throw Failure("standard input cannot be read");
 }
 
 }  // namespace
@@ -245,10 +274,12 @@ void addConvertCommand(Command& app) {
     command.does([options] {
         std::optional<ColourSpace> from;
         if (!options->from.empty()) from = options->from == "rgb" ? ColourSpace::rgb : ColourSpace::cmyk;
+        options->conversion.requireWay();
         const auto pipeline = std::make_unique<Pipeline>(options->conversion, from, options->numbers);
         if (options->colours.empty()) convertInput(*pipeline);
         for (const std::string& colour : options->colours)
-            pipeline->add(colour.data(), colour.data() + colour.size(), [] { return std::string("argument"); });
+            pipeline->add(colour.data(), colour.data() + colour.size(),
+                          InArgument{colour, options->colours.size() == 1});
         pipeline->flush();
     });
 }

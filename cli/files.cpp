@@ -133,6 +133,7 @@ void throwIfNotItsFault(std::string_view path) {
 
 void checkOutput(const std::string& path, std::span<const std::string> inputs) {
     if (path.empty()) throw UsageFailure("the output path is empty");
+    if (isStandardOutput(path)) return;
     const fs::path target = toPath(path);
     std::error_code error;
     const fs::file_status status = fs::status(target, error);
@@ -151,7 +152,14 @@ void checkOutput(const std::string& path, std::span<const std::string> inputs) {
                          (fs::exists(parent, error) ? " is not a folder" : " does not exist"));
 }
 
+bool isStandardOutput(std::string_view path) { return path == "-" || path == "/dev/stdout"; }
+
 void writeFile(const std::string& path, std::string_view bytes) {
+    if (isStandardOutput(path)) {
+        if (system::isTerminal(stdout))
+            throw UsageFailure("standard output is a terminal, which cannot show such a file");
+        return writeOut(bytes);
+    }
     const system::Writing place(path);
     writeThrough(path, [&] {
         // Nobody else reads what the tool writes while holding the guard.
@@ -171,7 +179,7 @@ void finishOut() {
 }
 
 void writeText(const std::string& path, std::string_view text, std::span<const std::string> inputs) {
-    if (path == "-") return writeOut(text);
+    if (isStandardOutput(path)) return writeOut(text);
     checkOutput(path, inputs);
     writeFile(path, text);
 }

@@ -95,13 +95,17 @@ void writeThrough(const std::string& path, Save&& save) {
     if (const int signal = system::interruption()) throw Interrupted{signal};
     failWithReason(path, "cannot be written");
 }
+// Whether the path means standard output: "-", and its name on systems that have one. Such a path
+// passes checkOutput.
+bool isStandardOutput(std::string_view path);
+// Bytes, which a terminal is spared.
 void writeFile(const std::string& path, std::string_view bytes);
 
 // Standard output, checked at the end: writing to a full or closed one fails.
 void writeOut(std::string_view text);
 void finishOut();
 
-// Writes text to a file as above, or to standard output for "-".
+// Writes text to a file as above, or to standard output.
 void writeText(const std::string& path, std::string_view text, std::span<const std::string> inputs);
 
 }  // namespace ko::cli

@@ -21,7 +21,7 @@ namespace {
 constexpr char kExamples[] =
     "Examples:\n"
     "  kolink image photo.tif print.tif --destination press.icc --embed\n"
-    "  kolink image scan.tif print.tif --source scanner.icc --destination press.icc --bpc\n"
+    "  kolink image in.tif out.tif --source scanner.icc --destination press.icc --bpc\n"
     "  kolink image page.tif proof.tif --link proof.icc\n"
     "  kolink image photo.tif grey.tif --grey\n"
     "\n"

@@ -43,10 +43,10 @@ constexpr char kExamples[] =
     "      --preserve secondaries --black press.bkc --ink-limit 280\n"
     "\n"
     "Pictures of a screen on a press, in 16 bits:\n"
-    "  kolink link --source srgb.icc --destination press.icc --bits 16 --bpc --output print.icc\n"
+    "  kolink link --source srgb.icc --destination press.icc --bits 16 -o out.icc\n"
     "\n"
     "The paper of a newspaper shown by a tint that fades out at 25 % total coverage:\n"
-    "  kolink link --source news.icc --destination printer.icc --output news-proof.icc \\\n"
+    "  kolink link --source news.icc --destination printer.icc --output news.icc \\\n"
     "      --paper 0,2,6,3 --fade 25\n"
     "\n"
     "A correction link alone, and a foreign table read by the plug-in LutRead:\n"
@@ -116,7 +116,8 @@ Texts textsOf(const Options& options) {
         return texts;
     }
     // The file's name serves, as far as it can be written.
-    texts.name = system::toShiftJis(fromPath(toPath(options.output).stem())).value_or("");
+    texts.name = isStandardOutput(options.output)
+                     ? "" : system::toShiftJis(fromPath(toPath(options.output).stem())).value_or("");
     if (texts.name.empty() || texts.name.size() >= KOLINK_NAME_SIZE ||
         texts.name.find_first_of("\r\n") != std::string::npos)
         texts.name = "KoLink";
@@ -401,7 +402,7 @@ Finish finishOf(const Options& options, bool withPlaces) {
     take("destination", choices.destination);
     if (finish.sequence.empty()) finish.sequence.emplace_back().name = "settings";
     if (choices.source) finish.intent = static_cast<uint32_t>(choices.intentNumber());
-    const std::string stem = fromPath(toPath(options.output).stem());
+    const std::string stem = isStandardOutput(options.output) ? "KoLink" : fromPath(toPath(options.output).stem());
     finish.name = options.name.value_or(choices.source ? finish.sequence[finish.sequence.size() - 2].name + " to " +
                                                              finish.sequence.back().name : stem);
     line("method", "classic");

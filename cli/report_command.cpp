@@ -21,7 +21,7 @@ constexpr char kExamples[] =
     "  kolink report proof.icc --source press.icc --destination printer.icc --full\n"
     "\n"
     "A link that is not good enough ends with status 3 and a line for each gate:\n"
-    "  kolink report proof.icc --max-de95 2 --max-ink 300 --require-pure black --require-white\n"
+    "  kolink report proof.icc --max-de95 2 --max-ink 300 --require-pure black\n"
     "  kolink report proof.icc --gates coated.json --json\n"
     "\n"
     "A page for a browser, of one link or of two side by side:\n"

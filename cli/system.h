@@ -51,6 +51,10 @@ private:
 
 bool isTerminal(std::FILE* stream);
 
+// Bytes of standard input as they come: waits for the first ones alone. 0 at the end; fails when it
+// cannot be read.
+size_t readSome(std::span<char> buffer);
+
 // Shift-JIS (code page 932), the library's text. Empty when a character has no place in it.
 std::optional<std::string> toShiftJis(const std::string& utf8);
 // Bytes that are no Shift-JIS become U+FFFD.

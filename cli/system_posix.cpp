@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -69,12 +70,39 @@ std::optional<std::string> libraryPath(const std::string& path) { return path; }
 
 std::string fromLibraryPath(std::string_view bytes) { return std::string(bytes); }
 
+namespace {
+
+// Removes the other names that killed runs have left: folders of such a name whose process is gone.
+// What is another user's, or holds anything else, stays.
+void removeOtherNames() {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    for (fs::directory_iterator at("/tmp", fs::directory_options::skip_permission_denied, error), end;
+         !error && at != end; at.increment(error)) {
+        const std::string name = at->path().filename().string();
+        if (!name.starts_with("kolink-")) continue;
+        pid_t process = 0;
+        const char* const last = name.data() + name.size();
+        const auto read = std::from_chars(name.data() + 7, last, process);
+        if (read.ec != std::errc() || read.ptr == last || *read.ptr != '-' || last - read.ptr != 7) continue;
+        if (process <= 0 || ::kill(process, 0) == 0 || errno != ESRCH) continue;
+        std::error_code ignored;
+        for (const auto& link : fs::directory_iterator(at->path(), ignored))
+            if (link.is_symlink(ignored) && link.path().stem() == "file") fs::remove(link.path(), ignored);
+        fs::remove(at->path(), ignored);
+    }
+}
+
+}  // namespace
+
 // A symbolic link with the file's extension, in a folder of its own.
 OtherName::OtherName(const std::string& path) {
     namespace fs = std::filesystem;
     std::error_code error;
     const fs::path whole = fs::absolute(path, error);
-    char folder[] = "/tmp/kolink-XXXXXX";
+    removeOtherNames();
+    char folder[48];
+    std::snprintf(folder, sizeof folder, "/tmp/kolink-%ld-XXXXXX", static_cast<long>(::getpid()));
     if (error || !::mkdtemp(folder)) return;
     std::string name = std::string(folder) + "/file" + whole.extension().string();
     if (::symlink(whole.c_str(), name.c_str()) == 0) path_ = std::move(name);
@@ -90,6 +118,14 @@ OtherName::~OtherName() {
 Writing::Writing(const std::string& path) : path_(path) {}
 
 bool Writing::finish() const { return true; }
+
+size_t readSome(std::span<char> buffer) {
+    for (;;) {
+        const ssize_t got = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+        if (got >= 0) return static_cast<size_t>(got);
+        if (errno != EINTR) throw Failure("standard input cannot be read");
+    }
+}
 
 bool isTerminal(std::FILE* stream) { return ::isatty(::fileno(stream)) != 0; }
 

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "cli/errors.h"
 #include "cli/system.h"
 #include "cli/text.h"
 
@@ -98,7 +99,9 @@ Writing::Writing(const std::string& path) {
     }
     wanted_ = path;
     const std::filesystem::path folder = toPath(path).parent_path();
-    const std::string name = "~kolink-out-" + std::to_string(GetCurrentProcessId());
+    // As files on their way out are called, so that a save removes what a killed run has left.
+    char name[40];
+    std::snprintf(name, sizeof name, "~kolink-%lx-0.tmp", GetCurrentProcessId());
     if (const auto beside = libraryPath(fromPath(folder / name))) path_ = *beside;
     else if (const OtherName other(fromPath(folder)); !other.path().empty()) path_ = other.path() + '\\' + name;
 }
@@ -111,6 +114,12 @@ bool Writing::finish() const {
     DeleteFileW(from.c_str());
     SetLastError(error);
     return false;
+}
+
+size_t readSome(std::span<char> buffer) {
+    const int got = _read(_fileno(stdin), buffer.data(), static_cast<unsigned>(buffer.size()));
+    if (got < 0) throw Failure("standard input cannot be read");
+    return static_cast<size_t>(got);
 }
 
 bool isTerminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }

@@ -60,11 +60,7 @@ void convert(const Table& table, const std::string& form, const std::string& out
     const std::string inputs[] = {input};
     checkOutput(output, inputs);
     if (form == "text") {
-        const std::string path = toLibraryPath(output);
-        return writeThrough(output, [&] {
-            return table.cmyk ? jKoCmykSaveCmykLut(table.cmyk.get(), path.c_str()) == 1
-                              : jKoRgbSaveRgbLut(table.rgb.get(), path.c_str()) == 1;
-        });
+        return writeText(output, table.cmyk ? table::text(*table.cmyk) : table::text(*table.rgb), inputs);
     }
     std::string bytes;
     for (const uint32_t word : nodesOf(table))

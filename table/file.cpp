@@ -120,7 +120,7 @@ bool loadFrom(Table& table, const char* path) {
 }
 
 template <class Form>
-bool saveNodes(std::span<const uint32_t> nodes, const char* path) {
+std::string textOfNodes(std::span<const uint32_t> nodes) {
     LineWriter lines;
     lines.put(kBeginData);
     const uint32_t* node = nodes.data();
@@ -137,7 +137,12 @@ bool saveNodes(std::span<const uint32_t> nodes, const char* path) {
             add(Form::output(word, channel));
         lines.put({text, end});
     });
-    return replaceWhole(path, kColourTableFiles, lines.text()) == SaveResult::written;
+    return std::string(lines.text());
+}
+
+template <class Table>
+bool saveText(const Table& table, const char* path) {
+    return replaceWhole(path, kColourTableFiles, text(table)) == SaveResult::written;
 }
 
 }  // namespace
@@ -150,7 +155,9 @@ bool read(RgbLut& table, std::string_view file) noexcept {
 }
 bool load(CmykLut& table, const char* path) { return loadFrom(table, path); }
 bool load(RgbLut& table, const char* path) { return loadFrom(table, path); }
-bool save(const CmykLut& table, const char* path) { return saveNodes<CmykForm>(table.nodes, path); }
-bool save(const RgbLut& table, const char* path) { return saveNodes<RgbForm>(table.nodes, path); }
+std::string text(const CmykLut& table) { return textOfNodes<CmykForm>(table.nodes); }
+std::string text(const RgbLut& table) { return textOfNodes<RgbForm>(table.nodes); }
+bool save(const CmykLut& table, const char* path) { return saveText(table, path); }
+bool save(const RgbLut& table, const char* path) { return saveText(table, path); }
 
 }  // namespace ko::table

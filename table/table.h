@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "frame/block.h"
@@ -29,6 +30,8 @@ template <class Table>
 
 bool load(CmykLut& table, const char* path);
 bool load(RgbLut& table, const char* path);
+std::string text(const CmykLut& table);  // of the file that save writes
+std::string text(const RgbLut& table);
 bool save(const CmykLut& table, const char* path);
 bool save(const RgbLut& table, const char* path);
 // Loads what a file holds; false, the table as it was, when that is of neither form.

@@ -51,13 +51,37 @@ million() {
 native && check "a million lines" million
 rm -f many.txt
 refuses "no way to convert" 2 "--builtin" convert 1,2,3
+says_at_once() {  # though standard input stays open
+    python3 - "${runner[@]}" "$tool" << 'PYTHON'
+import subprocess, sys
+tool = subprocess.Popen(sys.argv[1:] + ["convert"], stdin=subprocess.PIPE, stderr=subprocess.PIPE)
+assert tool.wait(timeout=60) == 2
+assert b"tell how to convert" in tool.stderr.read()
+PYTHON
+}
+check "no way to convert is said before anything is read" says_at_once
 refuses "two ways to convert" 2 "exclude each other" convert --builtin --link link.icc 1,2,3
+refuses "colours without quotes" 2 'one argument, with commas or in quotes: 0,0,0,255' convert --builtin 0 0 0 255
+refuses "colours without quotes, through a link" 2 "in quotes" convert --link link.icc 0 0 0 255
+answers() {  # each line before the next one comes
+    python3 - "${runner[@]}" "$tool" << 'PYTHON'
+import subprocess, sys
+tool = subprocess.Popen(sys.argv[1:] + ["convert", "--builtin"], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+for colour, wanted in ((b"255,0,0\n", b"6 255 233 0"), (b"# none\n0 0 0\n", b"255 255 255 255")):
+    tool.stdin.write(colour)
+    tool.stdin.flush()
+    assert tool.stdout.readline().strip() == wanted
+tool.stdin.close()
+assert tool.wait() == 0
+PYTHON
+}
+check "on a pipe each line is answered before the next one comes" answers
 refuses "two numbers" 2 "three (RGB) or four (CMYK)" convert --builtin 1,2
-refuses "a word" 1 "'a,b,c,d' is not 4 numbers" convert --link link.icc a,b,c,d
-refuses "a level over 255" 1 "is not 4 numbers from 0 to 255" convert --link link.icc 256,0,0,0
-refuses "not a number" 1 "is not 4 numbers" convert --link link.icc nan,0,0,0
-refuses "percent over 100" 1 "from 0 to 100" convert --link link.icc --percent 101,0,0,0
-refuses "RGB colours for a CMYK link" 1 "is not 4 numbers" convert --link link.icc 1,2,3
+refuses "a word" 2 "'a,b,c,d' is not 4 numbers" convert --link link.icc a,b,c,d
+refuses "a level over 255" 2 "is not 4 numbers from 0 to 255" convert --link link.icc 256,0,0,0
+refuses "not a number" 2 "is not 4 numbers" convert --link link.icc nan,0,0,0
+refuses "percent over 100" 2 "from 0 to 100" convert --link link.icc --percent 101,0,0,0
+refuses "RGB colours for a CMYK link" 2 "is not 4 numbers" convert --link link.icc 1,2,3
 refuses "a source alone" 2 "go together" convert --source "$screen" 1,2,3
 refuses "the classic way to RGB" 1 "converts to CMYK only" convert --source "$printer" --destination "$screen" --method classic 0,0,0,0
 refuses "absolute the classic way" 2 "knows no --intent absolute" convert --source "$screen" --destination "$printer" --method classic --intent absolute 0,0,0
@@ -93,7 +117,7 @@ check "--precision gives decimals of levels" says "0 0 0 127.5" convert --source
 check "fractions are not rounded on the way in" eval '[ "$(kolink convert --source "$screen" --destination "$printer" --precision 3 100.2,100,100)" != "$(kolink convert --source "$screen" --destination "$printer" --precision 3 100,100,100)" ]'
 check "to L*a*b*" says "100 0 0" convert --source "$screen" --destination "$lab" --precision 0 255,255,255
 check "from L*a*b*, with a sign" says "255 255 255" convert --source "$lab" --destination "$screen" -- 100,0,0
-refuses "L* beyond 100" 1 "L* 0 to 100" convert --source "$lab" --destination "$screen" -- 101,0,0
+refuses "L* beyond 100" 2 "L* 0 to 100" convert --source "$lab" --destination "$screen" -- 101,0,0
 check "from grey" says "0 0 0 0" convert --source "$grey" --destination "$printer" 255
 check "to grey" says "255" convert --source "$screen" --destination "$grey" 255,255,255
 refuses "preserved inks where there are none" 2 "--preserve needs a destination for CMYK" convert --source "$screen" --destination "$grey" --preserve primaries 1,2,3
@@ -161,6 +185,24 @@ check "calib show --json" eval 'kolink calib show press.clb --json | python3 -c 
 check "info of a set" eval 'kolink info press.clb > "$out" && grep -q "calibration set" "$out"'
 check "calib plot" eval 'kolink calib plot press.clb -o press.svg && grep -q "<svg" press.svg'
 check "calib delete" eval 'kolink calib delete press.clb 1 50 && [ "$(kolink calib value press.clb 1 50 | tr -d "\r")" = 50 ]'
+refuses "an input tone beyond the range has no value" 1 "from 0 to 100" calib value press.clb 1 101
+refuses "nor has one below it" 1 "from 0 to 100" calib value press.clb 1 -- -1
+named() {  # named LOCALE NAME: of the second channel of a new set
+    LC_ALL=$1 kolink calib new named.clb && kolink calib show named.clb > "$out" && rm named.clb && grep -q "$2 " "$out"
+}
+check "new channels are named in English where there is no language" named C.UTF-8 "Channel 2"
+if native; then
+    check "in Japanese for a Japanese user" named ja_JP.UTF-8 "チャンネル 2"
+    check "in Chinese for a Chinese one" named zh_CN.UTF-8 "通道 2"
+    check "and in English for a German one" named de_DE.UTF-8 "Channel 2"
+fi
+coloured() {  # all sixteen apart, and none black by default
+    kolink calib new coloured.clb --channels 16 && kolink calib show --json coloured.clb | python3 -c "
+import json, sys
+colours = [tuple(one['colour']) for one in json.load(sys.stdin)['channels']]
+assert len(set(colours)) == 16 and (0, 0, 0) not in colours, colours" && rm coloured.clb
+}
+check "new channels have colours of their own" coloured
 refuses "an end tone stays" 1 "between the two ends" calib delete press.clb 1 0
 refuses "a tone that is not there" 1 "there is no tone at 12" calib delete press.clb 1 12
 refuses "a channel that is not there" 1 "no channel 3" calib value press.clb 3 0
@@ -180,6 +222,12 @@ cp "$press" profiles/b.icc
 cp "$screen" profiles/a.icm
 cp text.icc profiles/text.icc
 check "list names profiles and their colours" eval 'kolink list profiles > "$out" && grep -q "^CMYK .*b.icc" "$out" && grep -q "^RGB .*a.icm" "$out" && grep -q "^unreadable .*text.icc" "$out"'
+check "list tells class, version and description" eval 'kolink list profiles > "$out" && grep -qE "^RGB +display +2\.[0-9] +profiles.a\.icm  [A-Za-z]" "$out"'
+mkdir -p profiles/below/deep && cp "$grey" profiles/below/deep/g.icc
+check "list leaves the folders below alone" eval '! kolink list profiles | grep -q g.icc'
+check "list --recursive" eval 'kolink list profiles --recursive > "$out" && grep -q "^GRAY .*g.icc" "$out" && [ "$(wc -l < "$out")" = 4 ]'
+check "list of grey ones" eval 'kolink list profiles -r --space GRAY > "$out" && [ "$(wc -l < "$out")" = 1 ] && grep -q g.icc "$out"'
+rm -r profiles/below
 check "list of one space" eval 'kolink list profiles --space RGB > "$out" && [ "$(wc -l < "$out")" = 1 ] && grep -q a.icm "$out"'
 check "list --json" eval 'kolink list profiles --json | python3 -c "import json,sys; assert len(json.load(sys.stdin))==3"'
 refuses "a folder that is not there" 1 "not found" list nowhere
