@@ -174,7 +174,8 @@ std::optional<std::string> libraryFile() {
     std::error_code error;
     const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
     if (error) return std::nullopt;
-    for (const char* place : {"libkolink.so.1", "../lib/libkolink.so.1"}) {
+    for (const char* place : {"libkolink.so.1", "../lib/libkolink.so.1",
+                              "../lib/" KO_LIBRARY_ARCHITECTURE "/libkolink.so.1"}) {
         const auto file = (folder / place).lexically_normal();
         if (std::filesystem::is_regular_file(file, error)) return file.string();
     }

@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include <commdlg.h>
+#include <shellapi.h>
 
 #include <algorithm>
 #include <cstring>
@@ -25,6 +26,10 @@
 #include "host_ids.h"
 
 namespace {
+
+#ifndef HOST_TITLE
+#define HOST_TITLE L"KoLink host"
+#endif
 
 using Path = char[KOLINK_PATH_SIZE];  // in the system's code page, as the library takes them
 
@@ -257,6 +262,30 @@ void edit(Host& host, const Editor& editor, bool isNew) {
     if (editor.edit == jKoCmykProfileDlg && result == 1 && path[0]) loadLink(host, path);
 }
 
+// The file that the program was started with, a double click's, in the editor for its kind.
+constexpr UINT kOpenGiven = WM_APP;
+void openGiven(Host& host) {
+    int count = 0;
+    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    if (!words) return;
+    Path path = {};
+    if (count > 1 && !toPath(words[1], path))
+        say(host, std::wstring(L"the system's code page cannot name ") + words[1]);
+    LocalFree(words);
+    const char* const extension = std::strrchr(path, '.');
+    if (!extension) return;
+    for (const Editor& editor : kEditors) {
+        // The filter's pattern follows its name: "*.icc;*.icm".
+        const std::wstring pattern = editor.filter + lstrlenW(editor.filter) + 1;
+        std::wstring wanted = wide(extension);
+        CharLowerW(&wanted[0]);
+        if ((pattern + L';').find(L'*' + wanted + L';') == std::wstring::npos) continue;
+        say(host, came(editor.function, editor.edit(host.window, path)) + L"  " + wide(path));
+        return;
+    }
+    say(host, L"no editor for " + wide(path));
+}
+
 void pickColour(Host& host) {
     host.colour = jColorPickDlg(host.window, host.colour);
     wchar_t text[40];
@@ -321,7 +350,7 @@ void paintSwatch(const Host& host, const DRAWITEMSTRUCT& item) {
 }
 
 void opened(Host& host) {
-    SetWindowTextW(host.window, L"KoLink host");
+    SetWindowTextW(host.window, HOST_TITLE);
     for (int ink = 0; ink < 4; ++ink) {
         SendDlgItemMessageW(host.window, IDC_IN_C + ink, EM_SETLIMITTEXT, 3, 0);
         SetDlgItemInt(host.window, IDC_IN_C + ink, 0, FALSE);
@@ -342,6 +371,12 @@ INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
     switch (message) {
         case WM_COMMAND:
             if (HIWORD(wParam) <= 1) command(*host, LOWORD(wParam));  // menu, button, accelerator
+            return TRUE;
+        case kOpenGiven:
+            if (!host->isCalling) {
+                const Calling calling(*host);
+                openGiven(*host);
+            }
             return TRUE;
         case WM_DRAWITEM:
             paintSwatch(*host, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
@@ -367,6 +402,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
                                            reinterpret_cast<LPARAM>(&host));
     if (!window) return 1;
     ShowWindow(window, show);
+    PostMessageW(window, kOpenGiven, 0, 0);
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
         if (host.window && IsDialogMessageW(host.window, &message)) continue;
