@@ -36,8 +36,10 @@ cp "$source" press.icc
 cp "$printer" printer.icc
 links() { LD_LIBRARY_PATH=$lib ./host && [ "$(head -c 40 proof.icc | tail -c 4)" = acsp ]; }
 check "and makes a link" links
-by_pkg_config() {
-    PKG_CONFIG_LIBDIR="$lib/pkgconfig" PKG_CONFIG_SYSROOT_DIR='' pkg-config --variable=libdir kolink | grep -qF "$lib/pkgconfig/../../../lib/$arch"
+by_pkg_config() {  # it escapes blanks for a shell
+    local found
+    found=$(PKG_CONFIG_LIBDIR="$lib/pkgconfig" PKG_CONFIG_SYSROOT_DIR='' pkg-config --variable=libdir kolink) &&
+        eval "found=$found" && [ "$(realpath "$found")" = "$(realpath "$lib")" ]
 }
 check "pkg-config finds the library where it is" by_pkg_config
 reads() { "$root/usr/bin/kolink" info proof.icc | grep -q 'grid'; }
