@@ -212,6 +212,7 @@ void convertImage(const Options& options) {
     TiffPtr out = newTiff(made, estimate > 3900000000u);
     if (!out) failWith(options.output, "cannot be written");
 
+    std::vector<TiffPtr> more;
     for (int number = 0;; ++number) {
         if (number > 0) conversion = &conversions.of(file, page, in.get());
         if (page.space != conversion->input)
@@ -227,7 +228,6 @@ void convertImage(const Options& options) {
         if (!isPrepared) failToWrite(options.output, made);
         requireWholeReading(file.path);
 
-        std::vector<TiffPtr> more;
         RowReader reader(file.path, page, channelHandles(file.path, page, in.get(), number, more));
         RowConverter rows(*conversion, page, bits);
         Progress progress(fromPath(toPath(options.output).filename()), page.height, options.quiet);

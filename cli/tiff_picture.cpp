@@ -221,11 +221,13 @@ std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIF
                                   std::vector<TiffPtr>& more) {
     std::vector<TIFF*> handles{tiff};
     if (!page.planar || page.tiled) return handles;
-    for (int channel = 1; channel < channelsOf(page.space); ++channel) {
-        more.push_back(openTiff(path));
-        if (!inTiff([&] { return TIFFSetDirectory(more.back().get(), static_cast<tdir_t>(number)); }))
-            failWith(path, "cannot be read");
-        handles.push_back(more.back().get());
+    for (size_t channel = 1; channel < static_cast<size_t>(channelsOf(page.space)); ++channel) {
+        if (more.size() < channel) more.push_back(openTiff(path));
+        TIFF* const handle = more[channel - 1].get();
+        // From the page before: libtiff finds a page by its number from the first one on.
+        while (TIFFCurrentDirectory(handle) < static_cast<tdir_t>(number))
+            if (!inTiff([&] { return TIFFReadDirectory(handle); })) failWith(path, "cannot be read");
+        handles.push_back(handle);
     }
     requireWholeReading(path);
     return handles;

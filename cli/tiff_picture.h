@@ -58,7 +58,7 @@ struct Page {
 Page readPage(const InputFile& file, TIFF* tiff);
 
 // The handle, and for a planar page in strips one more a channel, so that each goes through its
-// own strips in order. more owns the further ones.
+// own strips in order. more owns the further ones, from one page to the next.
 std::vector<TIFF*> channelHandles(const std::string& path, const Page& page, TIFF* tiff, int number,
                                   std::vector<TiffPtr>& more);
 
