@@ -113,7 +113,7 @@ void nodeLoop(benchmark::State& state, bool fast) {
     const ko::cmyk::IccPair pair(*source, *destination, ko::icc::Bridge::none);
     const auto base = ko::cmyk::createProfile(), result = ko::cmyk::createProfile();
     const CmsLinkSettings settings{};
-    const ko::cmyk::NodeChain chain(settings, *base, nullptr);
+    const ko::cmyk::NodeChain chain(settings, base.get(), nullptr);
     for (auto _ : state) {
         if (fast) {
             ko::cmyk::combineNodesFast(chain, pair, *result);

@@ -39,7 +39,9 @@ SequenceEntry sequenceEntry(const InputFile& file) {
 }
 
 std::vector<uint8_t> finished(std::span<const uint8_t> link, const CmykProfile& profile, const Finish& finish) {
-    std::vector<uint8_t> bytes(link.begin(), link.begin() + 128);  // the header
+    std::vector<uint8_t> bytes;
+    bytes.reserve(link.size() + (size_t{1} << 16));  // texts are short beside the grid
+    bytes.assign(link.begin(), link.begin() + 128);  // the header
     ByteWriter out(bytes);
     constexpr uint32_t kOwn[] = {fourcc("desc"), fourcc("cprt"), fourcc("pseq"), fourcc("kprv"), fourcc("A2B0")};
     out.u32(std::size(kOwn));

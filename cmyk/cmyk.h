@@ -52,7 +52,10 @@ ControlPoints controlPoints(const CmykProfile& profile, int32_t curve) noexcept;
 void resetCurve(CmykProfile& profile, int32_t curve) noexcept;
 
 void initProfile(CmykProfile& profile) noexcept;
+void initGrid(CmykProfile& profile) noexcept;  // its nodes change nothing
 [[nodiscard]] Block<CmykProfile> createProfile() noexcept;
+// For who writes every node: the identity would be 5 MB that nobody reads.
+[[nodiscard]] Block<CmykProfile> createProfileWithoutGrid() noexcept;
 
 bool loadProfile(CmykProfile& profile, const Path& path);
 bool loadLutable(CmykProfile& profile, const Path& path) noexcept;

@@ -15,11 +15,15 @@
 namespace ko::cmyk {
 namespace {
 
-// The base profile; without a path it is the identity.
-Block<CmykProfile> loadBase(const CmsLinkSettings& settings) {
-    auto base = createProfile();
+struct Base {
+    bool loaded = true;  // also when there is none to load
+    Block<CmykProfile> profile;  // null: the identity
+};
+Base loadBase(const CmsLinkSettings& settings) {
     const Path path(settings.basePath);
-    if (base && !path.empty() && !loadProfile(*base, path)) return nullptr;
+    if (path.empty()) return {};
+    Base base{false, createProfile()};
+    base.loaded = base.profile && loadProfile(*base.profile, path);
     return base;
 }
 
@@ -53,9 +57,9 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings, Black kind) {
 
     std::optional<platform::WaitCursor> cursor;  // goes last, when the plug-in is closed
     const auto base = loadBase(settings);
-    auto result = createProfile();
+    auto result = createProfileWithoutGrid();
     const auto dcc = tone::createToneCurve(6);
-    if (!base || !result || !dcc) return nullptr;
+    if (!base.loaded || !result || !dcc) return nullptr;
     const Path dccPath(settings.destinationPath);
     if (!dccPath.empty() && !tone::loadDccCurve(*dcc, dccPath)) return nullptr;
     std::optional<Plugin> plugin;
@@ -67,7 +71,7 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings, Black kind) {
     if (!black.loaded) return nullptr;
 
     cursor.emplace(platform::WaitCursor::Source::library);
-    const NodeChain chain(settings, *base, black.values());
+    const NodeChain chain(settings, base.profile.get(), black.values());
     if (plugin) {
         // The base profile's result only feeds the plug-in; the DCC curve makes the inks.
         combineNodes(chain, [&](Cmyk& cmyk) {
@@ -85,8 +89,8 @@ Block<CmykProfile> combineProfile(const CmsLinkSettings& settings, Black kind) {
 
 Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings, Black kind) {
     const auto base = loadBase(settings);
-    auto result = createProfile();
-    if (!base || !result) return nullptr;
+    auto result = createProfileWithoutGrid();
+    if (!base.loaded || !result) return nullptr;
     const Path source(settings.sourcePath), destination(settings.destinationPath);
     std::optional<icc::OpenPair> pair;
     IccLut *sourceTable = nullptr, *destinationTable = nullptr;
@@ -103,7 +107,7 @@ Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings, Black kind
     if (!black.loaded) return nullptr;
 
     const platform::WaitCursor cursor(platform::WaitCursor::Source::system);
-    const NodeChain chain(settings, *base, black.values());
+    const NodeChain chain(settings, base.profile.get(), black.values());
     if (!pair) {
         combineNodesFast(chain, kNoConversion, *result);
         return result;
@@ -111,9 +115,12 @@ Block<CmykProfile> combineIccProfile(const CmsLinkSettings& settings, Black kind
     pair->source.bytes = {};  // not needed while the grid is made
     pair->destination.bytes = {};
     const icc::ReadyLut sourceLut(*sourceTable);
-    if (!sourceLut) return result;  // with its default grid
-    const icc::ReadyLut destinationLut(*destinationTable);
-    if (!destinationLut) return result;
+    const icc::ReadyLut destinationLut =
+        sourceLut ? icc::ReadyLut(*destinationTable) : icc::ReadyLut();
+    if (!destinationLut) {
+        initGrid(*result);  // the default one
+        return result;
+    }
     combineNodesFast(chain, IccPair(*sourceLut, *destinationLut, pair->bridge, white), *result);
     return result;
 }

@@ -7,7 +7,7 @@
 
 namespace ko::cmyk {
 
-NodeChain::NodeChain(const CmsLinkSettings& settings, const CmykProfile& base,
+NodeChain::NodeChain(const CmsLinkSettings& settings, const CmykProfile* base,
                      const int16_t* black) noexcept
     : base_(base),
       black_(black),
@@ -16,7 +16,7 @@ NodeChain::NodeChain(const CmsLinkSettings& settings, const CmykProfile& base,
       paper_{settings.paperC, settings.paperM, settings.paperY, settings.paperK},
       limit_(settings.limit),
       preservation_(settings.preservation),
-      curves_(workingCurves(base)) {}
+      curves_(base ? workingCurves(*base) : WorkingCurves{}) {}
 
 bool NodeChain::prepare(Cmyk& cmyk) const noexcept {
     const int32_t coverage = cmyk[0] + cmyk[1] + cmyk[2] + cmyk[3];
@@ -37,8 +37,9 @@ bool NodeChain::prepare(Cmyk& cmyk) const noexcept {
 }
 
 void NodeChain::throughBase(Cmyk& cmyk) const noexcept {
+    if (!base_) return;  // (16 v + 8) / 16 is v
     for (int32_t i = 0; i < 4; ++i) cmyk[i] = curves_[i][cmyk[i]];
-    cmykToCmyk16(base_, cmyk);
+    cmykToCmyk16(*base_, cmyk);
     for (int32_t i = 0; i < 4; ++i) cmyk[i] = curves_[4 + i][fromScale16(cmyk[i])];
 }
 

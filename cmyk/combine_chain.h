@@ -11,8 +11,8 @@ namespace ko::cmyk {
 // copies of them.
 class NodeChain {
 public:
-    // black: the 256 values of a black-correction curve, or null.
-    NodeChain(const CmsLinkSettings& settings, const CmykProfile& base,
+    // base: null for the identity. black: the 256 values of a black-correction curve, or null.
+    NodeChain(const CmsLinkSettings& settings, const CmykProfile* base,
               const int16_t* black) noexcept;
 
     // Paper tint, white, black. False: the node is finished, no profile has a say in it.
@@ -25,11 +25,11 @@ public:
     bool addsTint(int32_t coverage) const noexcept { return tints_ && coverage < limit_; }
     const int16_t* black() const noexcept { return black_; }
     int32_t preservation() const noexcept { return preservation_; }
-    const WorkingCurves& curves() const noexcept { return curves_; }
-    const CmykProfile& base() const noexcept { return base_; }
+    const WorkingCurves& curves() const noexcept { return curves_; }  // of a base
+    const CmykProfile* base() const noexcept { return base_; }
 
 private:
-    const CmykProfile& base_;
+    const CmykProfile* base_;
     const int16_t* black_;
     bool tints_, keepsWhite_;
     int32_t paper_[4];

@@ -14,10 +14,11 @@ using Row = std::array<Cmyk, kRow>;
 
 // The default profile changes nothing: (16 v + 8) / 16 is v.
 bool isIdentity(const NodeChain& chain) noexcept {
+    if (!chain.base()) return true;
     for (const auto& curve : chain.curves())
         for (int32_t x = 0; x < 256; ++x)
             if (curve[x] != x) return false;
-    const uint32_t* word = chain.base().grid;
+    const uint32_t* word = chain.base()->grid;
     bool same = true;
     grid::forEachNode<4>(kGridPoints,
                          [&](const Cmyk& node) { same &= *word++ == identityWord(node); });

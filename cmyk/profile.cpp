@@ -22,17 +22,35 @@ void resetCurve(CmykProfile& profile, int32_t curve) noexcept {
     }
 }
 
-void initProfile(CmykProfile& profile) noexcept {
-    std::memset(&profile, 0, offsetof(CmykProfile, grid));  // the grid is written whole below
+namespace {
+
+void initAllButGrid(CmykProfile& profile) noexcept {
+    std::memset(&profile, 0, offsetof(CmykProfile, grid));
     copyText(profile.name, texts::kUntitled);
     for (int32_t curve = 0; curve < kCurves; ++curve) resetCurve(profile, curve);
+}
+
+}  // namespace
+
+void initGrid(CmykProfile& profile) noexcept {
     uint32_t* node = profile.grid;
     grid::forEachNode<4>(kGridPoints, [&](const Cmyk& at) { *node++ = identityWord(at); });
 }
 
-Block<CmykProfile> createProfile() noexcept {
+void initProfile(CmykProfile& profile) noexcept {
+    initAllButGrid(profile);
+    initGrid(profile);
+}
+
+Block<CmykProfile> createProfileWithoutGrid() noexcept {
     auto profile = allocateBlock<CmykProfile>(sizeof(CmykProfile));
-    if (profile) initProfile(*profile);
+    if (profile) initAllButGrid(*profile);
+    return profile;
+}
+
+Block<CmykProfile> createProfile() noexcept {
+    auto profile = createProfileWithoutGrid();
+    if (profile) initGrid(*profile);
     return profile;
 }
 

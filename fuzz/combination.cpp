@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!ko::icc::lutSetup(source.get())) return 0;
     if (ko::icc::lutSetup(destination.get())) {
         const IccPair pair(*source, *destination, bridge);
-        const NodeChain chain(settings, *base, hasBlack ? black : nullptr);
+        const NodeChain chain(settings, base.get(), hasBlack ? black : nullptr);
         for (const Cmyk& node : nodes) {
             const auto convert = [&](Cmyk& cmyk) { convertThroughIcc(pair, cmyk); };
             const uint32_t once = combineNode(chain, node, convert);

@@ -43,7 +43,8 @@ int32_t firstDifference(const Case& c, int32_t step = 7) {
     int16_t black[256];
     for (int32_t x = 0; x < 256; ++x) black[x] = static_cast<int16_t>(255 - x);
 
-    const NodeChain chain(c.settings, *base, c.black ? black : nullptr);
+    const NodeChain chain(c.settings, base.get(), c.black ? black : nullptr);
+    const NodeChain bare(c.settings, nullptr, c.black ? black : nullptr);
     const auto fast = createProfile();
     combineNodesFast(chain, conversion, *fast);
     const auto convert = [&](Cmyk& cmyk) {
@@ -53,6 +54,12 @@ int32_t firstDifference(const Case& c, int32_t step = 7) {
         const Cmyk node{n / 35937, n / 1089 % 33, n / 33 % 33, n % 33};
         if (combineNode(chain, node, convert) != fast->grid[n]) return n;
     }
+    if (c.bentBase || c.otherGrid || step != 1) return -1;
+    // No base is the one that changes nothing.
+    const auto without = createProfileWithoutGrid();
+    combineNodesFast(bare, conversion, *without);
+    for (int32_t n = 0; n < KOLINK_CMYK_NODES; ++n)
+        if (without->grid[n] != fast->grid[n]) return n;
     return -1;
 }
 
