@@ -7,9 +7,11 @@
 #include <random>
 #include <vector>
 
+#include "bench/pixels.h"
 #include "kolink/link.h"
 
 namespace {
+using namespace ko::bench;
 
 struct LinkRelease {
     void operator()(LinkProfile* link) const { jKoLinkReleaseProfile(link); }
@@ -23,17 +25,10 @@ std::unique_ptr<LinkProfile, LinkRelease> randomLink(int32_t channels) {
     return link;
 }
 
-std::vector<uint8_t> randomPixels(int32_t channels) {  // a million
-    std::mt19937 random(2);
-    std::vector<uint8_t> pixels(static_cast<size_t>(channels) << 20);
-    for (uint8_t& level : pixels) level = static_cast<uint8_t>(random());
-    return pixels;
-}
-
 void LinkColour(benchmark::State& state) {
     const auto channels = static_cast<int32_t>(state.range(0));
     const auto link = randomLink(channels);
-    const auto pixels = randomPixels(channels);
+    const auto pixels = makePixels(static_cast<size_t>(channels));
     for (auto _ : state)
         for (size_t at = 0; at < pixels.size(); at += static_cast<size_t>(channels)) {
             int32_t values[4] = {pixels[at], pixels[at + 1], pixels[at + 2],
@@ -48,7 +43,7 @@ BENCHMARK(LinkColour)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
 void LinkRow(benchmark::State& state) {
     const auto channels = static_cast<int32_t>(state.range(0));
     const auto link = randomLink(channels);
-    const auto pixels = randomPixels(channels);
+    const auto pixels = makePixels(static_cast<size_t>(channels), state.range(1));
     std::vector<uint16_t> output(size_t{4} << 20);
     for (auto _ : state) {
         jKoLinkCOLtoCMYK16Row(link.get(), pixels.data(), 1 << 20, output.data());
@@ -56,45 +51,82 @@ void LinkRow(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() << 20);
 }
-BENCHMARK(LinkRow)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+BENCHMARK(LinkRow)->ArgsProduct({{3, 4}, {kRandom, kSmooth, kRuns}})->Unit(benchmark::kMillisecond);
 
-// The same conversion in lcms2: 8 bits, no cache, a device link of 17 points.
-void LittleCmsTransform(benchmark::State& state) {
+// The same conversion in lcms2: 8 bits, no cache, a device link of as many points.
+class LittleCmsLink {
+public:
+    LittleCmsLink(cmsUInt32Number channels, cmsUInt32Number points) {
+        pipeline_ = cmsPipelineAlloc(nullptr, channels, 4);
+        cmsStage* clut = cmsStageAllocCLut16bit(nullptr, points, channels, 4, nullptr);
+        std::mt19937 random(1);
+        cmsStageSampleCLut16bit(
+            clut,
+            [](const cmsUInt16Number*, cmsUInt16Number* out, void* cargo) {
+                for (int k = 0; k < 4; ++k)
+                    out[k] = static_cast<cmsUInt16Number>((*static_cast<std::mt19937*>(cargo))());
+                return 1;
+            },
+            &random, 0);
+        cmsPipelineInsertStage(pipeline_, cmsAT_BEGIN, clut);
+        profile_ = cmsCreateProfilePlaceholder(nullptr);
+        cmsSetProfileVersion(profile_, 2.1);
+        cmsSetDeviceClass(profile_, cmsSigLinkClass);
+        cmsSetColorSpace(profile_, channels == 3 ? cmsSigRgbData : cmsSigCmykData);
+        cmsSetPCS(profile_, cmsSigCmykData);
+        cmsWriteTag(profile_, cmsSigAToB0Tag, pipeline_);
+        transform_ = cmsCreateTransform(profile_, channels == 3 ? TYPE_RGB_8 : TYPE_CMYK_8, nullptr,
+                                        TYPE_CMYK_8, 0, cmsFLAGS_NOCACHE);
+    }
+    ~LittleCmsLink() {
+        if (transform_) cmsDeleteTransform(transform_);
+        cmsPipelineFree(pipeline_);
+        cmsCloseProfile(profile_);
+    }
+    LittleCmsLink(const LittleCmsLink&) = delete;
+    LittleCmsLink& operator=(const LittleCmsLink&) = delete;
+    explicit operator bool() const { return transform_ != nullptr; }
+    void convert(const uint8_t* input, uint8_t* output, cmsUInt32Number pixels) const {
+        cmsDoTransform(transform_, input, output, pixels);
+    }
+
+private:
+    cmsPipeline* pipeline_;
+    cmsHPROFILE profile_;
+    cmsHTRANSFORM transform_;
+};
+
+void LittleCmsRow(benchmark::State& state) {
     const auto channels = static_cast<cmsUInt32Number>(state.range(0));
-    cmsPipeline* pipeline = cmsPipelineAlloc(nullptr, channels, 4);
-    cmsStage* clut = cmsStageAllocCLut16bit(nullptr, 17, channels, 4, nullptr);
-    std::mt19937 random(1);
-    cmsStageSampleCLut16bit(
-        clut,
-        [](const cmsUInt16Number*, cmsUInt16Number* out, void* cargo) {
-            for (int k = 0; k < 4; ++k)
-                out[k] = static_cast<cmsUInt16Number>((*static_cast<std::mt19937*>(cargo))());
-            return 1;
-        },
-        &random, 0);
-    cmsPipelineInsertStage(pipeline, cmsAT_BEGIN, clut);
-    cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);
-    cmsSetProfileVersion(profile, 2.1);
-    cmsSetDeviceClass(profile, cmsSigLinkClass);
-    cmsSetColorSpace(profile, channels == 3 ? cmsSigRgbData : cmsSigCmykData);
-    cmsSetPCS(profile, cmsSigCmykData);
-    cmsWriteTag(profile, cmsSigAToB0Tag, pipeline);
-    cmsHTRANSFORM transform = cmsCreateTransform(profile, channels == 3 ? TYPE_RGB_8 : TYPE_CMYK_8,
-                                                 nullptr, TYPE_CMYK_8, 0, cmsFLAGS_NOCACHE);
-    const auto pixels = randomPixels(static_cast<int32_t>(channels));
+    const LittleCmsLink link(channels, static_cast<cmsUInt32Number>(state.range(1)));
+    const auto pixels = makePixels(channels, state.range(2));
     std::vector<uint8_t> output(size_t{4} << 20);
-    if (!transform) state.SkipWithError("no transform");
-    else
-        for (auto _ : state) {
-            cmsDoTransform(transform, pixels.data(), output.data(), 1 << 20);
-            benchmark::ClobberMemory();
+    if (!link) return state.SkipWithError("no transform");
+    for (auto _ : state) {
+        link.convert(pixels.data(), output.data(), 1 << 20);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() << 20);
+}
+BENCHMARK(LittleCmsRow)
+    ->ArgsProduct({{3, 4}, {17}, {kRandom, kSmooth, kRuns}})
+    ->ArgsProduct({{4}, {33}, {kRandom, kSmooth, kRuns}})
+    ->Unit(benchmark::kMillisecond);
+
+void LittleCmsColour(benchmark::State& state) {
+    const auto channels = static_cast<cmsUInt32Number>(state.range(0));
+    const LittleCmsLink link(channels, 17);
+    const auto pixels = makePixels(channels);
+    if (!link) return state.SkipWithError("no transform");
+    for (auto _ : state)
+        for (size_t at = 0; at < pixels.size(); at += channels) {
+            uint8_t output[4];
+            link.convert(&pixels[at], output, 1);
+            benchmark::DoNotOptimize(output);
         }
     state.SetItemsProcessed(state.iterations() << 20);
-    if (transform) cmsDeleteTransform(transform);
-    cmsPipelineFree(pipeline);
-    cmsCloseProfile(profile);
 }
-BENCHMARK(LittleCmsTransform)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+BENCHMARK(LittleCmsColour)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
 
 // A link from two of Debian's press profiles, or a monitor and a press.
 void LinkBuild(benchmark::State& state, LinkProfile* (*build)(const CmsLinkSettings*),

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "bench/pixels.h"
 #include "kolink.h"
 
 namespace {
+using namespace ko::bench;
 
 struct Free {
     void operator()(void* block) const { jMemFree(block); }
@@ -36,16 +38,9 @@ Owned<RgbLut> randomRgbLut() {
     return randomised(table, table->nodes, KOLINK_RGB_LUT_NODES);
 }
 
-std::vector<uint8_t> randomPixels(size_t channels) {  // a million
-    std::mt19937 random(2);
-    std::vector<uint8_t> pixels(channels << 20);
-    for (uint8_t& level : pixels) level = static_cast<uint8_t>(random());
-    return pixels;
-}
-
 template <class Record, class Convert>
 void oneByOne(benchmark::State& state, size_t channels, const Record& record, Convert convert) {
-    const auto pixels = randomPixels(channels);
+    const auto pixels = makePixels(channels);
     for (auto _ : state)
         for (size_t at = 0; at < pixels.size(); at += channels) {
             int32_t values[4];
@@ -57,8 +52,9 @@ void oneByOne(benchmark::State& state, size_t channels, const Record& record, Co
 }
 
 template <class Record, class Convert>
-void inRows(benchmark::State& state, size_t channels, const Record& record, Convert convert) {
-    const auto pixels = randomPixels(channels);
+void inRows(benchmark::State& state, size_t channels, const Record& record, Convert convert,
+            int64_t kind = kRandom) {
+    const auto pixels = makePixels(channels, kind);
     std::vector<uint16_t> output(channels << 20);
     for (auto _ : state) {
         convert(record.get(), pixels.data(), 1 << 20, output.data());
@@ -68,13 +64,13 @@ void inRows(benchmark::State& state, size_t channels, const Record& record, Conv
 }
 
 void CmykProfileColour(benchmark::State& state) { oneByOne(state, 4, randomProfile(), jKoCmykCMYKtoCMYK16); }
-void CmykProfileRow(benchmark::State& state) { inRows(state, 4, randomProfile(), jKoCmykCMYKtoCMYK16Row); }
+void CmykProfileRow(benchmark::State& state) { inRows(state, 4, randomProfile(), jKoCmykCMYKtoCMYK16Row, state.range(0)); }
 void CmykTableColour(benchmark::State& state) { oneByOne(state, 4, randomCmykLut(), jKoCmykLutCMYKtoCMYK16); }
 void CmykTableRow(benchmark::State& state) { inRows(state, 4, randomCmykLut(), jKoCmykLutCMYKtoCMYK16Row); }
 void RgbTableColour(benchmark::State& state) { oneByOne(state, 3, randomRgbLut(), jKoRgbRGBtoRGB16); }
 void RgbTableRow(benchmark::State& state) { inRows(state, 3, randomRgbLut(), jKoRgbRGBtoRGB16Row); }
 BENCHMARK(CmykProfileColour)->Unit(benchmark::kMillisecond);
-BENCHMARK(CmykProfileRow)->Unit(benchmark::kMillisecond);
+BENCHMARK(CmykProfileRow)->Arg(kRandom)->Arg(kSmooth)->Arg(kRuns)->Unit(benchmark::kMillisecond);
 BENCHMARK(CmykTableColour)->Unit(benchmark::kMillisecond);
 BENCHMARK(CmykTableRow)->Unit(benchmark::kMillisecond);
 BENCHMARK(RgbTableColour)->Unit(benchmark::kMillisecond);
