@@ -219,6 +219,7 @@ TEST(LinkMeasures, JudgeInksWhereThereAreNoProfiles) {
     EXPECT_TRUE(measured.findings.purity.secondaries());
     EXPECT_NEAR(measured.findings.ink.most, 4, 1e-6);
     EXPECT_EQ(measured.findings.smoothness.bends.count, 2540u);
+    EXPECT_LT(measured.findings.smoothness.bends.worst, 0.01);  // a straight line has no bend
 }
 
 TEST(LinkMeasures, SpreadValuesByTheirPlaces) {
