@@ -99,6 +99,7 @@ private:
             {.id = IDC_NEW, .press = [this] { startNew(); }},
         });
         addFileButtons();
+        acceptDroppedFiles();
     }
 
     size_t chosenPage() const {
@@ -108,6 +109,14 @@ private:
     void startNew() {
         if (!editor_.startNew(host())) return;
         for (const Tab& tab : pages_) tab.page->startAgain();
+    }
+
+    std::optional<Problem> openFile(const std::string& path) override {
+        bool opened = false;
+        auto problem = editor_.open(path, host(), opened);
+        if (opened)
+            for (const Tab& tab : pages_) tab.page->startAgain();
+        return problem;
     }
 
     void shown() override {

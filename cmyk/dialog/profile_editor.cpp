@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cmyk/description.h"
+#include "cmyk/link_check.h"
 #include "frame/path.h"
 #include "frame/text.h"
 #include "resources/texts.h"
@@ -69,16 +70,36 @@ bool ProfileEditor::startNew(dialog::EditorHost& host) {
     // The step back keeps the whole profile, its file included.
     auto other = std::shared_ptr<CmykProfile>(createProfile().release(), BlockDeleter());
     if (!other) return false;  // no memory: nothing has happened
+    exchangeWith(std::move(other), false);
+    return true;
+}
+
+std::optional<Problem> ProfileEditor::open(const std::string& path, dialog::EditorHost& host,
+                                           bool& opened) {
+    opened = false;
+    // A profile of another kind would be overwritten by a link that prints nothing.
+    if (auto problem = whyNoLink(path.c_str())) return problem;
+    if (!mayClose(host)) return std::nullopt;
+    auto other = std::shared_ptr<CmykProfile>(createProfile().release(), BlockDeleter());
+    if (!other || !loadProfile(*other, path.c_str())) return fileProblem(platform::lastError());
+    (void)copyPath(other->path, path.c_str());
+    exchangeWith(std::move(other), true);
+    workingFolder_ = folderOf(path);
+    history().markSaved();
+    opened = true;
+    return std::nullopt;
+}
+
+void ProfileEditor::exchangeWith(std::shared_ptr<CmykProfile> other, bool hasFileNow) {
     exchange(profile_, *other);
     const bool had = hasFile();
-    setHasFile(false);
+    setHasFile(hasFileNow);
     history().add([this, other, has = had]() mutable {
         exchange(profile_, *other);
         const bool now = hasFile();
         setHasFile(has);
         has = now;
     });
-    return true;
 }
 
 std::string_view ProfileEditor::questionCaption() const noexcept { return texts::kProfileCaption; }

@@ -2,6 +2,8 @@
 // its pages edit, they edit in the record themselves. It has no window.
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,6 +32,9 @@ public:
 
     // True when the person agreed: the pages have to show the new profile.
     bool startNew(dialog::EditorHost& host);
+    // Another profile in place of this one, once the person agrees to leave its changes: a step
+    // like any other. Why it cannot be opened; opened: whether it was.
+    std::optional<Problem> open(const std::string& path, dialog::EditorHost& host, bool& opened);
 
     dialog::History& steps() noexcept { return history(); }  // for the pages
     struct Texts {
@@ -48,6 +53,8 @@ private:
     std::string startOfSave() const override;  // the root folder
     std::string startOfSaveAs() const override;
     std::optional<Problem> write(const std::string& path) override;
+
+    void exchangeWith(std::shared_ptr<CmykProfile> other, bool hasFileNow);
 
     CmykProfile& profile_;
     std::string workingFolder_;

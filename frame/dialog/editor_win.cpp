@@ -1,11 +1,18 @@
 #include "frame/dialog/editor_win.h"
 
+#include <shellapi.h>
+
 #include <iterator>
 #include <string_view>
 
+#include "frame/dialog/text_win.h"
 #include "resources/dialog_ids.h"
+#include "resources/texts.h"
 
 namespace ko::dialog {
+namespace {
+constexpr int kDropped = 100;  // a command without a control
+}
 
 void EditorDialog::addFileButtons() {
     add({
@@ -34,6 +41,33 @@ void EditorDialog::cancel() {
 
 void EditorDialog::stepped(bool done) {
     if (!done) return;
+    stepTaken();
+    show();
+}
+
+INT_PTR EditorDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_DROPFILES) return ModalDialog::message(message, wParam, lParam);
+    const auto files = reinterpret_cast<HDROP>(wParam);
+    wchar_t name[1024];
+    const bool named = ::DragQueryFileW(files, 0, name, std::size(name)) != 0;
+    ::DragFinish(files);
+    // As a press of a button: nothing else is done meanwhile.
+    if (named) dropped_ = name;
+    if (named) ::SendMessageW(window(), WM_COMMAND, MAKEWPARAM(kDropped, BN_CLICKED), 0);
+    return TRUE;
+}
+
+void EditorDialog::acceptDroppedFiles() {
+    ::DragAcceptFiles(window(), TRUE);
+    add({{.id = kDropped, .press = [this] { drop(dropped_); }}});
+}
+
+void EditorDialog::drop(const std::wstring& file) {
+    NamedPath named = namedPath(file);
+    if (named.path) named.problem = openFile(*named.path);
+    if (named.problem)
+        showMessage(window(), wideTranslated(texts::kProfileErrorCaption),
+                    wideProblem(file, *named.problem), MB_OK | MB_ICONEXCLAMATION);
     stepTaken();
     show();
 }

@@ -148,6 +148,34 @@ TEST(ProfileEditor, NewIsTakenBackWithItsFile) {
     EXPECT_FALSE(editing.editor->undo());
 }
 
+TEST(ProfileEditor, AnotherProfileTakesThePlaceOfThisOneAndIsTakenBackWithIt) {
+    Editing editing("file.icc");
+    const std::string path = editing.folder.path("other.icc");
+    const auto other = createProfile();
+    other->grid[5] = 7;
+    ASSERT_TRUE(saveProfile(*other, path.c_str()));
+    bool opened = false;
+    EXPECT_EQ(editing.editor->open(path, editing.answers, opened), std::nullopt);
+    EXPECT_TRUE(opened);
+    EXPECT_EQ(editing.profile->grid[5], 7u);
+    EXPECT_EQ(editing.editor->path(), path);
+    EXPECT_FALSE(editing.editor->isChanged());
+    EXPECT_TRUE(editing.editor->undo());
+    EXPECT_NE(editing.profile->grid[5], 7u);
+    EXPECT_EQ(editing.editor->path(), "file.icc");
+}
+
+TEST(ProfileEditor, AProfileOfAnotherKindIsNotOpenedAndTheReasonIsSaid) {
+    Editing editing("file.icc");
+    bool opened = true;
+    const auto problem = editing.editor->open(test::testData("CGATS001Compat-v2-micro.icc"),
+                                              editing.answers, opened);
+    EXPECT_EQ(problem, (Problem{texts::kNoLink, {"CMYK", "Lab"}}));
+    EXPECT_FALSE(opened);
+    EXPECT_EQ(editing.editor->path(), "file.icc");
+    EXPECT_FALSE(editing.editor->canUndo());
+}
+
 TEST(ProfileEditor, NewAsksFirst) {
     Editing editing("file.icc");
     editing.answers.yes = false;

@@ -6,10 +6,9 @@
 #include <filesystem>
 
 #include "tests/dialog/device_link.h"
+#include "tests/dialog/drop.h"
 #include "tests/dialog/language.h"
 #include "tests/dialog/layout.h"
-
-#include <shlobj.h>
 
 using namespace ko::test;
 
@@ -162,20 +161,6 @@ TEST(DeviceLinkDialog, ALinkInAFolderNamedInTheSystemsLanguageIsWrittenAndShown)
     lookAtLink(settings, [&](const DialogWindow& dialog) {
         EXPECT_EQ(dialog.text(IDC_LINK_OUTPUT), written);
     });
-}
-
-// As the system hands over what was dropped at a place of the dialog.
-void drop(const DialogWindow& dialog, POINT at, const std::vector<std::wstring>& files) {
-    std::wstring names;
-    for (const std::wstring& file : files) names += file + L'\0';
-    names += L'\0';
-    const HGLOBAL block =
-        ::GlobalAlloc(GMEM_MOVEABLE, sizeof(DROPFILES) + names.size() * sizeof(wchar_t));
-    auto* const head = static_cast<DROPFILES*>(::GlobalLock(block));
-    *head = {sizeof(DROPFILES), at, FALSE, TRUE};
-    names.copy(reinterpret_cast<wchar_t*>(head + 1), names.size());
-    ::GlobalUnlock(block);
-    ::SendMessageW(dialog.handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
 }
 
 TEST(DeviceLinkDialog, AFileDroppedOnAFieldIsItsPath) {

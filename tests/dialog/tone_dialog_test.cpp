@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "resources/dialog_ids.h"
+#include "tests/dialog/drop.h"
 #include "tests/dialog/driver.h"
 #include "tests/dialog/language.h"
 
@@ -213,6 +214,29 @@ TEST_P(ToneDialogs, AFileThatIsNotReplacedKeepsItsContent) {
         EXPECT_EQ(dialog.caption(), captionWith(kind(), ""));
     });
     EXPECT_EQ(readText(path), "theirs");
+}
+
+TEST_P(ToneDialogs, AFileThatIsDroppedIsOpenedAndOneOfAnotherKindIsRefused) {
+    const std::string path = fresh("dropped"), notes = file("notes");
+    open(path, [](const DialogWindow& dialog) {
+        dialog.enter(IDC_PERCENT_K, L"50");
+        dialog.press(IDC_SAVE);
+        dialog.waitForQuiet();
+    });
+    writeFile(notes, "text");
+    const Outcome outcome = open("", [&](const DialogWindow& dialog) {
+        drop(dialog, {5, 5}, {wide(notes)}, true);
+        const DialogWindow refused = dialog.asked();
+        EXPECT_NE(refused.text(kMessageText).find(wide(notes)), std::wstring::npos);
+        refused.press(IDOK);
+        dialog.waitForQuiet();
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), ""));
+        drop(dialog, {5, 5}, {wide(path)});
+        EXPECT_EQ(dialog.caption(), captionWith(kind(), path));
+        EXPECT_EQ(dialog.text(IDC_PERCENT_K), L"50");
+        dialog.leave(IDOK);
+    });
+    EXPECT_EQ(outcome.path, path);
 }
 
 TEST_P(ToneDialogs, AFileThatCannotBeWrittenStaysAsItWasAndTheWorkIsKept) {

@@ -5,6 +5,7 @@
 
 #include <tuple>
 
+#include "resources/texts.h"
 #include "tests/support/answers.h"
 #include "tests/support/files.h"
 
@@ -257,6 +258,50 @@ TEST(ToneEditor, NewAsksFirst) {
     EXPECT_STREQ(tnc.curve->path, "");
     tnc.editor->save(answers);  // no file any more, so it asks for a name
     EXPECT_EQ(answers.saves, 1);
+}
+
+TEST(ToneEditor, AnotherFileTakesThePlaceOfThisOneAndIsTakenBackWithIt) {
+    const test::TempFolder folder;
+    Answers answers;
+    Editing other(kCmykEditor);
+    other.editor->leaveField(0, "40");
+    answers.path = folder.path("other.tnc");
+    ASSERT_TRUE(other.editor->save(answers));
+    Editing tnc(kCmykEditor, "curves/a.tnc");
+    EXPECT_EQ(tnc.editor->open(folder.path("other.tnc"), answers), std::nullopt);
+    EXPECT_EQ(answers.unsavedAsked, 0);
+    EXPECT_EQ(tnc.value(0, 0), 102);
+    EXPECT_EQ(tnc.editor->path(), folder.path("other.tnc"));
+    EXPECT_FALSE(tnc.editor->isChanged());
+    EXPECT_TRUE(tnc.editor->undo());
+    EXPECT_EQ(tnc.value(0, 0), 0);
+    EXPECT_EQ(tnc.editor->path(), "curves/a.tnc");
+}
+
+TEST(ToneEditor, AnotherFileIsNotOpenedOverChangesThatThePersonStaysWith) {
+    const test::TempFolder folder;
+    Answers answers;
+    Editing other(kBkcEditor);
+    answers.path = folder.path("other.bkc");
+    ASSERT_TRUE(other.editor->save(answers));
+    Editing bkc(kBkcEditor, "curves/a.bkc");
+    bkc.editor->leaveField(0, "50");
+    answers.unsaved = dialog::Unsaved::stay;
+    EXPECT_EQ(bkc.editor->open(folder.path("other.bkc"), answers), std::nullopt);
+    EXPECT_EQ(answers.unsavedAsked, 1);
+    EXPECT_EQ(bkc.value(0, 0), 128);
+    EXPECT_EQ(bkc.editor->path(), "curves/a.bkc");
+}
+
+TEST(ToneEditor, AFileOfAnotherKindIsNotOpenedAndTheReasonIsSaid) {
+    const test::TempFolder folder;
+    test::writeFile(folder.path("notes.bkc"), "text");
+    Editing bkc(kBkcEditor, "curves/a.bkc");
+    Answers answers;
+    EXPECT_EQ(bkc.editor->open(folder.path("notes.bkc"), answers), Problem{texts::kNoBlackCurve});
+    EXPECT_EQ(bkc.editor->open(folder.path("none.bkc"), answers), Problem{texts::kFileMissing});
+    EXPECT_EQ(bkc.editor->path(), "curves/a.bkc");
+    EXPECT_FALSE(bkc.editor->canUndo());
 }
 
 TEST(ToneEditor, AFolderMeansANewFileSavedIntoIt) {

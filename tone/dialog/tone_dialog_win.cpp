@@ -58,6 +58,7 @@ private:
             {.id = IDC_NEW, .press = [this] { editor_.startNew(host()); }},
         });
         addFileButtons();
+        acceptDroppedFiles();
         for (const SettingControl& setting : kSettings)
             if (item(setting.control)) addSetting(setting);
         add(curves_.controls());
@@ -78,6 +79,10 @@ private:
 
     void shown() override {
         setCaption(filled(wideTranslated(kind().caption), {widePath(editor_.path())}));
+    }
+
+    std::optional<Problem> openFile(const std::string& path) override {
+        return editor_.open(path, host());
     }
 
     void closing() override { placeOf(kind()).remember(window()); }

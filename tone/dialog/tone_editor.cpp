@@ -1,6 +1,7 @@
 #include "tone/dialog/tone_editor.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "frame/path.h"
 #include "frame/scan.h"
@@ -165,16 +166,36 @@ void ToneEditor::reset() {
 bool ToneEditor::startNew(dialog::EditorHost& host) {
     if (!host.ask(texts::kProfileCaption, texts::kResetQuestion)) return false;
     release();
-    // The step back takes the file along.
-    struct File {
-        std::string path;
-        bool has;
-    };
     State before = capture();
     File file{std::string(path()), hasFile()};
     initToneCurve(curve_);
     setHasFile(false);
     makeStraight(curve_, kind_.channels);
+    addFileStep(std::move(before), std::move(file));
+    return true;
+}
+
+std::optional<Problem> ToneEditor::open(const std::string& path, dialog::EditorHost& host) {
+    if (auto problem = whyNoCurveFile(kind_.channels, path.c_str())) return problem;
+    if (!mayClose(host)) return std::nullopt;
+    release();
+    State before = capture();
+    File file{std::string(this->path()), hasFile()};
+    if (!kind_.load(curve_, settings_, path.c_str())) {
+        restore(before);
+        (void)copyPath(curve_.path, file.path.c_str());
+        return fileProblem(platform::lastError());
+    }
+    (void)copyPath(curve_.path, path.c_str());
+    startFolder_ = folderOf(path);
+    setHasFile(true);
+    addFileStep(std::move(before), std::move(file));
+    history().markSaved();
+    keepOpened();
+    return std::nullopt;
+}
+
+void ToneEditor::addFileStep(State before, File file) {
     history().add([this, other = std::move(before), file = std::move(file)]() mutable {
         State now = capture();
         File left{std::string(path()), hasFile()};
@@ -184,7 +205,6 @@ bool ToneEditor::startNew(dialog::EditorHost& host) {
         other = std::move(now);
         file = std::move(left);
     });
-    return true;
 }
 
 std::string_view ToneEditor::questionCaption() const noexcept { return texts::kProfileCaption; }

@@ -62,6 +62,9 @@ public:
 
     void reset();
     bool startNew(dialog::EditorHost& host);
+    // Another file in place of this one, once the person agrees to leave its changes: a step like
+    // any other. Why it cannot be opened.
+    std::optional<Problem> open(const std::string& path, dialog::EditorHost& host);
 
     State capture() const;
     void restore(const State& state);
@@ -74,6 +77,12 @@ private:
         change();
         dialog::addStep(history(), *this, std::move(before));
     }
+    // What a step to another file takes along.
+    struct File {
+        std::string path;
+        bool has;
+    };
+    void addFileStep(State before, File file);
     bool isBusy() const noexcept override { return isDragging(); }
     std::string_view questionCaption() const noexcept override;
     std::string currentPath() const override { return std::string(path()); }
