@@ -4,6 +4,7 @@
 #include <new>
 
 #include "cli/errors.h"
+#include "cli/system.h"
 #include "cmyk/cmyk.h"
 #include "cmyk/load.h"
 
@@ -98,6 +99,12 @@ IccLut* IccInput::lut(uint32_t signature) const {
     if (isCutShort(file_, *entry, *lut))
         failOn(file_.path, name + " is cut short by the end of the file");
     return lut;
+}
+
+ReadyLut::ReadyLut(IccLut* lut)
+    : lut_(lut), ready_(lut && reasoned([&] { return jIccLutSetup(lut) == 1; })) {
+    // A table that cannot be evaluated is left out of a picture; one without memory is not.
+    if (lut && !ready_ && system::isShortMemory(platform::lastError())) throw std::bad_alloc();
 }
 
 std::array<double, 4> ReadyLut::convert(const std::array<double, 4>& colour) const {

@@ -63,7 +63,7 @@ bool isCutShort(const InputFile& file, const IccTagEntry& entry, const IccLut& l
 // A table made ready for evaluation for as long as this lives.
 class ReadyLut {
 public:
-    explicit ReadyLut(IccLut* lut) : lut_(lut), ready_(lut && jIccLutSetup(lut) == 1) {}
+    explicit ReadyLut(IccLut* lut);
     ~ReadyLut() {
         if (ready_) jIccLutClose(lut_);
     }
