@@ -18,6 +18,15 @@ bool isZero(std::span<const uint8_t> bytes) noexcept {
                                                          bytes.begin()));
 }
 
+void copyThin(std::span<const uint8_t> from, uint8_t* to) noexcept {
+    while (!from.empty()) {
+        const auto portion = from.first(std::min(kPortion, from.size()));
+        if (!isZero(portion)) std::copy(portion.begin(), portion.end(), to);
+        from = from.subspan(portion.size());
+        to += portion.size();
+    }
+}
+
 bool readThin(platform::FileHandle file, std::span<uint8_t> bytes) noexcept {
     const FileBytes::Memory portion(static_cast<uint8_t*>(std::malloc(kPortion)));
     if (!portion) {
@@ -59,6 +68,13 @@ struct FileCloser {
 };
 
 }  // namespace
+
+FileBytes copyOf(std::span<const uint8_t> bytes) {
+    FileBytes::Memory copy(static_cast<uint8_t*>(std::calloc(std::max<size_t>(bytes.size(), 1), 1)));
+    if (!copy) throw std::bad_alloc();
+    copyThin(bytes, copy.get());
+    return FileBytes(std::move(copy), bytes.size(), bytes.size());
+}
 
 void setGuardWait(GuardWait wait) noexcept { guardWait = wait; }
 

@@ -74,6 +74,8 @@ private:
     uint64_t fileSize_ = 0;
 };
 
+[[nodiscard]] FileBytes copyOf(std::span<const uint8_t> bytes);  // zeros taking none again; throws
+
 enum class ReadResult {
     read,
     notOpened,  // there is no such regular file, or it may not be read

@@ -82,8 +82,8 @@ Result guarded(KoPreciseError* error, Result failure, Work&& work) noexcept {
     return result;
 }
 
-std::vector<uint8_t> bytesOf(const char* path, Problem& problem) {
-    const ko::FileReading reading = ko::readWhole(path, kFiles, kMostBytes);
+ko::FileBytes bytesOf(const char* path, Problem& problem) {
+    ko::FileReading reading = ko::readWhole(path, kFiles, kMostBytes);
     if (reading.result == ko::ReadResult::notOpened) {
         problem.set(Trouble::file, "cannot be opened");
         return {};
@@ -96,8 +96,7 @@ std::vector<uint8_t> bytesOf(const char* path, Problem& problem) {
         problem.set(Trouble::file, "cannot be read whole");
         return {};
     }
-    const auto bytes = reading.file.bytes();
-    return {bytes.begin(), bytes.end()};
+    return std::move(reading.file);
 }
 
 KoPreciseProfile* opened(std::span<const uint8_t> bytes, Problem& problem) {
@@ -219,8 +218,8 @@ extern "C" const char* koPreciseVersion(void) { return KOLINK_VERSION; }
 extern "C" KoPreciseProfile* koPreciseOpenProfile(const char* path, KoPreciseError* error) {
     return guarded<KoPreciseProfile*>(error, nullptr, [&](Problem& problem, int32_t&) {
         if (!path) problem.set(Trouble::argument, "no path");
-        const auto bytes = path ? bytesOf(path, problem) : std::vector<uint8_t>();
-        return problem.code == Trouble::none ? opened(bytes, problem) : nullptr;
+        const ko::FileBytes file = path ? bytesOf(path, problem) : ko::FileBytes();
+        return problem.code == Trouble::none ? opened(file.bytes(), problem) : nullptr;
     });
 }
 

@@ -194,7 +194,7 @@ std::unique_ptr<Profile> Profile::parse(std::span<const uint8_t> bytes, Problem&
         problem.set(Trouble::profile, "is a damaged ICC profile: its directory does not fit");
         return nullptr;
     }
-    profile->bytes_.assign(bytes.begin(), bytes.end());
+    profile->bytes_ = copyOf(bytes);
     for (uint32_t at = 0; at < count; ++at) {
         const Tag tag = {in.u32(), in.u32(), in.u32()};
         if (tag.offset > bytes.size() || tag.size > bytes.size() - tag.offset) continue;
@@ -219,7 +219,7 @@ std::unique_ptr<Profile> Profile::parse(std::span<const uint8_t> bytes, Problem&
 std::span<const uint8_t> Profile::tag(uint32_t signature) const noexcept {
     for (const Tag& tag : tags_)
         if (tag.signature == signature)
-            return std::span<const uint8_t>(bytes_).subspan(tag.offset, tag.size);
+            return bytes().subspan(tag.offset, tag.size);
     return {};
 }
 

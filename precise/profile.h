@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "frame/bytes.h"
+#include "frame/file.h"
 #include "precise/lab.h"
 #include "precise/pipeline.h"
 #include "precise/problem.h"
@@ -40,7 +41,7 @@ public:
     bool connectsInLab() const noexcept { return header_.connection == fourcc("Lab "); }
     bool hasTag(uint32_t signature) const noexcept { return !tag(signature).empty(); }
     std::span<const uint8_t> tag(uint32_t signature) const noexcept;  // empty when it is missing
-    std::span<const uint8_t> bytes() const noexcept { return bytes_; }
+    std::span<const uint8_t> bytes() const noexcept { return bytes_.bytes(); }
 
     // Device values 0..1 (Lab and XYZ as device space: their own numbers) to the connection
     // space's own numbers, L*a*b* or XYZ. The table of the intent, else A2B0, else matrix or grey
@@ -66,7 +67,7 @@ private:
     struct Tag {
         uint32_t signature, offset, size;
     };
-    std::vector<uint8_t> bytes_;
+    FileBytes bytes_;
     std::vector<Tag> tags_;
     ProfileHeader header_;
     std::string description_;
