@@ -35,6 +35,16 @@ too_large() {  # FILE COMMAND...: one line that says so, in little memory
 for name in sparse.txt sparse.lut sparse.icc; do check "a $name of 40 GB is refused at once" too_large 40G $name info; done
 for name in sparse.bkc sparse.dcc sparse.clb; do check "a $name of 12 GiB is refused at once" too_large 12G $name info; done
 check "a sparse picture of a table as well" too_large 40G sparse.txt plot -o none.svg
+hole() {  # a profile that goes on as a hole of 128 MiB takes memory for what it holds
+    local most=65536
+    plain || most=1048576
+    cp "$printer" hole.icc && truncate -s 128M hole.icc
+    process peak $most "$tool" link --source hole.icc --destination hole.icc --grid 9 -o none.icc > "$out" 2> "$err"
+    local status=$?
+    rm -f hole.icc none.icc
+    [ $status = 0 ] || { echo "status $status"; cat "$out" "$err"; return 1; }
+}
+check "a profile that is mostly a hole takes little memory" hole
 claims() {  # a TIFF of a few hundred bytes that claims WIDTH x HEIGHT in COMPRESSION
     local most=65536 status
     plain || most=1048576
