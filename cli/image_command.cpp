@@ -1,4 +1,4 @@
-// kolink image: a TIFF picture converted row by row, in constant memory.
+// kolink image: a picture converted row by row, in constant memory.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -13,7 +13,7 @@
 #include "cli/files.h"
 #include "cli/icc_input.h"
 #include "cli/progress.h"
-#include "cli/tiff_picture.h"
+#include "cli/picture.h"
 
 namespace ko::cli {
 namespace {
@@ -24,70 +24,13 @@ constexpr char kExamples[] =
     "  kolink image in.tif out.tif --source scanner.icc --destination press.icc --bpc\n"
     "  kolink image page.tif proof.tif --link proof.icc\n"
     "  kolink image photo.tif grey.tif --grey\n"
+    "  kolink image photo.jpg print.tif --source srgb.icc --destination press.icc\n"
     "\n"
-    "RGB, CMYK and grey pictures of 8 or 16 bits a sample, in strips or tiles, one page or several.\n"
-    "Resolution and descriptions are kept. The profile in the picture is the source unless --source\n"
+    "TIFF pictures of RGB, CMYK or grey of 8 or 16 bits a sample, in strips or tiles, one page or\n"
+    "several; JPEG pictures of the same colours; PNG pictures without CMYK. What comes in is told by the\n"
+    "file itself, what goes out by the ending of its name. Resolution and descriptions are kept. The profile in the picture is the source unless --source\n"
     "names one. 16-bit samples are converted in 16 bits, but for --table, --builtin, --grey and\n"
     "--method classic and system, which know 8.\n";
-
-constexpr int kMostPages = 1000;
-
-// Tags that say something about the picture and not about its samples.
-void copyTags(TIFF* from, TIFF* to) {
-    for (const uint32_t tag : {TIFFTAG_XRESOLUTION, TIFFTAG_YRESOLUTION, TIFFTAG_XPOSITION, TIFFTAG_YPOSITION}) {
-        float value = 0;
-        if (TIFFGetField(from, tag, &value)) TIFFSetField(to, tag, static_cast<double>(value));
-    }
-    for (const uint32_t tag : {TIFFTAG_RESOLUTIONUNIT, TIFFTAG_ORIENTATION}) {
-        uint16_t value = 0;
-        if (TIFFGetField(from, tag, &value)) TIFFSetField(to, tag, value);
-    }
-    uint32_t subfile = 0;
-    if (TIFFGetField(from, TIFFTAG_SUBFILETYPE, &subfile)) TIFFSetField(to, TIFFTAG_SUBFILETYPE, subfile);
-    uint16_t first = 0, second = 0;
-    if (TIFFGetField(from, TIFFTAG_PAGENUMBER, &first, &second)) TIFFSetField(to, TIFFTAG_PAGENUMBER, first, second);
-    for (const uint32_t tag : {TIFFTAG_DOCUMENTNAME, TIFFTAG_IMAGEDESCRIPTION, TIFFTAG_MAKE, TIFFTAG_MODEL,
-                               TIFFTAG_PAGENAME, TIFFTAG_SOFTWARE, TIFFTAG_DATETIME, TIFFTAG_ARTIST,
-                               TIFFTAG_HOSTCOMPUTER, TIFFTAG_COPYRIGHT}) {
-        const char* text = nullptr;
-        if (TIFFGetField(from, tag, &text) && text) TIFFSetField(to, tag, text);
-    }
-    for (const uint32_t tag : {TIFFTAG_XMLPACKET, TIFFTAG_RICHTIFFIPTC, TIFFTAG_PHOTOSHOP}) {
-        uint32_t size = 0;
-        const void* data = nullptr;
-        if (TIFFGetField(from, tag, &size, &data) && data) TIFFSetField(to, tag, size, data);
-    }
-}
-
-// False: the picture would lack something.
-bool prepareOutput(TIFF* out, const Page& page, ColourSpace space, uint16_t bits,
-                   std::span<const uint8_t> profile) {
-    const uint16_t channels = static_cast<uint16_t>(channelsOf(space));
-    bool isWhole = true;
-    const auto set = [&](uint32_t tag, auto... values) {
-        isWhole = TIFFSetField(out, tag, values...) && isWhole;
-    };
-    set(TIFFTAG_IMAGEWIDTH, page.width);
-    set(TIFFTAG_IMAGELENGTH, page.height);
-    set(TIFFTAG_BITSPERSAMPLE, bits);
-    set(TIFFTAG_SAMPLESPERPIXEL, channels);
-    set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    const bool lossless = page.compression == COMPRESSION_NONE || page.compression == COMPRESSION_LZW ||
-                          page.compression == COMPRESSION_ADOBE_DEFLATE ||
-                          page.compression == COMPRESSION_PACKBITS;
-    const uint16_t compression = lossless ? page.compression : static_cast<uint16_t>(COMPRESSION_LZW);
-    set(TIFFTAG_COMPRESSION, compression);
-    if (compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE)
-        set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
-    set(TIFFTAG_PHOTOMETRIC, space == ColourSpace::cmyk  ? PHOTOMETRIC_SEPARATED
-                             : space == ColourSpace::rgb ? PHOTOMETRIC_RGB
-                                                         : PHOTOMETRIC_MINISBLACK);
-    if (space == ColourSpace::cmyk) set(TIFFTAG_INKSET, INKSET_CMYK);
-    if (!profile.empty())
-        set(TIFFTAG_ICCPROFILE, static_cast<uint32_t>(profile.size()), profile.data());
-    set(TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(out, 0));
-    return isWhole;
-}
 
 // Rows of one page through a conversion, of 8 or 16 bits on either side.
 class RowConverter {
@@ -125,18 +68,13 @@ private:
     std::vector<uint16_t> wideIn_, wideOut_;
 };
 
-// With the system's reason, where the file has one: the picture's library does not know it. A file
-// that took every byte is not finished either, since the picture in it is not whole.
-[[noreturn]] void failToWrite(const std::string& path, NewFile& made) {
-    if (made.hasFailed() && made.finish() != SaveResult::written) failWithReason(path, "cannot be written");
-    failWith(path, "cannot be written");
-}
-
 struct Options {
     ConversionOptions conversion;
     std::string input, output;
     std::optional<std::string> embed;  // empty: the destination profile
     int bits = 0;
+    std::optional<int> quality;
+    std::optional<std::string> subsampling;
     bool quiet = false;
 };
 
@@ -145,8 +83,9 @@ class PageConversion {
 public:
     explicit PageConversion(const Options& options) : options_(options) {}
 
-    Conversion& of(const InputFile& file, const Page& page, TIFF* tiff) {
-        std::vector<uint8_t> embedded = embeddedProfile(tiff);
+    Conversion& of(const InputFile& file, const PictureReader& picture) {
+        const Page& page = picture.page();
+        std::vector<uint8_t> embedded = picture.profile();
         const bool isFine = options_.bits == 16 || page.bits == 16;
         const bool isSource = !options_.conversion.hasSource() && !embedded.empty();
         if (conversion_ && (!isSource || embedded == embedded_) && isFine == isFine_) return *conversion_;
@@ -189,14 +128,35 @@ std::optional<InputFile> profileToEmbed(const Options& options, const Conversion
     return profile.file();
 }
 
+// How the result is coded where it is a JPEG picture: as asked for, else as the picture is.
+JpegCoding codingOf(const Options& options, const PictureReader& picture) {
+    JpegCoding coding = picture.coding().value_or(JpegCoding());
+    if (options.quality) coding.quality = *options.quality;
+    if (options.subsampling) {
+        coding.horizontal = *options.subsampling == "444" ? 1 : 2;
+        coding.vertical = *options.subsampling == "420" ? 2 : 1;
+    }
+    return coding;
+}
+
+// What the format of the result cannot hold.
+void requireHeld(const Options& options, PictureKind kind, ColourSpace space) {
+    if (kind == PictureKind::png && space == ColourSpace::cmyk)
+        throw UsageFailure(printable(options.output) + ": a PNG picture holds no CMYK; name the result .tif or .jpg");
+    if (kind == PictureKind::jpeg && options.bits == 16)
+        throw UsageFailure(printable(options.output) + ": a JPEG picture has 8 bits a sample; name the result .tif or .png");
+    if (kind != PictureKind::jpeg && (options.quality || options.subsampling))
+        throw UsageFailure("--quality and --subsampling are of JPEG pictures, and " + printable(options.output) + " becomes a " + nameOf(kind) + " picture");
+}
+
 void convertImage(const Options& options) {
     const InputFile file = lookAt(options.input);
-    TiffPtr in = openTiff(file.path);
-    Page page = readPage(file, in.get());
+    const PictureKind kind = kindByName(options.output, pictureKind(file));
+    const std::unique_ptr<PictureReader> in = openPicture(file);
     PageConversion conversions(options);
-    Conversion* conversion = &conversions.of(file, page, in.get());
+    Conversion* conversion = &conversions.of(file, *in);
+    requireHeld(options, kind, conversion->output);
     const std::optional<InputFile> embedded = profileToEmbed(options, *conversion);
-    const std::span<const uint8_t> profile = embedded ? embedded->bytes : std::span<const uint8_t>();
 
     std::vector<std::string> inputs = conversion->files;
     inputs.push_back(options.input);
@@ -205,54 +165,37 @@ void convertImage(const Options& options) {
     const system::Making making;
     const system::Writing place(options.output);
     NewFile made(place.path().c_str(), false);
-    forgetTiffError();
-    // Beyond 4 GB only the larger form of TIFF has room.
-    const uint64_t estimate = uint64_t{page.width} * page.height * 4 * (options.bits == 16 || page.bits == 16 ? 2 : 1);
     if (!made) failWithReason(options.output, "cannot be written");
-    TiffPtr out = newTiff(made, estimate > 3900000000u);
-    if (!out) failWith(options.output, "cannot be written");
+    // Beyond 4 GB only the larger form of TIFF has room.
+    const uint64_t estimate = uint64_t{in->page().width} * in->page().height * 4 *
+                              (options.bits == 16 || in->page().bits == 16 ? 2 : 1);
+    const std::unique_ptr<PictureWriter> out =
+        newPicture(kind, options.output, made, estimate > 3900000000u, codingOf(options, *in));
 
-    std::vector<TiffPtr> more;
     for (int number = 0;; ++number) {
-        if (number > 0) conversion = &conversions.of(file, page, in.get());
+        const Page& page = in->page();
+        if (number > 0) conversion = &conversions.of(file, *in);
         if (page.space != conversion->input)
             failOn(file.path, std::string("is ") + nameOf(page.space) + (number ? " on page " + std::to_string(number + 1) : "") +
                                   ", and the conversion takes " + nameOf(conversion->input));
-        const auto bits = static_cast<uint16_t>(options.bits ? options.bits : page.bits);
-        forgetTiffError();
-        const bool isPrepared = inTiff([&] {
-            if (!prepareOutput(out.get(), page, conversion->output, bits, profile)) return false;
-            copyTags(in.get(), out.get());
-            return true;
-        });
-        if (!isPrepared) failToWrite(options.output, made);
-        requireWholeReading(file.path);
-
-        RowReader reader(file.path, page, channelHandles(file.path, page, in.get(), number, more));
-        RowConverter rows(*conversion, page, bits);
+        NewPage result{page.width, page.height, conversion->output,
+                       static_cast<uint16_t>(kind == PictureKind::jpeg ? 8 : options.bits ? options.bits : page.bits), {}};
+        if (embedded) result.profile = embedded->bytes;
+        out->beginPage(result, *in);
+        RowConverter rows(*conversion, page, result.bits);
         Progress progress(fromPath(toPath(options.output).filename()), page.height, options.quiet);
         for (uint32_t y = 0; y < page.height; ++y) {
-            reader.read(y, rows.input());
-            uint8_t* const row = rows.convert();
-            if (inTiff([&] { return TIFFWriteScanline(out.get(), row, y, 0); }) < 0) failToWrite(options.output, made);
+            in->read(y, rows.input());
+            out->write(y, rows.convert());
             progress.advanceTo(y + 1);
             if (const int signal = system::interruption()) throw Interrupted{signal};
         }
-        if (TIFFLastDirectory(in.get())) break;
-        if (number + 1 == kMostPages) failOn(file.path, "has more than " + grouped(kMostPages) + " pages");
-        forgetTiffError();
-        if (!inTiff([&] { return TIFFReadDirectory(in.get()); })) {
-            requireWholeReading(file.path);
-            failWith(file.path, "cannot be read at page " + std::to_string(number + 2));
-        }
-        if (!inTiff([&] { return TIFFWriteDirectory(out.get()); })) failToWrite(options.output, made);
-        page = readPage(file, in.get());
+        if (!in->nextPage()) break;
+        if (!out->hasPages())
+            failOn(file.path, std::string("has several pages, and a ") + nameOf(kind) + " picture holds one");
     }
-    requireWholeReading(file.path);
-    forgetTiffError();
-    if (!inTiff([&] { return TIFFFlush(out.get()); })) failToWrite(options.output, made);
-    out.reset();
-    if (hasTiffError()) failToWrite(options.output, made);
+    in->finish();
+    out->finish();
     if (made.finish() != SaveResult::written) failWithReason(options.output, "cannot be written");
 }
 
@@ -260,7 +203,7 @@ void convertImage(const Options& options) {
 
 void addImageCommand(Command& app) {
     const auto options = std::make_shared<Options>();
-    Command command = app.command("image", "Convert a TIFF picture");
+    Command command = app.command("image", "Convert a TIFF, JPEG or PNG picture");
     command.examples(kExamples);
     command.option("input", options->input, "The picture").called("IN").required();
     command.option("output", options->output, "The picture to write").called("OUT").required();
@@ -270,6 +213,10 @@ void addImageCommand(Command& app) {
     command.option("--embed", options->embed, "Embed the destination profile, or this one, which a link needs")
         .called("[FILE]")
         .valueMayLack();
+    command.option("--quality", options->quality, "Quality of a JPEG result, 1 to 100; as the picture's, else 90")
+        .between(1, 100);
+    command.option("--subsampling", options->subsampling, "Of the colour of an RGB JPEG result; as the picture's, else 420")
+        .oneOf({"444", "422", "420"});
     command.flag("-q,--quiet", options->quiet, "No progress bar");
     command.does([options] { convertImage(*options); });
 }
