@@ -184,8 +184,10 @@ private:
         set(TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(out, 0));
         return isWhole;
     }
+    // With the system's reason, where the file has one: the picture's library does not know it. A file
+    // that took every byte is not finished either, since the picture in it is not whole.
     [[noreturn]] void fail() {
-        if (file_.finish() != SaveResult::written) failWithReason(path_, "cannot be written");
+        if (file_.hasFailed() && file_.finish() != SaveResult::written) failWithReason(path_, "cannot be written");
         failWith(path_, "cannot be written");
     }
     const std::string& path_;
@@ -234,7 +236,7 @@ std::unique_ptr<PictureWriter> newPicture(PictureKind kind, const std::string& p
 }
 
 void failToWrite(const std::string& path, NewFile& made, const std::string& reason) {
-    if (made.finish() != SaveResult::written) failWithReason(path, "cannot be written");
+    if (made.hasFailed() && made.finish() != SaveResult::written) failWithReason(path, "cannot be written");
     failOn(path, "cannot be written (" + printable(reason) + ")");
 }
 
