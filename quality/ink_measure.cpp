@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 
+#include "frame/platform.h"
 #include "icc/icc.h"
+#include "icc/lut.h"
 #include "precise/solve.h"
 #include "quality/difference.h"
 
@@ -21,10 +24,16 @@ class LibraryTable {
 public:
     explicit LibraryTable(std::span<const uint8_t> bytes) {
         const icc::ProfilePtr profile = icc::parseHeader(bytes);
-        if (!profile) return;
+        if (!profile) {
+            throwIfShortOfMemory();
+            return;
+        }
         lut_ = icc::decodeTag(*profile, bytes, fourcc("A2B0"));
+        if (lut_.result == icc::TagResult::shortMemory) throw std::bad_alloc();
         auto* const lut = static_cast<IccLut*>(lut_.get());
-        ready_ = lut && lut->inputChannels == 4 && lut->outputChannels == 4 && icc::lutSetup(lut);
+        if (!lut || lut->inputChannels != 4 || lut->outputChannels != 4 || !icc::isSupportedLut(*lut)) return;
+        if (!icc::lutSetup(lut)) throw std::bad_alloc();  // nothing else keeps it from being ready
+        ready_ = true;
     }
     ~LibraryTable() {
         if (ready_) icc::lutClose(static_cast<IccLut*>(lut_.get()));
@@ -41,6 +50,13 @@ public:
     }
 
 private:
+    // A header that the library refuses is another matter.
+    static void throwIfShortOfMemory() {
+        const uint32_t reason = platform::lastError();
+        platform::setLastError(platform::Cause::shortMemory);
+        if (reason == platform::lastError()) throw std::bad_alloc();
+    }
+
     icc::Decoded lut_{nullptr, icc::TagResult::absent};
     bool ready_ = false;
 };
