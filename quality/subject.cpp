@@ -83,7 +83,7 @@ public:
         facts_.nodes = grid_.nodeCount();
         std::vector<float> bent;
         const float* values = grid_.nodes.data();
-        auto scale = static_cast<float>(grid_.scale);
+        double scale = grid_.scale;  // in double: the whole range is 1 then, not a little more
         if (after_) {
             bent = bentNodes();
             values = bent.data();
@@ -119,11 +119,11 @@ public:
                     mostAt = at;
                 }
             }
-        facts_.jump = static_cast<double>(jump) * scale;
+        facts_.jump = jump * scale;
         facts_.jumpChannel = static_cast<int>(jumpAt % 4);
         facts_.jumpFrom = inputOf(jumpAt / 4, nodes);
         facts_.jumpTo = inputOf(jumpTo / 4, nodes);
-        facts_.mostInk = std::max(0.0, static_cast<double>(most) * scale);
+        facts_.mostInk = std::max(0.0, most * scale);
         facts_.mostAt = inputOf(mostAt / 4, nodes);
         return facts_;
     }

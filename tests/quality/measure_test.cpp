@@ -184,6 +184,20 @@ TEST(LinkMeasures, FindTheLargestJumpOfTheGrid) {
     EXPECT_TRUE(nodes.jumpFrom == at || nodes.jumpTo == at);
 }
 
+TEST(LinkMeasures, FindAJumpAlongEachInkAlone) {
+    for (size_t ink = 0; ink < 4; ++ink) {
+        const Measured jumping(
+            linkOf(5, [ink](Colour in) { return Colour{0, in[ink] >= 0.5 ? 1.0 : 0.0, 0, 0}; }));
+        const NodeFacts& nodes = jumping.subject->nodes();
+        EXPECT_EQ(nodes.jump, 1) << ink;
+        EXPECT_EQ(nodes.jumpChannel, 1) << ink;
+        Colour from{}, to{};
+        from[ink] = 0.25, to[ink] = 0.5;
+        EXPECT_EQ(nodes.jumpFrom, from) << ink;
+        EXPECT_EQ(nodes.jumpTo, to) << ink;
+    }
+}
+
 TEST(LinkMeasures, FindWhereTheMostInkIs) {
     const Measured heavy(linkOf(3, [](Colour in) {
         if (in == Colour{0.5, 1, 0, 0}) return Colour{1, 1, 1, 0.5};
